@@ -1,0 +1,39 @@
+#include "aidl/services.h"
+#include "common/display_scenes.h"
+#include "common/failure.h"
+#include "common/java_values.h"
+
+using vendor::zantor::hardware::qxdisplay::DisplayOutInfo;
+using vendor::zantor::hardware::qxdisplay::displayfactory::DisplayFactoryOutInfo;
+
+namespace {
+
+constexpr int32_t kPanelTest = 2;  // the vendor service's own constant
+
+}  // namespace
+
+// intended: neither operation releases its scene text, and both log the same line.
+
+jstring native_aidl::DisplayTest(JNIEnv* env, jobject, jstring scene) {
+    const auto display = Held(g_aidlDisplayService, "aidlDisplayService is null");
+    if (display == nullptr) return NewText(env, kInvalidService);
+    const char* text = GetText(env, scene, "scene");
+    if (text == nullptr) return NewText(env, kInvalidService);
+    DisplayOutInfo info{};
+    const int number = DisplayTestScene(text, 20);  // intended: 18 over HIDL
+    KV_LOGI("displayTest scene = %d\n", number);
+    display->displayTest(kPanelTest, number, &info);
+    return NewText(env, info.text);
+}
+
+jstring native_aidl::DisplayGeneralTest(JNIEnv* env, jobject, jstring scene) {
+    const auto display = Held(g_aidlDisplayFactory, "aidlDisplayFactory is null");
+    if (display == nullptr) return NewText(env, kInvalidService);
+    const char* text = GetText(env, scene, "scene");
+    if (text == nullptr) return NewText(env, kInvalidService);
+    DisplayFactoryOutInfo info{};
+    const int number = DisplayGeneralTestScene(text, 40);
+    KV_LOGI("displayTest scene = %d\n", number);
+    display->displayGeneralTest(kPanelTest, number, &info);
+    return NewText(env, info.text);
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <jni.h>
+
+/**
+ * The AIDL backend: thirteen services, each held by one strong pointer, and the operations on them.
+ *
+ * The pointers are read by Java threads and rewritten by death notifications on binder threads
+ * without a lock (intended): an operation that meets a released service fails with its failure
+ * value.
+ */
+namespace native_aidl {
+
+/**
+ * Connectors. Each returns 1 when its service is held after the call, 0 when not. A declared
+ * service is waited for; an undeclared one is given up at once. A service already held is kept and
+ * not linked to death again.
+ */
+int InitFactoryInterface();
+int InitDisplayService();
+int InitTouchScreen();
+int InitSensors();
+int InitPower();
+int InitLight();
+int InitCameraFactory();
+int InitRadioEnhance();
+int InitDisplayFactory();
+int InitFingerprintService();
+int InitChipSrvInterface();
+int InitSimService();
+int InitChipSrvSat();
+
+/** Queries: true while the service is held (the fingerprint: while its session is open). */
+bool IsFactoryInterfaceAidlVersion();
+bool IsDisplayServiceAidlVersion();
+bool IsTouchScreenAidlVersion();
+bool IsSensorsAidlVersion();
+bool IsPowerAidlVersion();
+bool IsLightAidlVersion();
+bool IsCameraFactoryAidlVersion();
+bool IsRadioEnhanceAidlVersion();
+bool IsDisplayFactoryAidlVersion();
+bool IsFingerprintServiceAidlVersion();
+bool IsChipSrvInterfaceAidlVersion();
+bool IsSimAidlVersion();
+bool IsChipSrvSatAidlVersion();
+
+/**
+ * Unlinks and releases every service. A fingerprint interface without a session is kept (intended),
+ * and so are the death notifiers.
+ */
+void ExitKvManager();
+
+#include "common/backend_operations.inc"
+
+// The operations that no device offers over HIDL; otherwise as above.
+int SetSimPowerState(JNIEnv* env, jobject obj, int state);
+jstring ChipTtTestCp(JNIEnv* env, jobject obj, jstring scene);
+jstring ChipTtRssiTest(JNIEnv* env, jobject obj, jstring scene);
+jstring ChipTtTestPa(JNIEnv* env, jobject obj, jstring scene);
+jstring ChipTtTestPdet(JNIEnv* env, jobject obj, jstring scene);
+
+}  // namespace native_aidl

@@ -1,0 +1,8 @@
+#pragma once
+
+// What Java receives when an operation cannot reach its service.
+constexpr int kServiceAbsent = -9999;
+constexpr const char* kInvalidService = "INVALID_SERVICE";
+
+// What Java receives when something on this side of the service fails.
+constexpr int kLocalFailure = -1;

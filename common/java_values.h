@@ -1,0 +1,63 @@
+#pragma once
+
+#include <jni.h>
+
+#include <string>
+#include <vector>
+
+/** The one Java class that the library serves. */
+constexpr const char* kKvNativeInterface = "com/quorvin/kalvornii/KvNativeInterface";
+
+/**
+ * Modified UTF-8 of a Java string, as GetStringUTFChars gives it; the caller owns the characters.
+ * A null string logs "<name> is null" and yields null: the operation then calls no service and
+ * returns what it returns when its service is absent.
+ */
+const char* GetText(JNIEnv* env, jstring text, const char* name);
+
+/**
+ * A Java string's modified UTF-8 for the length of an operation, released with the object.
+ *
+ *     JavaText scene, para;
+ *     if (!scene.Read(env, testScene, "testScene") || !para.Read(env, paraText, "para")) {
+ *         return kServiceAbsent;
+ *     }
+ */
+class JavaText {
+  public:
+    JavaText() = default;
+    ~JavaText() { Release(); }
+    JavaText(const JavaText&) = delete;
+    JavaText& operator=(const JavaText&) = delete;
+
+    /** Reads the string as GetText does; false when it is null. Once per object. */
+    bool Read(JNIEnv* env, jstring text, const char* name);
+
+    /** Releases the characters early; c_str() is null from then on. */
+    void Release();
+
+    const char* c_str() const { return chars_; }
+
+  private:
+    JNIEnv* env_ = nullptr;
+    jstring text_ = nullptr;
+    const char* chars_ = nullptr;
+};
+
+/**
+ * A new Java string of a service's UTF-8 text, which ends at its first zero byte. Four-byte
+ * characters, which modified UTF-8 does not have, are handed to Java as surrogate pairs.
+ */
+jstring NewText(JNIEnv* env, const char* text);
+inline jstring NewText(JNIEnv* env, const std::string& text) {
+    return NewText(env, text.c_str());
+}
+
+/** Stores a new Java string in a static String field of KvNativeInterface, looked up anew. */
+void SetStaticText(JNIEnv* env, const char* field, const char* text);
+
+/**
+ * Copies a Java byte array. False, after the line "<name> is null", when there is no array, and
+ * false without a line when its elements cannot be had.
+ */
+bool CopyBytes(JNIEnv* env, jbyteArray array, const char* name, std::vector<char>* bytes);

@@ -1,0 +1,50 @@
+#include "common/display_scenes.h"
+#include "common/failure.h"
+#include "common/java_values.h"
+#include "hidl/services.h"
+
+using vendor::zantor::hardware::qxdisplay::displayfactory::V1_0::DISPLAY_FACT_RET;
+using vendor::zantor::hardware::qxdisplay::V1_0::DISPLAY_RET;
+
+namespace {
+
+constexpr int32_t kPanelTest = 2;  // the vendor service's own constant
+
+}  // namespace
+
+// intended: neither operation releases its scene text, both log the same line, and the service's
+// result code is taken but decides nothing.
+
+jstring native_hidl::DisplayTest(JNIEnv* env, jobject, jstring scene) {
+    const auto display = Held(g_displayService, "g_displayService is null");
+    if (display == nullptr) return NewText(env, kInvalidService);
+    const char* text = GetText(env, scene, "scene");
+    if (text == nullptr) return NewText(env, kInvalidService);
+    int32_t result = -7;
+    hidl_string answer;
+    const int number = DisplayTestScene(text, 18);  // intended: 20 over AIDL
+    KV_LOGE("DisplayTest scene = %d\n", number);
+    DropStatus(display->displayTest(kPanelTest, number,
+                                    [&](DISPLAY_RET ret, const hidl_string& resultText) {
+                                        result = static_cast<int32_t>(ret);
+                                        answer = resultText;
+                                    }));
+    return NewText(env, answer.c_str());
+}
+
+jstring native_hidl::DisplayGeneralTest(JNIEnv* env, jobject, jstring scene) {
+    const auto display = Held(g_displayFactory, "g_displayFactory is null");
+    if (display == nullptr) return NewText(env, kInvalidService);
+    const char* text = GetText(env, scene, "scene");
+    if (text == nullptr) return NewText(env, kInvalidService);
+    int32_t result = 0;
+    hidl_string answer;
+    const int number = DisplayGeneralTestScene(text, 40);
+    KV_LOGE("DisplayTest scene = %d\n", number);
+    DropStatus(display->displayGeneralTest(
+            kPanelTest, number, [&](DISPLAY_FACT_RET ret, const hidl_string& resultText) {
+                result = static_cast<int32_t>(ret);
+                answer = resultText;
+            }));
+    return NewText(env, answer.c_str());
+}

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <hidl/Status.h>
+#include <string.h>
+#include <utils/StrongPointer.h>
+#include <vendor/zantor/hardware/biometrics/fingerprint/2.2/IExtBiometricsFingerprint.h>
+#include <vendor/zantor/hardware/camera/factory/1.0/ICameraFactory.h>
+#include <vendor/zantor/hardware/light/2.0/ILight.h>
+#include <vendor/zantor/hardware/power/1.0/IQXPower.h>
+#include <vendor/zantor/hardware/qxdisplay/1.0/IDisplay.h>
+#include <vendor/zantor/hardware/qxdisplay/1.1/IDisplay.h>
+#include <vendor/zantor/hardware/qxdisplay/displayfactory/1.0/IDisplayFactory.h>
+#include <vendor/zantor/hardware/qxfactoryinterface/1.0/IQxFactoryInterface.h>
+#include <vendor/zantor/hardware/qxfactoryinterface/1.1/IQxFactoryInterface.h>
+#include <vendor/zantor/hardware/radioenhance/1.0/IRadioenhance.h>
+#include <vendor/zantor/hardware/sensors/1.2/ISensors.h>
+#include <vendor/zantor/hardware/tp/1.0/ITouchscreen.h>
+#include <vendor/zantor/hardware/ztchipsrv/1.0/IZtChipSrvInterface.h>
+
+#include "common/log.h"
+#include "hidl/kalvorn_hidl_manager.h"
+#include "hidl/watcher.h"
+
+namespace native_hidl {
+
+using android::sp;
+using android::hardware::hidl_string;
+using android::hardware::Return;
+using vendor::zantor::hardware::biometrics::fingerprint::V2_2::IExtBiometricsFingerprint;
+using vendor::zantor::hardware::camera::factory::V1_0::ICameraFactory;
+using vendor::zantor::hardware::light::V2_0::ILight;
+using vendor::zantor::hardware::power::V1_0::IQXPower;
+using vendor::zantor::hardware::qxdisplay::displayfactory::V1_0::IDisplayFactory;
+using vendor::zantor::hardware::qxdisplay::V1_0::IDisplay;
+using vendor::zantor::hardware::qxfactoryinterface::V1_0::IQxFactoryInterface;
+using vendor::zantor::hardware::radioenhance::V1_0::IRadioenhance;
+using vendor::zantor::hardware::sensors::V1_2::ISensors;
+using vendor::zantor::hardware::tp::V1_0::ITouchscreen;
+using vendor::zantor::hardware::ztchipsrv::V1_0::IZtChipSrvInterface;
+
+using IDisplayV1_1 = vendor::zantor::hardware::qxdisplay::V1_1::IDisplay;
+using IQxFactoryInterfaceV1_1 =
+        vendor::zantor::hardware::qxfactoryinterface::V1_1::IQxFactoryInterface;
+
+// Written by the connectors and ExitKvManager only.
+extern sp<IQxFactoryInterface> g_qxFactoryInterface;
+extern sp<IDisplay> g_displayService;
+extern sp<IDisplayFactory> g_displayFactory;
+extern sp<ITouchscreen> g_touchscreen;
+extern sp<ISensors> g_sensors;
+extern sp<IQXPower> g_Power;
+extern sp<ICameraFactory> g_cameraFactory;
+extern sp<ILight> g_light;
+extern sp<IRadioenhance> g_radioenhance;
+extern sp<IExtBiometricsFingerprint> g_qxFingerprint;
+extern sp<IZtChipSrvInterface> g_ztChipSrvInterface;
+
+extern sp<android::HidlUtil> g_hidlUtil;
+
+/**
+ * The service as an operation uses it: read once and held for the length of the call, so that a
+ * death meanwhile cannot free it. Null, after the line, when it is absent.
+ */
+template <typename Interface>
+sp<Interface> Held(const sp<Interface>& global, const char* nullText) {
+    sp<Interface> service = global;
+    if (service == nullptr) KV_LOGE("%s", nullText);
+    return service;
+}
+
+/** The service in its newer revision, asked for on every call; null when it is absent or older. */
+template <typename Newer, typename Interface>
+sp<Newer> Newest(const sp<Interface>& global) {
+    return Newer::castFrom(sp<Interface>(global));
+}
+
+/**
+ * Drops a call's transport status. The runtime ends the process when a failed status was never
+ * seen, so it is looked at; what the call left in the operation's presets is the answer.
+ */
+template <typename T>
+void DropStatus(const Return<T>& status) {
+    (void)status.isOk();
+}
+
+/** The result callback of the read-style methods: copies both values to where the presets stand. */
+inline auto StoreIn(int32_t* code, hidl_string* text) {
+    return [code, text](int32_t resultCode, const hidl_string& resultText) {
+        *code = resultCode;
+        *text = resultText;
+    };
+}
+
+/** Characters as a HIDL string without a copy; they must outlive it. */
+inline hidl_string Borrow(const char* chars) {
+    hidl_string text;
+    text.setToExternal(chars, strlen(chars));
+    return text;
+}
+
+/** The watcher's callbacks: a death releases every service, a new registration reconnects them. */
+void ProcessServiceDied(uint64_t cookie, const android::wp<android::hidl::base::V1_0::IBase>& who);
+void ReinitHal(const hidl_string& fqName, const hidl_string& name, bool preexisting);
+
+}  // namespace native_hidl

@@ -1,0 +1,25 @@
+# 32-bit ARM hard float, against the tree that make_tree.sh makes; what is built runs in the emulator.
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR armv7l)
+set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
+
+set(CMAKE_SYSROOT ${CMAKE_CURRENT_LIST_DIR}/../../build/arm-tree)
+cmake_path(NORMAL_PATH CMAKE_SYSROOT)
+set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
+# Without the notes on code of compilers before GCC 7, which nothing here meets.
+set(CMAKE_CXX_FLAGS_INIT "-g -Wno-psabi")
+set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/emulate.sh)
+
+# Compilers and generators are the build machine's, all else is the tree's.
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+set(ENV{PKG_CONFIG_LIBDIR} ${CMAKE_SYSROOT}/usr/lib/arm-linux-gnueabihf/pkgconfig:${CMAKE_SYSROOT}/usr/share/pkgconfig)
+set(ENV{PKG_CONFIG_SYSROOT_DIR} ${CMAKE_SYSROOT})
+
+set(JRE_HOME ${CMAKE_SYSROOT}/usr/lib/jvm/java-17-openjdk-armhf)
+set(JAVA ${CMAKE_CROSSCOMPILING_EMULATOR} ${JRE_HOME}/bin/java)
+set(JVM_LIBRARY ${JRE_HOME}/lib/server/libjvm.so)
+# By its full path: see make_tree.sh on what the emulator hides from the loader.
+set(CMAKE_BUILD_RPATH ${JRE_HOME}/lib/server)

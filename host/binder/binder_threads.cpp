@@ -1,0 +1,50 @@
+#include "binder_threads.h"
+
+#include <thread>
+#include <utility>
+
+#include "binder_host.h"
+
+namespace kalvorn::host {
+
+BinderThreads& BinderThreads::Get() {
+    static auto* const threads = new BinderThreads;
+    return *threads;
+}
+
+void BinderThreads::post(std::function<void()> task) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    mTasks.push_back(std::move(task));
+    if (mTasks.size() > mIdle && mThreads < kMaxThreads) {
+        ++mThreads;
+        std::thread([this] { serve(); }).detach();
+    }
+    mWork.notify_one();
+}
+
+bool BinderThreads::waitUntilIdle(std::chrono::milliseconds timeout) {
+    std::unique_lock<std::mutex> lock(mMutex);
+    return mIdleChanged.wait_for(lock, timeout,
+                                 [this] { return mTasks.empty() && mIdle == mThreads; });
+}
+
+void BinderThreads::serve() {
+    for (;;) nextTask()();
+}
+
+std::function<void()> BinderThreads::nextTask() {
+    std::unique_lock<std::mutex> lock(mMutex);
+    ++mIdle;
+    mIdleChanged.notify_all();
+    mWork.wait(lock, [this] { return !mTasks.empty(); });
+    --mIdle;
+    std::function<void()> task = std::move(mTasks.front());
+    mTasks.pop_front();
+    return task;
+}
+
+bool WaitForDeathDelivery(std::chrono::milliseconds timeout) {
+    return BinderThreads::Get().waitUntilIdle(timeout);
+}
+
+}  // namespace kalvorn::host

@@ -1,0 +1,172 @@
+#include "service_manager.h"
+
+#include <binder/IServiceManager.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "binder_host.h"
+#include "local_service.h"
+
+using android::IBinder;
+using android::IServiceManager;
+using android::OK;
+using android::sp;
+using android::status_t;
+using android::String16;
+using android::Vector;
+
+namespace kalvorn::host {
+namespace {
+
+/** Services are released outside the lock throughout: their destructors may look services up. */
+class ServiceManager : public IServiceManager {
+  public:
+    static const sp<ServiceManager>& Get() {
+        static const auto* const manager = new sp<ServiceManager>(new ServiceManager);
+        return *manager;
+    }
+
+    sp<IBinder> getService(const String16& name) const override {
+        return await(name, std::chrono::seconds(5));
+    }
+
+    sp<IBinder> checkService(const String16& name) const override {
+        return await(name, std::chrono::seconds(0));
+    }
+
+    sp<IBinder> waitForService(const String16& name) override { return await(name, std::nullopt); }
+
+    status_t addService(const String16& name, const sp<IBinder>& service, bool, int) override {
+        if (service == nullptr) return android::BAD_VALUE;
+        sp<IBinder> replaced = service;
+        std::lock_guard<std::mutex> lock(mMutex);
+        if (!RemoteView(service)->isBinderAlive()) return android::DEAD_OBJECT;
+        std::swap(mEntries[name].service, replaced);
+        mChanged.notify_all();
+        return OK;
+    }
+
+    Vector<String16> listServices(int) override {
+        Vector<String16> names;
+        std::lock_guard<std::mutex> lock(mMutex);
+        for (const auto& [name, entry] : mEntries) {
+            if (entry.service != nullptr) names.push_back(name);
+        }
+        return names;
+    }
+
+    bool isDeclared(const String16& name) override {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mEntries[name].declared;
+    }
+
+    void declare(const String16& name) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mEntries[name].declared = true;
+    }
+
+    void undeclare(const String16& name) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        withdraw(&mEntries[name]);
+    }
+
+    void remove(const sp<IBinder>& service) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        for (auto& [name, entry] : mEntries) {
+            if (entry.service == service) entry.service = nullptr;
+        }
+    }
+
+    void reset() {
+        std::vector<sp<IBinder>> released;
+        std::lock_guard<std::mutex> lock(mMutex);
+        for (auto& [name, entry] : mEntries) {
+            released.push_back(std::exchange(entry.service, nullptr));
+            withdraw(&entry);
+        }
+    }
+
+  protected:
+    IBinder* onAsBinder() override { return nullptr; }
+
+  private:
+    /** Entries are never erased: whoever waits holds on to one. */
+    struct Entry {
+        bool declared = false;
+        int withdrawals = 0;
+        sp<IBinder> service;
+    };
+
+    void withdraw(Entry* entry) {
+        entry->declared = false;
+        ++entry->withdrawals;
+        mChanged.notify_all();
+    }
+
+    /** The service's proxy; null after `timeout`, or if the name is withdrawn. */
+    sp<IBinder> await(const String16& name, std::optional<std::chrono::seconds> timeout) const {
+        std::unique_lock<std::mutex> lock(mMutex);
+        const Entry& entry = mEntries[name];
+        const auto settled = [&entry, before = entry.withdrawals] {
+            return entry.service != nullptr || entry.withdrawals != before;
+        };
+        if (timeout.has_value()) {
+            mChanged.wait_for(lock, *timeout, settled);
+        } else {
+            mChanged.wait(lock, settled);
+        }
+        const sp<IBinder> service = entry.service;
+        lock.unlock();
+        return RemoteView(service);
+    }
+
+    mutable std::mutex mMutex;
+    mutable std::condition_variable mChanged;
+    mutable std::map<String16, Entry> mEntries;
+};
+
+String16 Name(const std::string& name) {
+    return String16(name.c_str(), name.size());
+}
+
+}  // namespace
+
+void RemoveRegistrations(const sp<IBinder>& service) {
+    ServiceManager::Get()->remove(service);
+}
+
+void DeclareService(const std::string& name) {
+    ServiceManager::Get()->declare(Name(name));
+}
+
+void UndeclareService(const std::string& name) {
+    ServiceManager::Get()->undeclare(Name(name));
+}
+
+void ResetServiceManager() {
+    ServiceManager::Get()->reset();
+}
+
+}  // namespace kalvorn::host
+
+namespace android {
+
+IServiceManager::IServiceManager() = default;
+IServiceManager::~IServiceManager() = default;
+
+const String16& IServiceManager::getInterfaceDescriptor() const {
+    static const auto* const descriptor = new String16("android.os.IServiceManager");
+    return *descriptor;
+}
+
+sp<IServiceManager> defaultServiceManager() {
+    return kalvorn::host::ServiceManager::Get();
+}
+
+}  // namespace android

@@ -1,0 +1,201 @@
+// The native half of com.quorvin.kalvornii.demo.SimulatedDevice: the device, and the library's log
+// lines on the way to the screen.
+#include <android/log.h>
+#include <jni.h>
+#include <string.h>
+
+#include <chrono>
+#include <cstdio>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "device/device.h"
+
+namespace {
+
+using kalvorn::device::Answer;
+using kalvorn::device::Backend;
+using kalvorn::device::Device;
+
+constexpr size_t kColumns = 100;
+constexpr const char* kNoTime = "         ";
+
+const auto g_start = std::chrono::steady_clock::now();
+bool g_colour = false;
+std::thread::id g_application;
+
+// While the application is inside a call, what that thread logs waits for the line of the call.
+thread_local bool t_holding = false;
+thread_local std::vector<std::string> t_held;
+
+double Seconds() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - g_start).count();
+}
+
+std::string TimeNow() {
+    char text[32];
+    snprintf(text, sizeof(text), "%7.3f  ", Seconds());
+    return text;
+}
+
+void Write(const std::string& lines) {
+    static std::mutex* lock = new std::mutex;  // threads of the device log until the very end
+    const std::lock_guard guard(*lock);
+    fwrite(lines.data(), 1, lines.size(), stdout);
+    fflush(stdout);
+}
+
+/** How much of a text the next line takes: up to a blank where there is one. */
+size_t LineLength(const std::string& text, size_t width) {
+    if (text.size() <= width) return text.size();
+    const size_t blank = text.rfind(' ', width);
+    return blank == std::string::npos || blank == 0 ? width : blank;
+}
+
+/** Lead and text as lines of at most kColumns; lines after the first are indented by the lead. */
+std::string Wrap(const std::string& lead, std::string text, const std::string& style) {
+    std::string lines;
+    const char* end = g_colour && !style.empty() ? "\033[0m\n" : "\n";
+    std::string indent = lead;
+    do {
+        const size_t length = LineLength(text, kColumns - lead.size());
+        lines += (g_colour ? style : "") + indent + text.substr(0, length) + end;
+        indent.assign(lead.size(), ' ');
+        const size_t next = text.find_first_not_of(' ', length);
+        text.erase(0, next == std::string::npos ? text.size() : next);
+    } while (!text.empty());
+    return lines;
+}
+
+char Letter(int priority) {
+    constexpr char kLetters[] = "??VDIWEF";
+    return priority >= 0 && priority <= ANDROID_LOG_FATAL ? kLetters[priority] : '?';
+}
+
+const char* Style(int priority) {
+    if (priority == ANDROID_LOG_WARN) return "\033[33m";
+    return priority >= ANDROID_LOG_FATAL ? "\033[31m" : "\033[2m";
+}
+
+void ShowHeld() {
+    for (const std::string& lines : t_held) Write(lines);
+    t_held.clear();
+}
+
+void ShowLogLine(const __android_logger_data* data, const char* message) {
+    std::string text = message;
+    while (!text.empty() && text.back() == '\n') text.pop_back();
+    if (data->tag != nullptr && strcmp(data->tag, "KalvornNative") != 0) {
+        text = std::string(data->tag) + ": " + text;
+    }
+    const bool elsewhere = std::this_thread::get_id() != g_application;
+    const std::string lead = (t_holding ? kNoTime : TimeNow()) + (elsewhere ? "  ~ " : "    ") +
+                             Letter(data->priority) + "  ";
+    const std::string lines = Wrap(lead, text, Style(data->priority));
+    if (t_holding) {
+        t_held.push_back(lines);
+    } else {
+        Write(lines);
+    }
+    if (data->priority >= ANDROID_LOG_FATAL) ShowHeld();  // the process ends next
+}
+
+std::string Text(JNIEnv* env, jstring text) {
+    const char* chars = env->GetStringUTFChars(text, nullptr);
+    std::string copy = chars;
+    env->ReleaseStringUTFChars(text, chars);
+    return copy;
+}
+
+bool Holds(Backend backend, const std::string& service) {
+    try {
+        return Device::Get().At(backend, service).DeathLinks() > 0;
+    } catch (const std::out_of_range&) {
+        return false;  // a service that this backend does not have
+    }
+}
+
+Backend BackendNamed(const std::string& name) {
+    return name == "AIDL" ? Backend::kAidl : Backend::kHidl;
+}
+
+}  // namespace
+
+#define SIMULATED_DEVICE(result, name) \
+    extern "C" JNIEXPORT result JNICALL Java_com_quorvin_kalvornii_demo_SimulatedDevice_##name
+
+SIMULATED_DEVICE(jboolean, start)(JNIEnv* env, jclass, jstring profile, jboolean colour) {
+    g_colour = colour;
+    g_application = std::this_thread::get_id();
+    __android_log_set_minimum_priority(ANDROID_LOG_DEBUG);
+    __android_log_set_logger(ShowLogLine);
+    return Device::Get().StartProfile(Text(env, profile));
+}
+
+SIMULATED_DEVICE(void, stop)(JNIEnv*, jclass) {
+    Device::Get().Reset();
+}
+
+SIMULATED_DEVICE(jobjectArray, services)(JNIEnv* env, jclass) {
+    const std::vector<std::string>& services = Device::Services();
+    jobjectArray array = env->NewObjectArray(static_cast<jsize>(services.size()),
+                                             env->FindClass("java/lang/String"), nullptr);
+    for (size_t i = 0; i < services.size(); i++) {
+        env->SetObjectArrayElement(array, static_cast<jsize>(i),
+                                   env->NewStringUTF(services[i].c_str()));
+    }
+    return array;
+}
+
+// The library watches each service that it holds, so the death link tells who holds it.
+SIMULATED_DEVICE(jstring, holder)(JNIEnv* env, jclass, jstring service) {
+    const std::string name = Text(env, service);
+    if (Holds(Backend::kAidl, name)) return env->NewStringUTF("AIDL");
+    return env->NewStringUTF(Holds(Backend::kHidl, name) ? "HIDL" : "none");
+}
+
+SIMULATED_DEVICE(void, kill)(JNIEnv* env, jclass, jstring backend, jstring service) {
+    Device::Get().At(BackendNamed(Text(env, backend)), Text(env, service)).Kill();
+}
+
+SIMULATED_DEVICE(void, restart)(JNIEnv* env, jclass, jstring backend, jstring service) {
+    Device::Get().Start(BackendNamed(Text(env, backend)), Text(env, service));
+}
+
+SIMULATED_DEVICE(jboolean, settle)(JNIEnv*, jclass) {
+    return Device::Settle();
+}
+
+SIMULATED_DEVICE(void, script)(JNIEnv* env, jclass, jstring method, jint code, jstring text) {
+    Device::Get().Script(Text(env, method), Answer(code, Text(env, text)));
+}
+
+SIMULATED_DEVICE(void, showReceived)(JNIEnv*, jclass) {
+    for (const std::string& call : Device::Get().TakeCalls()) {
+        Write(Wrap(std::string(kNoTime) + "    -> ", call, "\033[36m"));
+    }
+}
+
+SIMULATED_DEVICE(void, forgetReceived)(JNIEnv*, jclass) {
+    Device::Get().TakeCalls();
+}
+
+SIMULATED_DEVICE(jdouble, seconds)(JNIEnv*, jclass) {
+    return Seconds();
+}
+
+SIMULATED_DEVICE(void, holdLog)(JNIEnv*, jclass) {
+    t_holding = true;
+}
+
+SIMULATED_DEVICE(void, showLog)(JNIEnv*, jclass) {
+    t_holding = false;
+    ShowHeld();
+}
+
+SIMULATED_DEVICE(void, print)(JNIEnv* env, jclass, jstring lead, jstring text, jstring style) {
+    Write(Wrap(Text(env, lead), Text(env, text), Text(env, style)));
+}

@@ -1,0 +1,167 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+/**
+ * The simulated device: vendor services that record what they are asked and answer by default as a
+ * healthy device would, or as a script tells them. Tests and the demo use it alike. Everything
+ * here may be called on any thread.
+ */
+namespace kalvorn::device {
+
+enum class Backend { kAidl, kHidl };
+
+enum class Fault {
+    kNone,
+    kTransport,   // the call fails on its way back; the caller's values stay as they were
+    kNoCallback,  // HIDL only: the service returns without calling the result callback
+};
+
+/** What a method answers; a method without one of the values ignores it. */
+struct Answer {
+    Answer(int32_t code = 0, std::string text = "", std::string detail = "",
+           Fault fault = Fault::kNone)
+        : code(code), text(std::move(text)), detail(std::move(detail)), fault(fault) {}
+    Answer(Fault fault) : Answer(0, "", "", fault) {}
+
+    int32_t code;
+    std::string text;
+    std::string detail;
+    Fault fault;
+};
+
+/** NV items, test results and flags: they live in the device and outlast its services. */
+class Store {
+  public:
+    /** Code 0 and the text, or code -1 and no text for an id never written. */
+    Answer Read(int32_t id) const;
+    /** Keeps the text when the service answered 0. */
+    void Write(int32_t id, const std::string& text, const Answer& answer);
+    void Clear();
+
+  private:
+    mutable std::mutex mLock;
+    std::map<int32_t, std::string> mTexts;
+};
+
+/** One service over one backend; it runs at most one process at a time. */
+class Service {
+  public:
+    virtual ~Service() = default;
+    virtual void Declare() = 0;
+    virtual void Undeclare() = 0;
+    /** A new service object, registered. */
+    virtual void Start() = 0;
+    virtual void Kill() = 0;
+    /** Lets go of the object without a death. */
+    virtual void Forget() = 0;
+    virtual void RefuseDeathLinks() = 0;
+    virtual size_t DeathLinks() const = 0;
+    virtual bool IsRunning() const = 0;
+};
+
+using ServiceMap = std::map<std::string, std::unique_ptr<Service>>;
+ServiceMap AidlServices();
+ServiceMap HidlServices();
+
+class Device {
+  public:
+    static Device& Get();
+
+    /** The thirteen services, in the order in which the library connects them. */
+    static const std::vector<std::string>& Services();
+
+    /**
+     * Starts the services of a profile: "aidl" (all thirteen), "hidl" (all eleven), "mixed"
+     * (sensors, light and touch on HIDL, no satellite chip, the rest on AIDL) or "bare" (none).
+     * False for another name.
+     */
+    bool StartProfile(const std::string& profile);
+
+    /**
+     * Declares and starts one service; also the way to bring a killed one back. Names are those of
+     * Services(); over HIDL "factory@1.0" and "display@1.0" are devices without the 1.1 revision.
+     */
+    void Start(Backend backend, const std::string& service);
+
+    /**
+     * The service itself, to declare it and start it late, to kill it, or to refuse death links.
+     * Throws std::out_of_range for a service that the backend does not have.
+     */
+    Service& At(Backend backend, const std::string& service) const;
+
+    /** False, and no links, for a service that the backend does not have. */
+    bool IsRunning(Backend backend, const std::string& service) const;
+    size_t DeathLinks(Backend backend, const std::string& service) const;
+
+    /** Waits until every death and registration has been handled; false when that takes longer. */
+    static bool Settle(int milliseconds = 5000);
+
+    /** Queues an answer for the next call of a method, "readNv" say, on any service. */
+    void Script(const std::string& method, Answer answer);
+
+    /** The calls since the last time, as "aidl factory.writeNv(7, \"abc\")". */
+    std::vector<std::string> TakeCalls();
+
+    /** Called, on the calling thread, as a call reaches a service. */
+    void OnCall(std::function<void()> observer);
+
+    /** An empty device: no services, declarations, script, calls, observer or stored texts. */
+    void Reset();
+
+    /** Simulated service objects in memory, dead ones that somebody still holds included. */
+    static int LiveServices();
+
+    // For the services.
+    Answer Ask(const std::string& method, const std::string& call, Answer usual);
+    Store nv, results, flags;
+
+  private:
+    Device();
+
+    const ServiceMap& ServicesOf(Backend backend) const;
+
+    const ServiceMap mAidl, mHidl;
+    mutable std::mutex mLock;
+    std::map<std::string, std::deque<Answer>> mScript;
+    std::vector<std::string> mCalls;
+    std::function<void()> mObserver;
+};
+
+/** Counts the simulated service objects in memory. */
+class Counted {
+  public:
+    Counted() { sLive++; }
+    ~Counted() { sLive--; }
+    Counted(const Counted&) = delete;
+    Counted& operator=(const Counted&) = delete;
+    static std::atomic<int> sLive;
+};
+
+// How a call's arguments are recorded.
+inline std::string Show(int64_t value) {
+    return std::to_string(value);
+}
+inline std::string Show(const std::string& text) {
+    return '"' + text + '"';
+}
+inline std::string Show(const std::vector<uint8_t>& bytes) {
+    return Show(std::string(bytes.begin(), bytes.end()));
+}
+inline std::string ShowAll() {
+    return "";
+}
+template <typename First, typename... Rest>
+std::string ShowAll(const First& first, const Rest&... rest) {
+    return Show(first) + (sizeof...(rest) > 0 ? ", " : "") + ShowAll(rest...);
+}
+
+}  // namespace kalvorn::device

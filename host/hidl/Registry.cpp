@@ -1,0 +1,369 @@
+#include <hidl/HostInterface.h>
+#include <hidl/hidl_host.h>
+
+#include <condition_variable>
+#include <map>
+#include <mutex>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include "HidlThread.h"
+
+namespace kalvorn::host {
+
+namespace hidl_runtime {
+
+namespace {
+
+using ::android::RefBase;
+using ::android::wp;
+using ::android::hardware::hidl_death_recipient;
+
+/** Descriptor and instance. */
+using ServiceName = std::pair<std::string, std::string>;
+
+struct Listener {
+    ServiceName name;  // an empty instance stands for all
+    sp<IServiceNotification> listener;
+
+    bool hears(const ServiceName& registered) const {
+        return name.first == registered.first &&
+               (name.second.empty() || name.second == registered.second);
+    }
+};
+
+struct DeathLink {
+    wp<hidl_death_recipient> recipient;
+    uint64_t cookie;
+};
+
+struct Life {
+    wp<IBase> service;  // keeps the identity from being used for another object
+    bool dead = false;
+    bool refusesLinks = false;
+    std::vector<DeathLink> links;
+};
+
+/**
+ * The process's service manager. References leave it before they are dropped, and messages are
+ * posted after the lock is released, so that no foreign code ever runs under the lock.
+ */
+struct Registry {
+    std::mutex mutex;
+    std::condition_variable changed;
+    int resets = 0;
+    std::set<ServiceName> declared;
+    std::map<ServiceName, sp<IBase>> services;
+    std::vector<Listener> listeners;
+    std::map<const RefBase::weakref_type*, Life> lives;
+    HidlThread thread;
+
+    Life& lifeOf(const IBase* service);
+    const Life* knownLifeOf(const IBase* service) const;
+};
+
+/** Never destroyed: its threads and late static objects may still need it. */
+Registry& TheRegistry() {
+    static Registry* registry = new Registry;
+    return *registry;
+}
+
+Life& Registry::lifeOf(const IBase* service) {
+    Life& life = lives[service->getWeakRefs()];
+    if (life.service == nullptr) life.service = const_cast<IBase*>(service);
+    return life;
+}
+
+const Life* Registry::knownLifeOf(const IBase* service) const {
+    const auto found = lives.find(service->getWeakRefs());
+    return found == lives.end() ? nullptr : &found->second;
+}
+
+void PostRegistration(const sp<IServiceNotification>& listener, const ServiceName& name,
+                      bool preexisting) {
+    TheRegistry().thread.post([=] {
+        // A one-way call: nobody waits for its answer.
+        (void)listener->onRegistration(name.first, name.second, preexisting).isOk();
+    });
+}
+
+void PostDeath(const wp<IBase>& service, const DeathLink& link) {
+    TheRegistry().thread.post([=] {
+        const sp<hidl_death_recipient> recipient = link.recipient.promote();
+        if (recipient != nullptr) recipient->serviceDied(link.cookie, service);
+    });
+}
+
+/** The descriptors a service is found under; empty if it is dead. */
+std::vector<std::string> RegisteredDescriptors(const sp<IBase>& service) {
+    std::vector<std::string> descriptors;
+    const Return<void> asked = service->interfaceChain([&](const auto& chain) {
+        for (const hidl_string& descriptor : chain) descriptors.push_back(descriptor);
+    });
+    if (!asked.isOk()) return {};
+    if (!descriptors.empty()) descriptors.pop_back();  // every chain ends in IBase
+    return descriptors;
+}
+
+}  // namespace
+
+Return<bool> Implements(const sp<IBase>& service, const char* descriptor) {
+    if (service == nullptr) return false;
+    bool named = false;
+    const Return<void> asked = service->interfaceChain([&](const auto& chain) {
+        for (const hidl_string& entry : chain) named = named || entry == descriptor;
+    });
+    if (!asked.isOk()) return ::android::hardware::details::StatusOf<void, bool>(asked);
+    return named;
+}
+
+hidl_vec<hidl_string> ExtendChain(const char* descriptor, const hidl_vec<hidl_string>& chain) {
+    hidl_vec<hidl_string> extended;
+    extended.resize(chain.size() + 1);
+    extended[0] = descriptor;
+    std::copy(chain.begin(), chain.end(), extended.begin() + 1);
+    return extended;
+}
+
+sp<IBase> FindService(const char* descriptor, const std::string& instance, bool wait) {
+    Registry& registry = TheRegistry();
+    const ServiceName name(descriptor, instance);
+    std::unique_lock<std::mutex> lock(registry.mutex);
+    const int resets = registry.resets;
+    while (registry.resets == resets && registry.declared.count(name) != 0) {
+        const auto found = registry.services.find(name);
+        if (found != registry.services.end()) return found->second;
+        if (!wait) break;
+        registry.changed.wait(lock);
+    }
+    return nullptr;
+}
+
+::android::status_t RegisterService(const sp<IBase>& service, const std::string& instance) {
+    Registry& registry = TheRegistry();
+    const std::vector<std::string> descriptors = RegisteredDescriptors(service);
+    std::vector<sp<IBase>> replaced;
+    std::vector<std::pair<sp<IServiceNotification>, ServiceName>> messages;
+    {
+        const std::lock_guard<std::mutex> lock(registry.mutex);
+        const Life* life = registry.knownLifeOf(service.get());
+        if (descriptors.empty() || (life != nullptr && life->dead)) {
+            return ::android::UNKNOWN_ERROR;
+        }
+        for (const std::string& descriptor : descriptors) {
+            const ServiceName name(descriptor, instance);
+            replaced.push_back(std::exchange(registry.services[name], service));
+            for (const Listener& entry : registry.listeners) {
+                if (entry.hears(name)) messages.emplace_back(entry.listener, name);
+            }
+        }
+        registry.changed.notify_all();
+    }
+    for (const auto& [listener, name] : messages) PostRegistration(listener, name, false);
+    return ::android::OK;
+}
+
+bool AddListener(const char* descriptor, const std::string& instance,
+                 const sp<IServiceNotification>& listener) {
+    if (listener == nullptr) return false;
+    Registry& registry = TheRegistry();
+    const Listener added{{descriptor, instance}, listener};
+    std::vector<ServiceName> present;
+    {
+        const std::lock_guard<std::mutex> lock(registry.mutex);
+        registry.listeners.push_back(added);
+        for (const auto& [name, service] : registry.services) {
+            if (added.hears(name)) present.push_back(name);
+        }
+    }
+    for (const ServiceName& name : present) PostRegistration(listener, name, true);
+    return true;
+}
+
+namespace {
+
+bool AddDeathLink(const IBase* service, const DeathLink& link) {
+    Registry& registry = TheRegistry();
+    const std::lock_guard<std::mutex> lock(registry.mutex);
+    Life& life = registry.lifeOf(service);
+    if (life.dead || life.refusesLinks) return false;
+    life.links.push_back(link);
+    return true;
+}
+
+/** The youngest link of a recipient goes first. */
+bool RemoveDeathLink(const IBase* service, const wp<hidl_death_recipient>& recipient) {
+    Registry& registry = TheRegistry();
+    const std::lock_guard<std::mutex> lock(registry.mutex);
+    std::vector<DeathLink>& links = registry.lifeOf(service).links;
+    for (auto link = links.rbegin(); link != links.rend(); ++link) {
+        if (link->recipient == recipient) {
+            links.erase(std::next(link).base());
+            return true;
+        }
+    }
+    return false;
+}
+
+/** What a call gets as its status: a dead service answers none any more. */
+::android::hardware::Status StatusOfCall(const IBase* service) {
+    return ::android::hardware::Status::fromStatusT(
+            IsHidlServiceDead(service) ? ::android::DEAD_OBJECT : ::android::OK);
+}
+
+template <typename Callback, typename Answer>
+Return<void> AnswerCall(const IBase* service, const Callback& callback, const Answer& answer) {
+    const ::android::hardware::Status status = StatusOfCall(service);
+    if (status.isOk()) callback(answer);
+    return status;
+}
+
+}  // namespace
+
+}  // namespace hidl_runtime
+
+using hidl_runtime::DeathLink;
+using hidl_runtime::Life;
+using hidl_runtime::Registry;
+using hidl_runtime::TheRegistry;
+
+void DeclareHidlService(const std::string& descriptor, const std::string& instance) {
+    const std::lock_guard<std::mutex> lock(TheRegistry().mutex);
+    TheRegistry().declared.emplace(descriptor, instance);
+}
+
+void UndeclareHidlService(const std::string& descriptor, const std::string& instance) {
+    const std::lock_guard<std::mutex> lock(TheRegistry().mutex);
+    TheRegistry().declared.erase({descriptor, instance});
+    TheRegistry().changed.notify_all();
+}
+
+void KillHidlService(HidlService service) {
+    if (service == nullptr) return;
+    Registry& registry = TheRegistry();
+    std::vector<DeathLink> links;
+    {
+        const std::lock_guard<std::mutex> lock(registry.mutex);
+        Life& life = registry.lifeOf(service.get());
+        life.dead = true;
+        links.swap(life.links);
+        // Our own reference keeps the object alive while these go.
+        for (auto entry = registry.services.begin(); entry != registry.services.end();) {
+            entry = entry->second == service ? registry.services.erase(entry) : std::next(entry);
+        }
+    }
+    for (const DeathLink& link : links) hidl_runtime::PostDeath(service, link);
+}
+
+bool IsHidlServiceDead(const ::android::hidl::base::V1_0::IBase* service) {
+    const std::lock_guard<std::mutex> lock(TheRegistry().mutex);
+    const Life* life = TheRegistry().knownLifeOf(service);
+    return life != nullptr && life->dead;
+}
+
+void RefuseHidlDeathLinks(const HidlService& service, bool refuse) {
+    const std::lock_guard<std::mutex> lock(TheRegistry().mutex);
+    TheRegistry().lifeOf(service.get()).refusesLinks = refuse;
+}
+
+size_t HidlDeathLinkCount(const HidlService& service) {
+    const std::lock_guard<std::mutex> lock(TheRegistry().mutex);
+    const Life* life = TheRegistry().knownLifeOf(service.get());
+    return life == nullptr ? 0 : life->links.size();
+}
+
+size_t HidlNotificationCount(const std::string& descriptor) {
+    const std::lock_guard<std::mutex> lock(TheRegistry().mutex);
+    size_t count = 0;
+    for (const auto& entry : TheRegistry().listeners) count += entry.name.first == descriptor;
+    return count;
+}
+
+bool WaitForHidlDelivery(std::chrono::milliseconds timeout) {
+    return TheRegistry().thread.waitIdle(timeout);
+}
+
+void ResetHidlRegistry() {
+    Registry& registry = TheRegistry();
+    decltype(registry.services) services;  // destroyed after the lock is released
+    decltype(registry.listeners) listeners;
+    {
+        const std::lock_guard<std::mutex> lock(registry.mutex);
+        ++registry.resets;
+        registry.declared.clear();
+        services.swap(registry.services);
+        listeners.swap(registry.listeners);
+        for (auto life = registry.lives.begin(); life != registry.lives.end();) {
+            life->second.links.clear();
+            life->second.refusesLinks = false;
+            life = life->second.dead ? std::next(life) : registry.lives.erase(life);
+        }
+        registry.changed.notify_all();
+    }
+    registry.thread.clear();
+}
+
+}  // namespace kalvorn::host
+
+// The base interface itself. On a device these members answer for the proxy.
+namespace android::hidl::base::V1_0 {
+
+using hardware::hidl_string;
+using hardware::hidl_vec;
+using hardware::Return;
+using namespace ::kalvorn::host::hidl_runtime;
+
+const char* IBase::descriptor = "android.hidl.base@1.0::IBase";
+
+Return<void> IBase::interfaceChain(interfaceChain_cb callback) {
+    return AnswerCall(this, callback, ExtendChain(descriptor, {}));
+}
+
+Return<void> IBase::interfaceDescriptor(interfaceDescriptor_cb callback) {
+    return AnswerCall(this, callback, hidl_string(descriptor));
+}
+
+Return<void> IBase::getHashChain(getHashChain_cb callback) {
+    return AnswerCall(this, callback, hidl_vec<hardware::hidl_array<uint8_t, 32>>());
+}
+
+Return<void> IBase::getDebugInfo(getDebugInfo_cb callback) {
+    constexpr auto kArchitecture = sizeof(void*) == 8 ? DebugInfo::Architecture::IS_64BIT
+                                                      : DebugInfo::Architecture::IS_32BIT;
+    return AnswerCall(this, callback, DebugInfo{/*pid=*/-1, /*ptr=*/0, kArchitecture});
+}
+
+Return<void> IBase::ping() {
+    return StatusOfCall(this);
+}
+
+Return<void> IBase::debug(const hardware::hidl_handle&, const hidl_vec<hidl_string>&) {
+    return StatusOfCall(this);
+}
+
+Return<void> IBase::setHALInstrumentation() {
+    return StatusOfCall(this);
+}
+
+Return<void> IBase::notifySyspropsChanged() {
+    return StatusOfCall(this);
+}
+
+Return<bool> IBase::linkToDeath(const sp<hardware::hidl_death_recipient>& recipient,
+                                uint64_t cookie) {
+    return recipient != nullptr && AddDeathLink(this, {recipient, cookie});
+}
+
+Return<bool> IBase::unlinkToDeath(const sp<hardware::hidl_death_recipient>& recipient) {
+    return RemoveDeathLink(this, recipient);
+}
+
+Return<sp<IBase>> IBase::castFrom(const sp<IBase>& same, bool) {
+    return same;
+}
+
+}  // namespace android::hidl::base::V1_0
+
+KALVORN_HIDL_INTERFACE(::android::hidl::manager::V1_0::IServiceNotification,
+                       "android.hidl.manager@1.0::IServiceNotification")

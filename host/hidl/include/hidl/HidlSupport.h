@@ -1,0 +1,227 @@
+#pragma once
+
+#include <cutils/native_handle.h>
+#include <utils/RefBase.h>
+#include <utils/StrongPointer.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+/** The value types of HIDL, laid out as the wire format demands: pointers take eight bytes. */
+namespace android::hidl::base::V1_0 {
+struct IBase;
+}  // namespace android::hidl::base::V1_0
+
+namespace android::hardware {
+
+namespace details {
+
+/** Marks the generated interface classes. */
+struct i_tag {};
+
+/** A pointer that takes eight aligned bytes on 32-bit machines as well. */
+template <typename T>
+class hidl_pointer {
+  public:
+    hidl_pointer() : hidl_pointer(nullptr) {}
+    hidl_pointer(T* pointer) : mAllBits(0) { mPointer = pointer; }
+    operator T*() const { return mPointer; }
+
+  private:
+    union {
+        alignas(8) uint64_t mAllBits;
+        T* mPointer;
+    };
+};
+
+std::string toHexString(uint64_t value);
+
+template <typename>
+constexpr std::array<int, 0> hidl_enum_values{};
+
+}  // namespace details
+
+template <typename Enum, typename = std::enable_if_t<std::is_enum_v<Enum>>>
+using hidl_bitfield = std::underlying_type_t<Enum>;
+
+/** Told of a service's death on a HIDL thread; death links hold it weakly. */
+class hidl_death_recipient : public virtual RefBase {
+  public:
+    virtual void serviceDied(uint64_t cookie, const wp<hidl::base::V1_0::IBase>& who) = 0;
+};
+
+/** A native handle that belongs to somebody else. */
+class hidl_handle {
+  public:
+    hidl_handle() = default;
+    hidl_handle(const native_handle_t* handle) : mHandle(handle) {}
+    const native_handle_t* getNativeHandle() const { return mHandle; }
+
+  private:
+    details::hidl_pointer<const native_handle_t> mHandle;
+    [[maybe_unused]] bool mOwnsHandle = false;
+};
+
+/**
+ * A zero-terminated text that owns its characters unless setToExternal() lent them. A copy always
+ * owns; a move hands on what there was. Null counts as empty.
+ */
+class hidl_string {
+  public:
+    hidl_string() = default;
+    hidl_string(const char* text);
+    hidl_string(const char* text, size_t length);
+    hidl_string(const std::string& text);
+    hidl_string(const hidl_string& other);
+    hidl_string(hidl_string&& other) noexcept;
+    ~hidl_string();
+
+    hidl_string& operator=(const hidl_string& other);
+    hidl_string& operator=(hidl_string&& other) noexcept;
+    hidl_string& operator=(const char* text);
+    hidl_string& operator=(const std::string& text);
+
+    /** Borrows `length` characters; ends the process unless a zero byte follows them. */
+    void setToExternal(const char* text, size_t length);
+
+    operator std::string() const { return {c_str(), size()}; }
+    const char* c_str() const { return mBuffer; }
+    size_t size() const { return mSize; }
+    bool empty() const { return mSize == 0; }
+
+  private:
+    void swap(hidl_string& other) noexcept;
+
+    details::hidl_pointer<const char> mBuffer{""};
+    uint32_t mSize = 0;
+    bool mOwnsBuffer = false;
+};
+
+bool operator==(const hidl_string& lhs, const hidl_string& rhs);
+inline bool operator!=(const hidl_string& lhs, const hidl_string& rhs) {
+    return !(lhs == rhs);
+}
+
+/** An array of any length that owns its elements unless setToExternal() lent them; copies own. */
+template <typename T>
+class hidl_vec {
+  public:
+    hidl_vec() = default;
+    hidl_vec(std::initializer_list<T> list) : hidl_vec(list.begin(), list.size()) {}
+    hidl_vec(const hidl_vec& other) : hidl_vec(other.data(), other.size()) {}
+    hidl_vec(hidl_vec&& other) noexcept { swap(other); }
+    ~hidl_vec() {
+        if (mOwnsBuffer) delete[] data();
+    }
+
+    hidl_vec& operator=(const hidl_vec& other) {
+        hidl_vec(other).swap(*this);
+        return *this;
+    }
+    hidl_vec& operator=(hidl_vec&& other) noexcept {
+        hidl_vec(std::move(other)).swap(*this);
+        return *this;
+    }
+
+    /** Keeps the elements that still fit; new ones are value-initialised. */
+    void resize(size_t size) {
+        hidl_vec resized;
+        resized.allocate(size);
+        std::move(begin(), begin() + std::min(size, this->size()), resized.begin());
+        swap(resized);
+    }
+
+    /** Borrows an array, or takes it over (from new[]) with `shouldOwn`. */
+    void setToExternal(T* data, size_t size, bool shouldOwn = false) {
+        hidl_vec lent;
+        lent.mBuffer = data;
+        lent.mSize = static_cast<uint32_t>(size);
+        lent.mOwnsBuffer = shouldOwn;
+        swap(lent);
+    }
+
+    T* data() { return mBuffer; }
+    const T* data() const { return mBuffer; }
+    size_t size() const { return mSize; }
+    T& operator[](size_t index) { return data()[index]; }
+    const T& operator[](size_t index) const { return data()[index]; }
+    T* begin() { return data(); }
+    T* end() { return data() + mSize; }
+    const T* begin() const { return data(); }
+    const T* end() const { return data() + mSize; }
+
+  private:
+    hidl_vec(const T* from, size_t size) {
+        allocate(size);
+        std::copy_n(from, size, begin());
+    }
+    void allocate(size_t size) {
+        mBuffer = new T[size]();
+        mSize = static_cast<uint32_t>(size);
+        mOwnsBuffer = true;
+    }
+    void swap(hidl_vec& other) noexcept {
+        std::swap(mBuffer, other.mBuffer);
+        std::swap(mSize, other.mSize);
+        std::swap(mOwnsBuffer, other.mOwnsBuffer);
+    }
+
+    details::hidl_pointer<T> mBuffer;
+    uint32_t mSize = 0;
+    bool mOwnsBuffer = false;
+};
+
+template <typename T>
+bool operator==(const hidl_vec<T>& lhs, const hidl_vec<T>& rhs) {
+    return std::equal(lhs.begin(), lhs.end(), rhs.begin(), rhs.end());
+}
+template <typename T>
+bool operator!=(const hidl_vec<T>& lhs, const hidl_vec<T>& rhs) {
+    return !(lhs == rhs);
+}
+
+/** An array of fixed length. */
+template <typename T, size_t N>
+class hidl_array {
+  public:
+    T* data() { return mElements; }
+    const T* data() const { return mElements; }
+    static constexpr size_t size() { return N; }
+    T& operator[](size_t index) { return mElements[index]; }
+    const T& operator[](size_t index) const { return mElements[index]; }
+
+  private:
+    T mElements[N]{};
+};
+
+// What the generated toString() functions of vendor types build on.
+
+template <typename T>
+std::enable_if_t<std::is_arithmetic_v<T>, std::string> toString(T value) {
+    return std::to_string(value);
+}
+inline std::string toString(bool value) {
+    return value ? "true" : "false";
+}
+inline std::string toString(const hidl_string& text) {
+    return '"' + std::string(text) + '"';
+}
+template <typename T>
+std::string toString(const hidl_vec<T>& vec) {
+    std::string text = "[" + std::to_string(vec.size()) + "]{";
+    const char* separator = "";
+    for (const T& element : vec) {
+        text += separator + toString(element);
+        separator = ", ";
+    }
+    return text + "}";
+}
+
+}  // namespace android::hardware

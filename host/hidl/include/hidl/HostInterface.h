@@ -1,0 +1,139 @@
+#pragma once
+
+#include <android/hidl/base/1.0/IBase.h>
+#include <android/hidl/manager/1.0/IServiceNotification.h>
+#include <hidl/Status.h>
+
+#include <string>
+
+/**
+ * The members that a generated HIDL interface declares and its proxy library would define.
+ * One line per interface, at global scope of one source file:
+ *
+ *     KALVORN_HIDL_INTERFACE(::vendor::a::V1_0::IFoo, "vendor.a@1.0::IFoo")
+ *     KALVORN_HIDL_INTERFACE_EXTENDS(::vendor::a::V1_1::IFoo, "vendor.a@1.1::IFoo",
+ *                                    ::vendor::a::V1_0::IFoo)
+ *
+ * A grandparent needs a KALVORN_HIDL_CAST_FROM(interface, grandparent) besides.
+ */
+namespace kalvorn::host::hidl_runtime {
+
+using ::android::sp;
+using ::android::hardware::hidl_string;
+using ::android::hardware::hidl_vec;
+using ::android::hardware::Return;
+using ::android::hidl::base::V1_0::IBase;
+using ::android::hidl::manager::V1_0::IServiceNotification;
+
+/** Whether the interface chain of `service` names `descriptor`; false for null. */
+Return<bool> Implements(const sp<IBase>& service, const char* descriptor);
+
+/** The service under that name, or null; `wait`: until it is there, if it is declared. */
+sp<IBase> FindService(const char* descriptor, const std::string& instance, bool wait);
+
+::android::status_t RegisterService(const sp<IBase>& service, const std::string& instance);
+
+bool AddListener(const char* descriptor, const std::string& instance,
+                 const sp<IServiceNotification>& listener);
+
+/** `chain` with `descriptor` put before it. */
+hidl_vec<hidl_string> ExtendChain(const char* descriptor, const hidl_vec<hidl_string>& chain);
+
+template <typename Interface>
+Return<sp<Interface>> Cast(const sp<IBase>& service, bool emitError) {
+    const Return<bool> castable = Implements(service, Interface::descriptor);
+    if (!castable.isOk()) {
+        return emitError ? ::android::hardware::details::StatusOf<bool, sp<Interface>>(castable)
+                         : Return<sp<Interface>>(sp<Interface>());
+    }
+    return castable ? sp<Interface>(dynamic_cast<Interface*>(service.get())) : sp<Interface>();
+}
+
+/** A service that dies between look-up and cast counts as not there yet. */
+template <typename Interface>
+sp<Interface> GetService(const std::string& instance, bool wait) {
+    for (;;) {
+        const sp<IBase> found = FindService(Interface::descriptor, instance, wait);
+        const Return<sp<Interface>> cast = Cast<Interface>(found, /*emitError=*/true);
+        if (cast.isOk()) return cast;
+        if (!wait) return nullptr;
+    }
+}
+
+}  // namespace kalvorn::host::hidl_runtime
+
+#define KALVORN_HIDL_INTERFACE(TYPE, FQNAME) \
+    KALVORN_HIDL_MEMBERS(TYPE, FQNAME, ::android::hidl::base::V1_0::IBase)
+
+#define KALVORN_HIDL_INTERFACE_EXTENDS(TYPE, FQNAME, PARENT) \
+    KALVORN_HIDL_MEMBERS(TYPE, FQNAME, PARENT)               \
+    KALVORN_HIDL_CAST_FROM(TYPE, PARENT)
+
+#define KALVORN_HIDL_CAST_FROM(TYPE, FROM)                                   \
+    ::android::hardware::Return<::android::sp<TYPE>>(TYPE::castFrom)(        \
+            const ::android::sp<FROM>& parent, bool emitError) {             \
+        return ::kalvorn::host::hidl_runtime::Cast<TYPE>(parent, emitError); \
+    }
+
+// The declarators stand in parentheses because `Return<void> ::vendor::...` would be read as one
+// qualified name. Calls that need no knowledge of the interface go to its parent.
+#define KALVORN_HIDL_MEMBERS(TYPE, FQNAME, PARENT)                                                 \
+    const char* TYPE::descriptor = FQNAME;                                                         \
+    ::android::hardware::Return<void>(TYPE::interfaceChain)(interfaceChain_cb callback) {          \
+        return PARENT::interfaceChain([&callback](const auto& chain) {                             \
+            callback(::kalvorn::host::hidl_runtime::ExtendChain(TYPE::descriptor, chain));         \
+        });                                                                                        \
+    }                                                                                              \
+    ::android::hardware::Return<void>(TYPE::interfaceDescriptor)(                                  \
+            interfaceDescriptor_cb callback) {                                                     \
+        return PARENT::interfaceDescriptor(                                                        \
+                [&callback](const auto&) { callback(TYPE::descriptor); });                         \
+    }                                                                                              \
+    ::android::hardware::Return<void>(TYPE::debug)(                                                \
+            const ::android::hardware::hidl_handle& fd,                                            \
+            const ::android::hardware::hidl_vec<::android::hardware::hidl_string>& options) {      \
+        return PARENT::debug(fd, options);                                                         \
+    }                                                                                              \
+    ::android::hardware::Return<void>(TYPE::getHashChain)(getHashChain_cb callback) {              \
+        return PARENT::getHashChain(callback);                                                     \
+    }                                                                                              \
+    ::android::hardware::Return<void>(TYPE::setHALInstrumentation)() {                             \
+        return PARENT::setHALInstrumentation();                                                    \
+    }                                                                                              \
+    ::android::hardware::Return<bool>(TYPE::linkToDeath)(                                          \
+            const ::android::sp<::android::hardware::hidl_death_recipient>& recipient,             \
+            uint64_t cookie) {                                                                     \
+        return PARENT::linkToDeath(recipient, cookie);                                             \
+    }                                                                                              \
+    ::android::hardware::Return<bool>(TYPE::unlinkToDeath)(                                        \
+            const ::android::sp<::android::hardware::hidl_death_recipient>& recipient) {           \
+        return PARENT::unlinkToDeath(recipient);                                                   \
+    }                                                                                              \
+    ::android::hardware::Return<void>(TYPE::ping)() {                                              \
+        return PARENT::ping();                                                                     \
+    }                                                                                              \
+    ::android::hardware::Return<void>(TYPE::getDebugInfo)(getDebugInfo_cb callback) {              \
+        return PARENT::getDebugInfo(callback);                                                     \
+    }                                                                                              \
+    ::android::hardware::Return<void>(TYPE::notifySyspropsChanged)() {                             \
+        return PARENT::notifySyspropsChanged();                                                    \
+    }                                                                                              \
+    ::android::hardware::Return<::android::sp<TYPE>>(TYPE::castFrom)(                              \
+            const ::android::sp<TYPE>& same, bool) {                                               \
+        return same;                                                                               \
+    }                                                                                              \
+    KALVORN_HIDL_CAST_FROM(TYPE, ::android::hidl::base::V1_0::IBase)                               \
+    ::android::sp<TYPE>(TYPE::tryGetService)(const std::string& name, bool) {                      \
+        return ::kalvorn::host::hidl_runtime::GetService<TYPE>(name, /*wait=*/false);              \
+    }                                                                                              \
+    ::android::sp<TYPE>(TYPE::getService)(const std::string& name, bool) {                         \
+        return ::kalvorn::host::hidl_runtime::GetService<TYPE>(name, /*wait=*/true);               \
+    }                                                                                              \
+    ::android::status_t(TYPE::registerAsService)(const std::string& name) {                        \
+        return ::kalvorn::host::hidl_runtime::RegisterService(this, name);                         \
+    }                                                                                              \
+    bool(TYPE::registerForNotifications)(                                                          \
+            const std::string& name,                                                               \
+            const ::android::sp<::android::hidl::manager::V1_0::IServiceNotification>& listener) { \
+        return ::kalvorn::host::hidl_runtime::AddListener(TYPE::descriptor, name, listener);       \
+    }

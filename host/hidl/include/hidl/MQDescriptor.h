@@ -1,0 +1,3 @@
+#pragma once
+
+// Generated headers always include this file; no interface here uses message queues.

@@ -1,0 +1,147 @@
+#pragma once
+
+#include <hidl/HidlSupport.h>
+#include <utils/Errors.h>
+#include <utils/StrongPointer.h>
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+namespace android::hardware {
+
+/** How a call went on its way to the service and back; a transport error is a failed call. */
+class Status final {
+  public:
+    enum Exception : int32_t {
+        EX_NONE = 0,
+        EX_SECURITY = -1,
+        EX_BAD_PARCELABLE = -2,
+        EX_ILLEGAL_ARGUMENT = -3,
+        EX_NULL_POINTER = -4,
+        EX_ILLEGAL_STATE = -5,
+        EX_NETWORK_MAIN_THREAD = -6,
+        EX_UNSUPPORTED_OPERATION = -7,
+        EX_HAS_REPLY_HEADER = -128,
+        EX_TRANSACTION_FAILED = -129,
+    };
+
+    Status() = default;
+    static Status ok() { return {}; }
+    static Status fromExceptionCode(int32_t exception, const char* message = "");
+    /** EX_TRANSACTION_FAILED with this error; an ok status for OK. */
+    static Status fromStatusT(status_t error);
+
+    bool isOk() const { return mException == EX_NONE; }
+    int32_t exceptionCode() const { return mException; }
+    const char* exceptionMessage() const { return mMessage.c_str(); }
+    status_t transactionError() const { return mException == EX_TRANSACTION_FAILED ? mError : OK; }
+    std::string description() const;
+
+  private:
+    int32_t mException = EX_NONE;
+    status_t mError = OK;
+    std::string mMessage;
+};
+
+template <typename T>
+class Return;
+
+namespace details {
+
+template <typename T, typename U>
+Return<U> StatusOf(const Return<T>& other);
+
+/**
+ * The part of a Return that watches its use: it ends the process when a failed call goes out of
+ * scope, or is assigned over, before anybody asked how it went. A moved-from one is not watched.
+ */
+class return_status {
+  public:
+    return_status() = default;
+    return_status(Status status) : mStatus(std::move(status)) {}
+    return_status(return_status&& other) noexcept;
+    return_status& operator=(return_status&& other) noexcept;
+    ~return_status() { demandSeen(); }
+
+    /** Asking is enough to mark a failure as seen. */
+    bool isOk() const;
+    bool isDeadObject() const;
+
+    /** For logs; it does not mark a failure as seen. */
+    std::string description() const { return mStatus.description(); }
+
+  protected:
+    /** Ends the process when the call failed, for there is no value to read then. */
+    void demandOk() const;
+
+  private:
+    template <typename T, typename U>
+    friend Return<U> StatusOf(const Return<T>& other);
+
+    void demandSeen() const;
+
+    Status mStatus;
+    mutable bool mSeen = false;
+};
+
+}  // namespace details
+
+/** The answer of a call, read by conversion; reading the answer of a failed call is fatal. */
+template <typename T>
+class Return : public details::return_status {
+  public:
+    Return(T value) : mValue(std::move(value)) {}
+    Return(Status status) : return_status(std::move(status)) {}
+
+    operator T() const {
+        demandOk();
+        return mValue;
+    }
+
+  private:
+    T mValue{};
+};
+
+template <typename T>
+class Return<sp<T>> : public details::return_status {
+  public:
+    template <typename U>
+    Return(U* value) : mValue(value) {}
+    template <typename U>
+    Return(const sp<U>& value) : mValue(value) {}
+    Return(std::nullptr_t) {}
+    Return(Status status) : return_status(std::move(status)) {}
+
+    template <typename U>
+    operator sp<U>() const {
+        demandOk();
+        return mValue;
+    }
+
+  private:
+    sp<T> mValue;
+};
+
+template <>
+class Return<void> : public details::return_status {
+  public:
+    Return() = default;
+    Return(Status status) : return_status(std::move(status)) {}
+};
+
+inline Return<void> Void() {
+    return {};
+}
+
+namespace details {
+
+/** The same outcome as the status of another kind of call. */
+template <typename T, typename U>
+Return<U> StatusOf(const Return<T>& other) {
+    return other.mStatus;
+}
+
+}  // namespace details
+
+}  // namespace android::hardware

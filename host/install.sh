@@ -1,0 +1,34 @@
+#!/bin/bash
+# Installs the Debian packages that the given lists name and that are missing: "host" for the build,
+# the tests and the demo, "arm" for the 32-bit ARM target besides. Needs root or sudo to install.
+set -euo pipefail
+
+declare -A lists=(
+    [host]="aidl android-libbase-dev android-liblog-dev android-libutils-dev
+        android-platform-frameworks-native-headers blueprint-tools clang-format clang-tidy cmake g++
+        hidl-gen libgmock-dev libgtest-dev libsafec-dev ninja-build openjdk-17-jdk-headless pkg-config"
+    [arm]="g++-arm-linux-gnueabihf mmdebstrap qemu-user-static"
+)
+
+missing=()
+for list in "$@"; do
+    for package in ${lists[$list]}; do
+        state=$(dpkg-query -W -f='${Status}' "$package" 2>/dev/null || true)
+        [ "$state" = "install ok installed" ] || missing+=("$package")
+    done
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+sudo=()
+if [ "$(id -u)" != 0 ]; then
+    command -v sudo >/dev/null || { echo "install: root or sudo is needed to install: ${missing[*]}" >&2; exit 1; }
+    sudo=(sudo)
+fi
+echo "Installing ${missing[*]}"
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+if ! { "${sudo[@]}" apt-get update &&
+       "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
+    cat "$log" >&2
+    exit 1
+fi

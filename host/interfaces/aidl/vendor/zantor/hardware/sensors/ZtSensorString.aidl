@@ -1,0 +1,6 @@
+package vendor.zantor.hardware.sensors;
+
+/** Text reply of a sensor parameter command. */
+parcelable ZtSensorString {
+    @utf8InCpp String text;
+}

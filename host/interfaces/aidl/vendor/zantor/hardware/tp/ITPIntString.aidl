@@ -1,0 +1,7 @@
+package vendor.zantor.hardware.tp;
+
+/** Reply of the capacitance test. */
+parcelable ITPIntString {
+    int result = 0;
+    @utf8InCpp String text;
+}

@@ -1,0 +1,50 @@
+#include <dlfcn.h>
+
+#include "common/failure.h"
+#include "common/log.h"
+#include "jni/local_methods.h"
+
+namespace {
+
+// Immediate binding is 2 to the vendor library's loader on every target; RTLD_NOW is not used, for
+// it is 0 on 32-bit Android.
+constexpr int kBindImmediately = 2;
+
+void* InterpolationLibraryHandle = nullptr;
+
+bool LoadLibrary() {
+    if (InterpolationLibraryHandle != nullptr) return true;
+    InterpolationLibraryHandle = dlopen("libpixelworksFactoryTest.so", kBindImmediately);
+    if (InterpolationLibraryHandle != nullptr) return true;
+    KV_LOGE("failed to load libpixelworksFactoryTest.so: %s", dlerror());
+    return false;
+}
+
+template <typename... Args>
+jint Call(const char* entryPoint, const char* nameInLog, Args... args) {
+    if (!LoadLibrary()) return kLocalFailure;
+    void* symbol = dlsym(InterpolationLibraryHandle, entryPoint);
+    if (symbol == nullptr) {
+        KV_LOGE("failed to dlsym %s: %s", nameInLog, dlerror());
+        return kLocalFailure;
+    }
+    return reinterpret_cast<int (*)(Args...)>(symbol)(args...);
+}
+
+}  // namespace
+
+jint SetInperpolateFrameMode(JNIEnv*, jobject, jint first, jint second) {
+    return Call("setModeTest", "setModeTest", first, second);
+}
+
+jint GetInperpolateFrameCurMode() {
+    return Call("getCurrentMode", "getCurrentMode");
+}
+
+jint GetInperpolateFrameTestResult() {
+    return Call("checkResult", "CheckResult");  // intended: capitalised in the log
+}
+
+jint RecoverFreshRate() {
+    return Call("recoverFreshRate", "CheckResult");  // intended: the test result's text
+}

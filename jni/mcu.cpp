@@ -1,0 +1,20 @@
+#include "common/log.h"
+#include "jni/local_methods.h"
+
+JavaVM* g_javaVm = nullptr;  // kept for the MCU channel; nothing here reads it
+
+jint SendCommandMcu(JNIEnv* env, jobject, jint first, jint second, jbyteArray data) {
+    env->GetJavaVM(&g_javaVm);
+    if (data == nullptr) {
+        KV_LOGE("data is null");
+        return 0;
+    }
+    KV_LOGI("g_iextShb register resultRegister:%d , %d, %d", first, second,
+            env->GetArrayLength(data));
+    return 0;
+}
+
+jint UnregisterCallback(JNIEnv*, jint serviceId, jint result) {
+    KV_LOGI("UnregisterCallback, result: %d , serviceId: %d", result, serviceId);
+    return 0;
+}

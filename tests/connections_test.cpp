@@ -1,0 +1,278 @@
+#include <chrono>
+#include <thread>
+
+#include "aidl/services.h"
+#include "harness.h"
+#include "hidl/services.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+struct ServiceTexts {
+    const char* name;
+    const char* aidlStart;
+    const char* aidlNull;
+    const char* aidlLink;
+    const char* hidlStart;
+    const char* hidlLink;
+    const char* hidlNull;
+};
+
+// In the order of connection. The last two have no HIDL side.
+constexpr ServiceTexts kTexts[] = {
+        {"factory", "I InitAidlFactoryInterface", "E aidlFactoryInterface is null",
+         "I g_aidlFactory linkToDeath", "D InitHidlFactoryInterface",
+         "D g_qxFactoryInterface linkToDeath", "E g_qxFactoryInterface is null"},
+        {"display", "I InitAidlDisplayService", "E aidlDisplayService is null",
+         "I g_aidlDisplayService linkToDeath", "D InitHidlDisplayService",
+         "D g_displayService linkToDeath", "E g_displayService is null"},
+        {"touch", "I InitAidlTouchscreen", "E aidlTouchscreen is null", "I g_aidlTp linkToDeath",
+         "D InitHidlTouchScreen", "D g_touchscreen linkToDeath", "E g_touchscreen is null"},
+        {"sensors", "I InitAidlSensors", "E aidlSensors is null", "I g_aidlSensors linkToDeath",
+         "D InitHidlSensors", "D g_sensors linkToDeath", "E g_sensors is null"},
+        {"power", "I InitAidlPower", "E aidlPower is null", "I g_aidlPower linkToDeath",
+         "D InitHidlPower", "D g_Power linkToDeath", "E g_Power is null"},
+        {"light", "I InitAidlLight", "E aidlLight is null", "I g_aidlLight linkToDeath",
+         "D InitHidlLight", "D g_light linkToDeath", "E g_light is null"},
+        {"camera", "I InitAidlCameraFactory", "E aidlCameraFactory is null",
+         "I g_aidlCameraFactory linkToDeath", "D InitHidlCameraFactory",
+         "D g_cameraFactory linkToDeath", "E g_cameraFactory is null"},
+        {"radio", "I InitAidlRadioEnhance", "E g_aidlRadioEnhance is null",
+         "I g_aidlRadioEnhance linkToDeath", "D InitHidlRadioEnhance",
+         "E g_radioenhance linkToDeath", "E g_radioenhance is null"},
+        {"display_factory", "I InitAidlDisplayFactory", "E aidlDisplayFactory is null",
+         "I aidlDisplayFactory linkToDeath", "D InitHidlDisplayFactory",
+         "E g_displayFactory linkToDeath", "E g_displayFactory is null"},
+        {"fingerprint", "I InitAidlFingerprintService",
+         "E vendor.zantor.hardware.biometrics.fingerprint.IFingerprint/default is not Declared\n",
+         "I g_aidlFingerprintSession linkToDeath", "D InitHidlFingerprintService",
+         "D g_qxFingerprint linkToDeath", "E g_qxFingerprint is null"},
+        {"chip", "I InitAidlChipSrvInterface", "E aidlChipSrvInterface is null",
+         "I aidlChipSrc linkToDeath", "D InitHidlChipSrvInterface",
+         "E g_ztChipSrvInterface linkToDeath", "E g_ztChipSrvInterface is null"},
+        {"sim", "I InitSimInterface", "E g_aidlSim is null", "I g_aidlSim linkToDeath", nullptr,
+         nullptr, nullptr},
+        {"satellite", "I InitChipSrvSat", "E g_aidlChipSat is null", "I g_aidlChipSat linkToDeath",
+         nullptr, nullptr, nullptr},
+};
+
+/** The lines of a load: what each service does on a device that runs these services. */
+Lines LoadLines(const Device& device) {
+    Lines lines{"I JNI_OnLoad", "E InitKvNativeManager"};
+    for (const ServiceTexts& texts : kTexts) {
+        lines.push_back(texts.aidlStart);
+        if (device.IsRunning(kAidl, texts.name)) {
+            lines.push_back(texts.aidlLink);
+            continue;
+        }
+        lines.push_back(texts.aidlNull);
+        if (texts.hidlStart == nullptr) continue;
+        lines.push_back(texts.hidlStart);
+        const bool running = device.IsRunning(kHidl, texts.name);
+        lines.push_back(running ? texts.hidlLink : texts.hidlNull);
+    }
+    return lines;
+}
+
+/** Without the lines of callbacks, which come on HIDL threads at their own time. */
+Lines WithoutReinit(Lines lines) {
+    const auto isReinit = [](const std::string& line) {
+        return line.rfind("W enter into ReinitHal", 0) == 0;
+    };
+    lines.erase(std::remove_if(lines.begin(), lines.end(), isReinit), lines.end());
+    return lines;
+}
+
+class ConnectionsTest : public LibraryTest {};
+
+TEST_F(ConnectionsTest, EachServiceIsDecidedSeparatelyAndInOrder) {
+    for (const char* profile : {"aidl", "hidl", "mixed", "bare"}) {
+        SCOPED_TRACE(profile);
+        Unload();
+        device.Reset();
+        ASSERT_TRUE(device.StartProfile(profile));
+        TakeLog();
+        EXPECT_EQ(JNI_VERSION_1_4, Load());
+        ASSERT_TRUE(Device::Settle());
+        EXPECT_EQ(LoadLines(device), WithoutReinit(TakeLog()));
+        for (const ServiceTexts& texts : kTexts) {
+            SCOPED_TRACE(texts.name);
+            EXPECT_EQ(device.IsRunning(kAidl, texts.name), device.DeathLinks(kAidl, texts.name));
+            EXPECT_EQ(device.IsRunning(kHidl, texts.name), device.DeathLinks(kHidl, texts.name));
+        }
+    }
+}
+
+TEST_F(ConnectionsTest, QueriesTellTheirOwnService) {
+    bool (*const queries[])() = {native_aidl::IsFactoryInterfaceAidlVersion,
+                                 native_aidl::IsDisplayServiceAidlVersion,
+                                 native_aidl::IsTouchScreenAidlVersion,
+                                 native_aidl::IsSensorsAidlVersion,
+                                 native_aidl::IsPowerAidlVersion,
+                                 native_aidl::IsLightAidlVersion,
+                                 native_aidl::IsCameraFactoryAidlVersion,
+                                 native_aidl::IsRadioEnhanceAidlVersion,
+                                 native_aidl::IsDisplayFactoryAidlVersion,
+                                 native_aidl::IsFingerprintServiceAidlVersion,
+                                 native_aidl::IsChipSrvInterfaceAidlVersion,
+                                 native_aidl::IsSimAidlVersion,
+                                 native_aidl::IsChipSrvSatAidlVersion};
+    for (size_t held = 0; held < Device::Services().size(); held++) {
+        SCOPED_TRACE(Device::Services()[held]);
+        LoadWith(kAidl, Device::Services()[held]);
+        for (size_t i = 0; i < std::size(queries); i++) EXPECT_EQ(i == held, queries[i]()) << i;
+    }
+}
+
+TEST_F(ConnectionsTest, AHeldServiceIsNotLinkedAgain) {
+    LoadWithProfile("aidl");
+    EXPECT_EQ(1, native_aidl::InitLight());
+    EXPECT_EQ(1, native_aidl::InitFingerprintService());
+    EXPECT_EQ((Lines{"I InitAidlLight", "I InitAidlFingerprintService"}), TakeLog());
+    EXPECT_EQ(1u, device.DeathLinks(kAidl, "light"));
+    EXPECT_EQ(1u, device.DeathLinks(kAidl, "fingerprint"));
+    LoadWith(kHidl, "light");
+    native_hidl::InitLight();
+    EXPECT_EQ(Lines{"D InitHidlLight"}, TakeLog());
+    EXPECT_EQ(1u, device.DeathLinks(kHidl, "light"));
+}
+
+TEST_F(ConnectionsTest, ARefusedDeathLinkGoesUnnoticed) {
+    for (const Backend backend : {kAidl, kHidl}) {
+        Unload();
+        device.Reset();
+        device.Start(backend, "light");
+        device.At(backend, "light").RefuseDeathLinks();
+        Load();
+        EXPECT_EQ(0u, device.DeathLinks(backend, "light"));
+        device.Script("set_led_alwayson_status", {4});
+        EXPECT_EQ("4", java::Call("nativeSetLedAlwaysOnStatus", {1, 2}));
+    }
+}
+
+// A declared service is waited for, however late it registers.
+TEST_F(ConnectionsTest, ALateServiceHoldsUpTheLoad) {
+    for (const Backend backend : {kAidl, kHidl}) {
+        for (const char* service : {"light", "fingerprint"}) {
+            SCOPED_TRACE(service);
+            Unload();
+            device.Reset();
+            device.At(backend, service).Declare();
+            std::atomic<bool> loaded{false};
+            std::thread loader([&] {
+                Load();
+                loaded = true;
+            });
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            EXPECT_FALSE(loaded);
+            device.Start(backend, service);
+            loader.join();
+            EXPECT_EQ(1u, device.DeathLinks(backend, service));
+        }
+    }
+}
+
+TEST_F(ConnectionsTest, UnloadReleasesEveryServiceAndLoadTakesThemAgain) {
+    for (const char* profile : {"aidl", "hidl", "mixed", "bare"}) {
+        SCOPED_TRACE(profile);
+        device.Reset();
+        LoadWithProfile(profile);
+        Unload();
+        EXPECT_EQ((Lines{"I JNI_onUnLoad", "E ExitKvNativeManager", "I ExitKvManager by aidl",
+                         "D ExitKvManager by hidl"}),
+                  WithoutReinit(TakeLog()));
+        for (const std::string& service : Device::Services()) {
+            EXPECT_EQ(0u, device.DeathLinks(kAidl, service)) << service;
+            EXPECT_EQ(0u, device.DeathLinks(kHidl, service)) << service;
+        }
+        Load();
+        EXPECT_EQ(LoadLines(device), WithoutReinit(TakeLog()));
+        Unload();
+        device.Reset();
+        EXPECT_EQ(0, Device::LiveServices());
+    }
+}
+
+// A partial connection keeps the interface over a teardown and never asks for a session again.
+TEST_F(ConnectionsTest, ARefusedSessionIsNotAskedForAgain) {
+    for (const Answer& refusal : {Answer(-1), Answer(Fault::kTransport)}) {
+        native_aidl::g_aidlFingerprint.reset();
+        device.Reset();
+        device.Start(kAidl, "fingerprint");
+        device.Start(kHidl, "fingerprint");
+        device.Script("createSession", refusal);
+        TakeLog();
+        EXPECT_EQ(0, native_aidl::InitFingerprintService());
+        EXPECT_EQ((Lines{"I InitAidlFingerprintService", "E g_aidlFingerprintSession is null"}),
+                  TakeLog());
+        EXPECT_EQ(Lines{"aidl fingerprint.createSession(-1, -1000, \"\")"}, device.TakeCalls());
+        EXPECT_FALSE(native_aidl::IsFingerprintServiceAidlVersion());
+        EXPECT_EQ(1, native_aidl::InitFingerprintService());
+        native_aidl::ExitKvManager();
+        EXPECT_NE(nullptr, native_aidl::g_aidlFingerprint);
+        EXPECT_EQ(Lines{}, device.TakeCalls());
+    }
+    native_aidl::g_aidlFingerprint.reset();
+}
+
+// Instances of a virtual machine that fail at one step.
+jint GetEnvFails(JavaVM*, void**, jint) {
+    return JNI_EVERSION;
+}
+jint GetEnvGivesNull(JavaVM*, void** env, jint) {
+    *env = nullptr;
+    return JNI_OK;
+}
+JNIEnv_ g_env;
+jint GetEnvGivesFake(JavaVM*, void** env, jint) {
+    *env = &g_env;
+    return JNI_OK;
+}
+
+TEST_F(ConnectionsTest, FailuresOfTheVirtualMachineRefuseTheLibrary) {
+    JNINativeInterface_ functions{};
+    functions.FindClass = [](JNIEnv*, const char*) -> jclass { return nullptr; };
+    JNINativeInterface_ registers{};
+    registers.FindClass = [](JNIEnv*, const char*) -> jclass {
+        return reinterpret_cast<jclass>(&g_env);
+    };
+    registers.RegisterNatives = [](JNIEnv*, jclass, const JNINativeMethod*, jint count) -> jint {
+        return count == 65 ? -1 : 0;
+    };
+    const std::string name = "'com/quorvin/kalvornii/KvNativeInterface'";
+    const struct {
+        jint (*getEnv)(JavaVM*, void**, jint);
+        const JNINativeInterface_* functions;
+        Lines lines;
+    } cases[] = {
+            {GetEnvFails, nullptr, {"E ERROR: GetEnv failed"}},
+            {GetEnvGivesNull,
+             nullptr,
+             {"E RegisterNativeMethods fail, env is null", "E ERROR: RegisterAllNatives failed"}},
+            {GetEnvGivesFake,
+             &functions,
+             {"E Native registration unable to find class " + name,
+              "E ERROR: RegisterAllNatives failed"}},
+            {GetEnvGivesFake,
+             &registers,
+             {"E RegisterNatives failed for " + name, "E ERROR: RegisterAllNatives failed"}},
+    };
+    for (const auto& c : cases) {
+        device.Reset();
+        device.Start(kAidl, "light");
+        TakeLog();
+        Lines expected = LoadLines(device);
+        expected.insert(expected.end(), c.lines.begin(), c.lines.end());
+        JNIInvokeInterface_ invoke{};
+        invoke.GetEnv = c.getEnv;
+        g_env.functions = c.functions;
+        JavaVM_ vm{&invoke};
+        EXPECT_EQ(-1, JNI_OnLoad(&vm, nullptr));
+        EXPECT_EQ(expected, TakeLog());
+        EXPECT_EQ(1u, device.DeathLinks(kAidl, "light")) << "connections are kept";
+        Unload();
+    }
+}
+
+}  // namespace

@@ -1,0 +1,252 @@
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <random>
+#include <thread>
+
+#include "aidl/services.h"
+#include "harness.h"
+#include "hidl/services.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+bool Eventually(const std::function<bool()>& condition) {
+    const auto end = steady_clock::now() + milliseconds(10000);
+    while (!condition()) {
+        if (steady_clock::now() > end) return false;
+        std::this_thread::sleep_for(milliseconds(2));
+    }
+    return true;
+}
+
+const char* const kAidlRestartLines[] = {
+        "I InitAidlFactoryInterface",
+        "I g_aidlFactory linkToDeath",
+        "I InitAidlDisplayService",
+        "I g_aidlDisplayService linkToDeath",
+        "I InitAidlTouchscreen",
+        "I g_aidlTp linkToDeath",
+        "I InitAidlSensors",
+        "I g_aidlSensors linkToDeath",
+        "I InitAidlPower",
+        "I g_aidlPower linkToDeath",
+        "I InitAidlLight",
+        "I g_aidlLight linkToDeath",
+        "I InitAidlCameraFactory",
+        "I g_aidlCameraFactory linkToDeath",
+        "I InitAidlRadioEnhance",
+        "I g_aidlRadioEnhance linkToDeath",
+        "I InitAidlDisplayFactory",
+        "I aidlDisplayFactory linkToDeath",
+        "I InitAidlFingerprintService",
+        "I g_aidlFingerprintSession linkToDeath",
+        "I InitAidlChipSrvInterface",
+        "I aidlChipSrc linkToDeath",
+        "I InitSimInterface",
+        "I g_aidlSim linkToDeath",
+        "I InitChipSrvSat",
+        "I g_aidlChipSat linkToDeath",
+};
+
+class DeathTest : public LibraryTest {
+  protected:
+    size_t LinksOf(Backend backend) {
+        size_t links = 0;
+        for (const std::string& name : Device::Services()) {
+            const size_t count = device.DeathLinks(backend, name);
+            EXPECT_LE(count, 1u) << name << " is linked twice";
+            links += count;
+        }
+        return links;
+    }
+};
+
+TEST_F(DeathTest, AnyAidlDeathRestartsEveryServiceInOrder) {
+    for (const char* dying : {"light", "fingerprint", "satellite"}) {
+        SCOPED_TRACE(dying);
+        device.Reset();
+        Unload();
+        LoadWithProfile("aidl");
+        device.At(kAidl, dying).Kill();
+        // The restart waits for the dead service; it is started only after the library has let go.
+        ASSERT_TRUE(Eventually([] { return !native_aidl::IsChipSrvSatAidlVersion(); }));
+        device.Start(kAidl, dying);
+        ASSERT_TRUE(Device::Settle());
+        Lines expected{"W serviceDied, remote hal service died", "I ExitKvManager by aidl",
+                       "I RestartAidlService"};
+        expected.insert(expected.end(), std::begin(kAidlRestartLines), std::end(kAidlRestartLines));
+        EXPECT_EQ(expected, TakeLog());
+        EXPECT_EQ(13u, LinksOf(kAidl));
+    }
+}
+
+// Before the dead service is back the restart has come as far as its connector, and no further;
+// Java goes on meanwhile, over AIDL for what is back already and over HIDL for the rest.
+TEST_F(DeathTest, JavaGoesOnWhileTheRestartWaits) {
+    LoadWithProfile("aidl");
+    device.Start(kHidl, "light");
+    native_hidl::InitLight();
+    device.At(kAidl, "sensors").Kill();
+    ASSERT_TRUE(Eventually([] {
+        return native_aidl::IsTouchScreenAidlVersion() && !native_aidl::IsSensorsAidlVersion();
+    }));
+    ASSERT_FALSE(Device::Settle(50));
+    device.TakeCalls();
+    EXPECT_EQ("0", java::Call("nativeWriteNvValue", {"abc", 1}));
+    EXPECT_EQ("0", java::Call("nativeSetLedAlwaysOnStatus", {1, 2}));
+    EXPECT_EQ("-9999", java::Call("nativeSetSensorSelfTest", {1, 2}));
+    EXPECT_EQ("\"INVALID_SERVICE\"", java::Call("nativeChipTtTestCp", {"x"}));
+    EXPECT_EQ(
+            (Lines{"aidl factory.writeNv(1, \"abc\")", "hidl light.set_led_alwayson_status(1, 2)"}),
+            device.TakeCalls());
+    device.Start(kAidl, "sensors");
+    ASSERT_TRUE(Device::Settle());
+    device.TakeCalls();
+    EXPECT_EQ("0", java::Call("nativeSetSensorSelfTest", {1, 2}));
+    EXPECT_EQ("0", java::Call("nativeSetLedAlwaysOnStatus", {1, 2}));
+    EXPECT_EQ((Lines{"aidl sensors.setSensorSelfTest(1, 2)",
+                     "aidl light.set_led_alwayson_status(1, 2)"}),
+              device.TakeCalls());
+}
+
+TEST_F(DeathTest, AServiceThatIsGoneForGoodStaysReleased) {
+    LoadWithProfile("mixed");
+    device.At(kAidl, "power").Undeclare();
+    device.At(kAidl, "power").Kill();
+    ASSERT_TRUE(Device::Settle());
+    const Lines log = TakeLog();
+    EXPECT_NE(log.end(), std::find(log.begin(), log.end(), "E aidlPower is null"));
+    // No HIDL fallback in a restart, and the satellite chip was never there.
+    EXPECT_EQ("-9999", java::Call("nativeSetPowerState", {"a", "b"}));
+    EXPECT_EQ(8u, LinksOf(kAidl));
+    EXPECT_EQ(3u, LinksOf(kHidl));
+}
+
+// A death that the fingerprint side sees: its session's link carries the session as the cookie.
+TEST_F(DeathTest, UnlinksTheSessionItLinked) {
+    LoadWith(kAidl, "fingerprint");
+    EXPECT_EQ(1u, device.DeathLinks(kAidl, "fingerprint"));
+    native_aidl::ExitKvManager();
+    EXPECT_EQ(0u, device.DeathLinks(kAidl, "fingerprint"));
+    EXPECT_EQ(nullptr, native_aidl::g_aidlFingerprint);
+    EXPECT_EQ(nullptr, native_aidl::g_aidlFingerprintSession);
+    device.At(kAidl, "fingerprint").Kill();
+    ASSERT_TRUE(Device::Settle());
+    EXPECT_EQ(Lines{"I ExitKvManager by aidl"}, TakeLog());
+}
+
+TEST_F(DeathTest, AHidlDeathReleasesAllAndARegistrationBringsThemBack) {
+    LoadWithProfile("hidl");
+    const size_t cookies[] = {1, 2, 3, 4, 5, 6, 7, 9, 10, 13, 14};
+    for (size_t i = 0; i < std::size(cookies); i++) {
+        const std::string& dying = Device::Services()[i];
+        SCOPED_TRACE(dying);
+        device.At(kHidl, dying).Undeclare();
+        device.At(kHidl, dying).Kill();
+        ASSERT_TRUE(Device::Settle());
+        EXPECT_EQ((Lines{"W enter into ProcessServiceDied, cookie is:" + std::to_string(cookies[i]),
+                         "D ExitKvManager by hidl"}),
+                  TakeLog());
+        EXPECT_EQ(0u, LinksOf(kHidl));
+        EXPECT_EQ(nullptr, native_hidl::g_qxFactoryInterface);
+        EXPECT_EQ(nullptr, native_hidl::g_ztChipSrvInterface);
+        device.Start(kHidl, dying);
+        ASSERT_TRUE(Device::Settle());
+        EXPECT_EQ(11u, LinksOf(kHidl));
+        TakeLog();
+    }
+}
+
+TEST_F(DeathTest, ARegistrationLooksUpOnlyWhatIsReleased) {
+    device.Start(kHidl, "touch");
+    device.Start(kHidl, "light");
+    Load();
+    ASSERT_TRUE(Device::Settle());
+    device.At(kHidl, "touch").Undeclare();
+    device.At(kHidl, "touch").Kill();
+    ASSERT_TRUE(Device::Settle());
+    TakeLog();
+    // Registered before means that nothing has to be done.
+    native_hidl::ReinitHal("vendor.zantor.hardware.light@2.0::ILight", "default", true);
+    EXPECT_EQ(Lines{"W enter into ReinitHal, fqName:vendor.zantor.hardware.light@2.0::ILight, "
+                    "name:default, preexisting:1"},
+              TakeLog());
+    native_hidl::ReinitHal("some.other@1.0::IThing", "slot", false);
+    native_hidl::ReinitHal("some.other@1.0::IThing", "slot", false);
+    ASSERT_TRUE(Device::Settle());
+    Lines log = TakeLog();
+    const auto second = std::find(log.begin() + 1, log.end(), log.front());
+    EXPECT_EQ("W enter into ReinitHal, fqName:some.other@1.0::IThing, name:slot, preexisting:0",
+              log.front());
+    const auto count = [](auto begin, auto end, const char* line) {
+        return std::count(begin, end, line);
+    };
+    EXPECT_EQ(1, count(log.begin(), second, "D g_light linkToDeath"));
+    EXPECT_EQ(0, count(second, log.end(), "D g_light linkToDeath"));
+    EXPECT_EQ(2, count(log.begin(), log.end(), "E g_touchscreen is null"));
+    EXPECT_EQ(1u, LinksOf(kHidl));
+}
+
+TEST_F(DeathTest, ADeathDoesNotTouchTheOtherBackend) {
+    LoadWithProfile("mixed");
+    device.At(kHidl, "light").Undeclare();
+    device.At(kHidl, "light").Kill();
+    ASSERT_TRUE(Device::Settle());
+    EXPECT_EQ(9u, LinksOf(kAidl));
+    EXPECT_EQ(0u, LinksOf(kHidl));
+    device.Start(kHidl, "light");
+    ASSERT_TRUE(Device::Settle());
+    EXPECT_EQ(3u, LinksOf(kHidl));
+}
+
+struct Probe {
+    const char* service;
+    const char* method;
+    std::vector<java::Arg> args;
+    const char* call;
+};
+
+const Probe kProbes[] = {
+        {"factory", "nativeWriteNvValue", {"v", 1}, "factory.writeNv(1, \"v\")"},
+        {"touch", "nativeGetCapacitanceTestResult", {1}, "touch.zantor_tp_capacitance_test(1)"},
+        {"light", "nativeSetLedAlwaysOnStatus", {1, 2}, "light.set_led_alwayson_status(1, 2)"},
+        {"camera", "nativeGetOisAgingResult", {}, "camera.getOisAgingResult()"},
+        {"radio", "nativeSetModemLogState", {1}, "radio.setModemLogState(1)"},
+        {"chip", "nativeStopHertzTest", {}, "chip.stopHertzTest()"},
+        {"fingerprint",
+         "sendCmdToFingerprintHalNative",
+         {5, nullptr},
+         "fingerprint.sendCmdToHal(5)"},
+};
+
+TEST_F(DeathTest, AHundredDeathsLeaveNothingBehind) {
+    LoadWithProfile("mixed");
+    const int liveBefore = Device::LiveServices();
+    std::mt19937 random(20261121);
+    for (int i = 0; i < 100; i++) {
+        const std::string& dying = Device::Services()[random() % 12];
+        const bool isHidl = !device.IsRunning(kAidl, dying);
+        const Backend backend = isHidl ? kHidl : kAidl;
+        SCOPED_TRACE(std::to_string(i) + " " + dying);
+        device.At(backend, dying).Kill();
+        if (isHidl) {
+            ASSERT_TRUE(Device::Settle());
+        }
+        device.Start(backend, dying);
+        ASSERT_TRUE(Device::Settle());
+        device.TakeCalls();
+        for (const Probe& probe : kProbes) {
+            ASSERT_EQ("0", java::Call(probe.method, probe.args)) << probe.method;
+            const char* expected = device.IsRunning(kAidl, probe.service) ? "aidl " : "hidl ";
+            ASSERT_EQ(Lines{std::string(expected) + probe.call}, device.TakeCalls());
+        }
+        ASSERT_EQ(12u, LinksOf(kAidl) + LinksOf(kHidl));
+    }
+    EXPECT_EQ(liveBefore, Device::LiveServices());
+}
+
+}  // namespace

@@ -1,0 +1,74 @@
+#!/bin/bash
+# The device build describes the same library as the host build, and the device code reaches nothing
+# of the host: device_build_test.sh SOURCE_DIR BUILD_DIR
+set -euo pipefail
+source=$(realpath "$1")
+build=$(realpath "$2")
+cd "$source"
+export LC_ALL=C
+failed=0
+
+# expect_none TITLE LINES: fails when there are any.
+expect_none() {
+    [ -n "$2" ] || return 0
+    printf '%s:\n%s\n' "$1" "$2"
+    failed=1
+}
+
+# any_but PATTERN: the lines of its input that do not match as a whole. The pattern may be broken up.
+any_but() { grep -vxE "${1//$'\n'/}" || true; }
+
+objects=$(ninja -C "$build" -t targets all | grep -oE '^[^ ]*/kalvorn_objects\.dir/[^ ]+\.o')
+
+check_source_lists() {
+    local there device host
+    there=$(find aidl common hidl jni -name '*.cpp' | sort)
+    device=$(sed 's,//.*,,' Android.bp | grep -oE '"[^" ]+\.cpp"' | tr -d '"' | sort)
+    host=$(sed -E 's,.*/kalvorn_objects\.dir/(.*)\.o,\1,' <<<"$objects" | sort)
+    expect_none "Sources that are there (<) and in Android.bp (>)" "$(diff <(echo "$there") <(echo "$device"))"
+    expect_none "Sources that are there (<) and in CMakeLists.txt (>)" "$(diff <(echo "$there") <(echo "$host"))"
+}
+
+# What device code may name in its own #include lines: itself, and what every device has.
+own='"(aidl|common|hidl|jni)/[a-z_]+\.(h|inc)"'
+platform='<([a-z_]+|(dlfcn|fcntl|stddef|stdint|string|unistd)\.h|jni\.h
+|android/(log|binder_(auto_utils|ibinder|manager))\.h
+|binder/(IBinder|IInterface|IServiceManager)\.h
+|utils/(RefBase|String16|StrongPointer)\.h
+|hidl/(HidlSupport|Status)\.h
+|android/hidl/(base|manager)/1\.0/[A-Za-z]+\.h
+|(aidl/)?vendor/zantor/hardware/[A-Za-z0-9./]+\.h
+|aidl/android/hardware/biometrics/fingerprint/[A-Za-z]+\.h
+|HidlUtil\.h|safe_(mem|str)_lib\.h)>'
+
+check_include_lines() {
+    local lines
+    lines=$(grep -rE '^[[:space:]]*#[[:space:]]*include' aidl common hidl jni)
+    expect_none "Includes of what is neither device code nor on every device" \
+        "$(any_but "[^:]+:#include ($own|$platform)" <<<"$lines")"
+}
+
+# What they reach in the end, in the project and its build tree: the device code, the generated
+# interfaces, and the host's headers in place of such as every device has.
+stand_ins='host/binder_ndk/include/android/
+binder_(auto_utils|ibinder|interface_utils|manager|parcel|parcel_utils|status)\.h
+|host/hidl/include/hidl/(HidlSupport|MQDescriptor|Status)\.h'
+
+check_include_closure() {
+    local deps headers
+    # shellcheck disable=SC2086 # one argument each
+    deps=$(ninja -C "$build" -t deps $objects 2>&1 | grep -v '^ninja: Entering')
+    expect_none "Objects whose headers are not known" \
+        "$(grep -vE '^(    .*)?$' <<<"$deps" | any_but '.*\(VALID\)')"
+    headers=$(sed -n 's/^    //p' <<<"$deps" | sed -E "s,^([^/]),$build/\1," | xargs realpath -ms | sort -u)
+    [ "$(grep -cxE "$source/(aidl|hidl)/services\.h" <<<"$headers")" = 2 ] ||
+        expect_none "These cannot be all headers" "$headers"
+    expect_none "The device code reaches" "$(grep -E "^($source|$build)/" <<<"$headers" |
+        any_but "$build/host/[a-z]+/gen/.*|$source/build/arm-tree/.*|$source/(aidl|common|hidl|jni)/.*|$source/($stand_ins)")"
+}
+
+expect_none "bpfmt would change Android.bp" "$(bpfmt -d Android.bp 2>&1)"
+check_source_lists
+check_include_lines
+check_include_closure
+exit "$failed"

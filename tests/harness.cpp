@@ -1,0 +1,290 @@
+#include "harness.h"
+
+#include <android/log.h>
+#include <string.h>
+
+#include <mutex>
+
+#include "aidl/services.h"
+#include "jni/dispatch.h"
+
+// Makes the virtual machine take the library for one that is linked into this program, so that
+// KvNativeInterface finds it and the tests decide when it is loaded.
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
+extern "C" JNIEXPORT jint JNICALL JNI_OnLoad__kalvorn(JavaVM*, void*) {
+    return JNI_VERSION_1_8;
+}
+
+namespace {
+
+std::mutex g_logLock;
+std::vector<std::string> g_log;
+
+void CaptureLog(const __android_logger_data* data, const char* message) {
+    if (strcmp(data->tag, "KalvornNative") != 0) {
+        __android_log_stderr_logger(data, message);
+        return;
+    }
+    const std::lock_guard lock(g_logLock);
+    g_log.push_back(std::string(1, "??VDIWEF"[data->priority]) + " " + message);
+}
+
+JavaVM* StartVm() {
+    static char classPath[] = "-Djava.class.path=" KALVORN_CLASS_PATH;
+    static char check[] = "-Xcheck:jni";
+    static char heap[] = "-Xmx256m";
+    JavaVMOption options[] = {{classPath, nullptr}, {check, nullptr}, {heap, nullptr}};
+    JavaVMInitArgs args{JNI_VERSION_1_8, 3, options, JNI_FALSE};
+    JavaVM* vm = nullptr;
+    JNIEnv* env = nullptr;
+    if (JNI_CreateJavaVM(&vm, reinterpret_cast<void**>(&env), &args) != JNI_OK) abort();
+    return vm;
+}
+
+const char* SignatureOf(const std::string& method) {
+    for (const JNINativeMethod& row : kMethods) {
+        if (method == row.name) return row.signature;
+    }
+    abort();
+}
+
+jclass KvNativeInterface() {
+    static const auto clazz = static_cast<jclass>(java::Env()->NewGlobalRef(
+            java::Env()->FindClass("com/quorvin/kalvornii/KvNativeInterface")));
+    return clazz;
+}
+
+jvalue ToJava(const java::Arg& arg) {
+    JNIEnv* env = java::Env();
+    jvalue value{};
+    if (const int* number = std::get_if<int>(&arg)) value.i = *number;
+    if (const auto* text = std::get_if<const char*>(&arg)) value.l = java::String(*text);
+    if (const auto* object = std::get_if<java::Object>(&arg)) value.l = java::NewObject(*object);
+    if (const auto* bytes = std::get_if<java::Bytes>(&arg)) {
+        const auto length = static_cast<jsize>(bytes->size());
+        jbyteArray array = env->NewByteArray(length);
+        env->SetByteArrayRegion(array, 0, length, bytes->data());
+        value.l = array;
+    }
+    return value;
+}
+
+}  // namespace
+
+namespace java {
+
+JavaVM* Vm() {
+    static JavaVM* vm = StartVm();
+    return vm;
+}
+
+JNIEnv* Env() {
+    JNIEnv* env = nullptr;
+    JavaVM* vm = Vm();
+    if (vm->GetEnv(reinterpret_cast<void**>(&env), JNI_VERSION_1_8) != JNI_OK) {
+        vm->AttachCurrentThreadAsDaemon(reinterpret_cast<void**>(&env), nullptr);
+    }
+    return env;
+}
+
+jstring String(const char* modifiedUtf8) {
+    return Env()->NewStringUTF(modifiedUtf8);
+}
+
+jobject NewObject(const Object& object) {
+    JNIEnv* env = Env();
+    jclass clazz = env->FindClass(object.className);
+    jobject result = env->NewObject(clazz, env->GetMethodID(clazz, "<init>", "()V"));
+    for (const auto& [name, value] : object.fields) {
+        if (const int* number = std::get_if<int>(&value)) {
+            env->SetIntField(result, env->GetFieldID(clazz, name.c_str(), "I"), *number);
+        } else {
+            const char* text = std::get<const char*>(value);
+            env->SetObjectField(result, env->GetFieldID(clazz, name.c_str(), "Ljava/lang/String;"),
+                                text == nullptr ? nullptr : String(text));
+        }
+    }
+    return result;
+}
+
+std::string Show(jint value) {
+    return std::to_string(value);
+}
+
+std::string Show(jstring text) {
+    if (text == nullptr) return "null";
+    const char* chars = Env()->GetStringUTFChars(text, nullptr);
+    std::string shown = '"' + std::string(chars) + '"';
+    Env()->ReleaseStringUTFChars(text, chars);
+    return shown;
+}
+
+std::string Show(jintArray array) {
+    std::vector<jint> values(static_cast<size_t>(Env()->GetArrayLength(array)));
+    Env()->GetIntArrayRegion(array, 0, static_cast<jsize>(values.size()), values.data());
+    std::string shown;
+    for (const jint value : values) shown += (shown.empty() ? "{" : ", ") + Show(value);
+    return shown + "}";
+}
+
+jobject Application() {
+    static jobject application = Env()->NewGlobalRef(Env()->NewObject(
+            KvNativeInterface(), Env()->GetMethodID(KvNativeInterface(), "<init>", "()V")));
+    return application;
+}
+
+std::string Call(const std::string& method, const std::vector<Arg>& args) {
+    JNIEnv* env = Env();
+    env->PushLocalFrame(64);
+    const std::string signature = SignatureOf(method);
+    jmethodID id = env->GetMethodID(KvNativeInterface(), method.c_str(), signature.c_str());
+    std::vector<jvalue> values;
+    values.reserve(args.size());
+    for (const Arg& arg : args) values.push_back(ToJava(arg));
+    const bool isNumber = signature.substr(signature.find(')')) == ")I";
+    jint number = 0;
+    jobject object = nullptr;
+    if (isNumber) {
+        number = env->CallIntMethodA(Application(), id, values.data());
+    } else {
+        object = env->CallObjectMethodA(Application(), id, values.data());
+    }
+    EXPECT_FALSE(env->ExceptionCheck()) << method;
+    env->ExceptionClear();
+    std::string result;
+    if (isNumber) {
+        result = Show(number);
+    } else if (signature.back() == 'I') {
+        result = Show(static_cast<jintArray>(object));
+    } else {
+        result = Show(static_cast<jstring>(object));
+    }
+    env->PopLocalFrame(nullptr);
+    return result;
+}
+
+std::string StaticField(const char* name) {
+    jfieldID id = Env()->GetStaticFieldID(KvNativeInterface(), name, "Ljava/lang/String;");
+    return Show(static_cast<jstring>(Env()->GetStaticObjectField(KvNativeInterface(), id)));
+}
+
+void SetStaticField(const char* name, const char* text) {
+    jfieldID id = Env()->GetStaticFieldID(KvNativeInterface(), name, "Ljava/lang/String;");
+    Env()->SetStaticObjectField(KvNativeInterface(), id, String(text));
+}
+
+namespace {
+
+JniUse g_use;
+const JNINativeInterface_* g_functions;
+JNINativeInterface_ g_counting;
+
+}  // namespace
+
+CountJniUse::CountJniUse() {
+    g_use = {};
+    g_functions = Env()->functions;
+    g_counting = *g_functions;
+    g_counting.GetStringUTFChars = [](JNIEnv* env, jstring text, jboolean* isCopy) {
+        g_use.textsTaken++;
+        return g_functions->GetStringUTFChars(env, text, isCopy);
+    };
+    g_counting.ReleaseStringUTFChars = [](JNIEnv* env, jstring text, const char* chars) {
+        g_use.textsReleased++;
+        g_functions->ReleaseStringUTFChars(env, text, chars);
+    };
+    g_counting.GetByteArrayElements = [](JNIEnv* env, jbyteArray array, jboolean* isCopy) {
+        g_use.bytesTaken++;
+        return g_functions->GetByteArrayElements(env, array, isCopy);
+    };
+    g_counting.ReleaseByteArrayElements = [](JNIEnv* env, jbyteArray array, jbyte* elements,
+                                             jint mode) {
+        g_use.bytesReleased++;
+        g_functions->ReleaseByteArrayElements(env, array, elements, mode);
+    };
+    g_counting.GetIntArrayElements = [](JNIEnv* env, jintArray array, jboolean* isCopy) {
+        g_use.intsTaken++;
+        return g_functions->GetIntArrayElements(env, array, isCopy);
+    };
+    g_counting.ReleaseIntArrayElements = [](JNIEnv* env, jintArray array, jint* elements,
+                                            jint mode) {
+        (mode == JNI_COMMIT ? g_use.intsCommitted : g_use.intsReleased)++;
+        g_functions->ReleaseIntArrayElements(env, array, elements, mode);
+    };
+    Env()->functions = &g_counting;
+}
+
+CountJniUse::~CountJniUse() {
+    Env()->functions = g_functions;
+}
+
+const JniUse& CountJniUse::use() const {
+    return g_use;
+}
+
+}  // namespace java
+
+std::vector<std::string> TakeLog() {
+    const std::lock_guard lock(g_logLock);
+    return std::exchange(g_log, {});
+}
+
+int LinesLogged() {
+    const std::lock_guard lock(g_logLock);
+    return static_cast<int>(g_log.size());
+}
+
+jint Load() {
+    return JNI_OnLoad(java::Vm(), nullptr);
+}
+
+void Unload() {
+    JNI_OnUnload(java::Vm(), nullptr);
+}
+
+void LibraryTest::SetUp() {
+    java::Env();
+    __android_log_set_logger(CaptureLog);
+    __android_log_set_minimum_priority(ANDROID_LOG_VERBOSE);
+    device.Reset();
+    TakeLog();
+}
+
+void LibraryTest::TearDown() {
+    Unload();
+    native_aidl::g_aidlFingerprint.reset();  // survives an unload when it has no session
+    device.Reset();
+}
+
+void LibraryTest::LoadWith(Backend backend, const std::string& service) {
+    Unload();
+    device.Reset();
+    if (!service.empty()) device.Start(backend, service);
+    Load();
+    Device::Settle();
+    device.TakeCalls();
+    TakeLog();
+}
+
+void LibraryTest::LoadWithProfile(const std::string& profile) {
+    ASSERT_TRUE(device.StartProfile(profile));
+    ASSERT_EQ(JNI_VERSION_1_4, Load());
+    ASSERT_TRUE(Device::Settle());
+    device.TakeCalls();
+    TakeLog();
+}
+
+void OperationTest::Run(const std::vector<Case>& cases) {
+    for (const Case& c : cases) {
+        LoadWith(c.backend, c.service);
+        for (const auto& [method, answer] : c.script) device.Script(method, answer);
+        const std::string backend = c.backend == kAidl ? "aidl " : "hidl ";
+        const std::string trace = backend + c.method + " -> " + c.result;
+        SCOPED_TRACE(trace);
+        EXPECT_EQ(c.result, java::Call(c.method, c.args));
+        std::vector<std::string> calls;
+        for (const std::string& call : c.calls) calls.push_back(backend + call);
+        EXPECT_EQ(calls, device.TakeCalls());
+        EXPECT_EQ(c.log, TakeLog());
+    }
+}

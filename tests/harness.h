@@ -1,0 +1,118 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <jni.h>
+
+#include <map>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "device/device.h"
+
+/** A Java virtual machine in this process, started on first use with -Xcheck:jni. */
+namespace java {
+
+JavaVM* Vm();
+
+/** Of the calling thread, which is attached when it is not yet. */
+JNIEnv* Env();
+
+using Bytes = std::vector<int8_t>;
+
+/** An object of a big-data class with these fields; a text of null is a null String. */
+struct Object {
+    const char* className;
+    std::map<std::string, std::variant<int, const char*>> fields;
+};
+
+/** A Java argument: an int, a String, null, a byte[] or an object. */
+using Arg = std::variant<int, const char*, std::nullptr_t, Bytes, Object>;
+
+jstring String(const char* modifiedUtf8);
+jobject NewObject(const Object& object);
+
+/**
+ * Calls a native method on the application's KvNativeInterface object. The result as text: 5,
+ * "text" in quotes, null, or {1, 2}. An exception fails the test.
+ */
+std::string Call(const std::string& method, const std::vector<Arg>& args);
+
+/** The same rendering, for what a backend operation returned. */
+std::string Show(jint value);
+std::string Show(jstring text);
+std::string Show(jintArray array);
+
+/** The application's KvNativeInterface object. */
+jobject Application();
+
+/** A static String field of KvNativeInterface, rendered; and its value to begin with. */
+std::string StaticField(const char* name);
+void SetStaticField(const char* name, const char* text);
+
+/** How often the library took and gave back what has to be given back, since Count began. */
+struct JniUse {
+    int textsTaken, textsReleased;
+    int bytesTaken, bytesReleased;
+    int intsTaken, intsReleased, intsCommitted;
+};
+
+/** Counts on the constructing thread for its own lifetime. */
+class CountJniUse {
+  public:
+    CountJniUse();
+    ~CountJniUse();
+    const JniUse& use() const;
+};
+
+}  // namespace java
+
+using kalvorn::device::Answer;
+using kalvorn::device::Backend;
+using kalvorn::device::Device;
+using kalvorn::device::Fault;
+
+constexpr Backend kAidl = Backend::kAidl;
+constexpr Backend kHidl = Backend::kHidl;
+
+/** The library's log lines since the last time, each as its priority's letter, a blank, its text.
+ */
+std::vector<std::string> TakeLog();
+int LinesLogged();
+
+/** Both backends' connectors, run as on a load of the library; the log is left for TakeLog(). */
+jint Load();
+void Unload();
+
+/** Every test begins with an empty device, an unloaded library and an empty log. */
+class LibraryTest : public testing::Test {
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    Device& device = Device::Get();
+
+    /** An empty device with one service, and the library loaded on it; the log is emptied. */
+    void LoadWith(Backend backend, const std::string& service);
+    void LoadWithProfile(const std::string& profile);
+};
+
+/** One call on a device that has one service over one backend (or none, for service ""). */
+struct Case {
+    Backend backend;
+    const char* service;
+    const char* method;
+    std::vector<java::Arg> args;
+    /** What the service's methods answer, instead of their usual answers. */
+    std::vector<std::pair<const char*, Answer>> script;
+    /** What the service was asked, without the backend. */
+    std::vector<std::string> calls;
+    std::vector<std::string> log;
+    std::string result;
+};
+
+class OperationTest : public LibraryTest {
+  protected:
+    void Run(const std::vector<Case>& cases);
+};

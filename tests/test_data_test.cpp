@@ -1,0 +1,185 @@
+#include "harness.h"
+
+namespace {
+
+class TestDataTest : public OperationTest {};
+
+TEST_F(TestDataTest, Reads) {
+    // clang-format off
+    Run({
+            {kAidl, "factory", "nativeGetTestResult", {7}, {{"getTestResult", {0, "PASS"}}},
+             {"factory.getTestResult(7)"},
+             {"E GetTestResultByAidl", "I Get test result = 0, id = 7, out = PASS\n",
+              "I Get test result success"},
+             "\"PASS\""},
+            {kHidl, "factory", "nativeGetTestResult", {7}, {{"getTestResult", {0, "PASS"}}},
+             {"factory.getTestResult(7)"},
+             {"E GetTestResultByHidl", "E get test result = 0, id = 7, out = PASS\n",
+              "E get test result success"},
+             "\"PASS\""},
+            // A failed read gives its text to the log alone.
+            {kAidl, "factory", "nativeGetTestResult", {7}, {{"getTestResult", {-1, "no"}}},
+             {"factory.getTestResult(7)"},
+             {"E GetTestResultByAidl", "I Get test result = -1, id = 7, out = no\n",
+              "E Get test result fail"},
+             "null"},
+            {kHidl, "factory", "nativeGetTestResult", {7}, {{"getTestResult", {-1, "no"}}},
+             {"factory.getTestResult(7)"},
+             {"E GetTestResultByHidl", "E get test result = -1, id = 7, out = no\n",
+              "E get test result fail"},
+             "null"},
+            {kAidl, "factory", "nativeReadNvValue", {5}, {{"readNv", {5, "abc"}}},
+             {"factory.readNv(5)"},
+             {"E ReadNvByAidl", "I ReadNv values = 5, result = abc", "I Nv read success"},
+             "\"abc\""},
+            {kHidl, "factory", "nativeReadNvValue", {5}, {{"readNv", {5, "abc"}}},
+             {"factory.readNv(5)"},
+             {"E ReadNvByHidl", "E ReadNv value = 5, result = abc", "D nv read success"},
+             "\"abc\""},
+            {kAidl, "factory", "nativeReadNvValue", {5}, {{"readNv", {-1, "abc"}}},
+             {"factory.readNv(5)"},
+             {"E ReadNvByAidl", "I ReadNv values = -1, result = abc", "E Nv read fail"},
+             "null"},
+            {kHidl, "factory", "nativeReadNvValue", {5}, {{"readNv", {-1, "abc"}}},
+             {"factory.readNv(5)"},
+             {"E ReadNvByHidl", "E ReadNv value = -1, result = abc", "E nv read fail"},
+             "null"},
+            // The kv info takes any code but 0 for a failure.
+            {kAidl, "factory", "nativeGetKvInfoFromOem", {9}, {{"readNv", {0, "kv"}}},
+             {"factory.readNv(9)"},
+             {"E GetKvInfoFromOemByAidl", "I Get kv info = kv, result = 0"},
+             "\"kv\""},
+            {kHidl, "factory", "nativeGetKvInfoFromOem", {9}, {{"readNv", {0, "kv"}}},
+             {"factory.readNv(9)"},
+             {"E GetKvInfoFromOemByHidl", "D get kv info = kv, result = 0"},
+             "\"kv\""},
+            {kAidl, "factory", "nativeGetKvInfoFromOem", {9}, {{"readNv", {5, "kv"}}},
+             {"factory.readNv(9)"},
+             {"E GetKvInfoFromOemByAidl", "I Get kv info = kv, result = 5"},
+             "null"},
+            {kHidl, "factory", "nativeGetKvInfoFromOem", {9}, {{"readNv", {5, "kv"}}},
+             {"factory.readNv(9)"},
+             {"E GetKvInfoFromOemByHidl", "D get kv info = kv, result = 5"},
+             "null"},
+            // A flag comes back whatever the code.
+            {kAidl, "factory", "nativeGetControlFlag", {3}, {{"getControlFlag", {-1, "on"}}},
+             {"factory.getControlFlag(3, 1024)"},
+             {"I GetControlFlagByAidl", "I getControlFlag, flagID is 3",
+              "I getControlFlag resultCode:-1, flagResult:on"},
+             "\"on\""},
+            {kHidl, "factory", "nativeGetControlFlag", {3}, {{"getControlFlag", {-1, "on"}}},
+             {"factory.getControlFlag(3, 1024)"},
+             {"I GetControlFlagByHidl", "D GetControlFlag, flagID is 3",
+              "D GetControlFlag resultCode:-1, flagResult:on"},
+             "\"on\""},
+            {kHidl, "factory@1.0", "nativeGetControlFlag", {3}, {}, {},
+             {"I GetControlFlagByHidl", "D GetControlFlag, flagID is 3",
+              "D fi is null, IQxFactoryV1_1 not support!"},
+             "\"INVALID_SERVICE\""},
+    });
+    // clang-format on
+}
+
+TEST_F(TestDataTest, Writes) {
+    // clang-format off
+    Run({
+            {kAidl, "factory", "nativeSetTestResult", {"ok", 7}, {{"setTestResult", {-2}}},
+             {"factory.setTestResult(7, \"ok\")"},
+             {"E SetTestResultByAidl", "I Set test result = -2, id = 7, nvValue = ok\n"},
+             "-2"},
+            {kHidl, "factory", "nativeSetTestResult", {"ok", 7}, {{"setTestResult", {-2}}},
+             {"factory.setTestResult(7, \"ok\")"},
+             {"E SetTestResultByHidl", "E set test result = -2, id = 7, nvValue = ok\n",
+              "E set test result success"},
+             "-2"},
+            {kHidl, "factory", "nativeSetTestResult", {"ok", 7}, {{"setTestResult", {-1}}},
+             {"factory.setTestResult(7, \"ok\")"},
+             {"E SetTestResultByHidl", "E set test result = -1, id = 7, nvValue = ok\n",
+              "E set test result fail"},
+             "-1"},
+            {kAidl, "factory", "nativeWriteNvValue", {"v", 8}, {{"writeNv", {-1}}},
+             {"factory.writeNv(8, \"v\")"},
+             {"E WriteNvByAidl", "I writeNv values = -1, nvValues = v"},
+             "-1"},
+            {kHidl, "factory", "nativeWriteNvValue", {"v", 8}, {{"writeNv", {-2}}},
+             {"factory.writeNv(8, \"v\")"},
+             {"E WriteNvByHidl", "E WriteNv value = -2, nvValue = v", "E nv write success"},
+             "-2"},
+            {kHidl, "factory", "nativeWriteNvValue", {"v", 8}, {{"writeNv", {-1}}},
+             {"factory.writeNv(8, \"v\")"},
+             {"E WriteNvByHidl", "E WriteNv value = -1, nvValue = v", "E nv write fail"},
+             "-1"},
+            {kAidl, "factory", "nativeSetKvInfoToOem", {8, "v"}, {{"writeNv", {4}}},
+             {"factory.writeNv(8, \"v\")"},
+             {"E SetKvInfoToOemByAidl", "I Set kv info = v, result = 4"},
+             "4"},
+            {kHidl, "factory", "nativeSetKvInfoToOem", {8, "v"}, {{"writeNv", {-1}}},
+             {"factory.writeNv(8, \"v\")"},
+             {"E SetKvInfoToOemByHidl", "D set kv info = v, result = -1"},
+             "-1"},
+            // The size counts bytes of modified UTF-8, of which the sign takes three.
+            {kAidl, "factory", "nativeSetControlFlag", {3, "a\xe2\x82\xac"}, {},
+             {"factory.setControlFlag(3, \"a\xe2\x82\xac\", 4)"},
+             {"I SetControlFlagByAidl", "I setControlFlag, flagID is 3, flag is a\xe2\x82\xac",
+              "I setControlFlag result:0, flag:a\xe2\x82\xac, flagSize:4"},
+             "0"},
+            {kHidl, "factory", "nativeSetControlFlag", {3, "a\xe2\x82\xac"},
+             {{"setControlFlag", {6}}},
+             {"factory.setControlFlag(3, \"a\xe2\x82\xac\", 4)"},
+             {"I SetControlFlagByHidl", "D SetControlFlag, flagID is 3, flag is a\xe2\x82\xac",
+              "D SetControlFlag result:6, flag:a\xe2\x82\xac, flagSize:4"},
+             "6"},
+            {kHidl, "factory@1.0", "nativeSetControlFlag", {3, "on"}, {}, {},
+             {"I SetControlFlagByHidl", "D SetControlFlag, flagID is 3, flag is on",
+              "D fi is null, IQxFactoryV1_1 not support!"},
+             "-9999"},
+    });
+    // clang-format on
+}
+
+TEST_F(TestDataTest, WhatIsWrittenIsReadBack) {
+    for (const Backend backend : {kAidl, kHidl}) {
+        LoadWith(backend, "factory");
+        EXPECT_EQ("null", java::Call("nativeReadNvValue", {8}));
+        java::Call("nativeWriteNvValue", {"nv", 8});
+        java::Call("nativeSetTestResult", {"result", 8});
+        java::Call("nativeSetControlFlag", {8, "flag"});
+        EXPECT_EQ("\"nv\"", java::Call("nativeReadNvValue", {8}));
+        EXPECT_EQ("\"nv\"", java::Call("nativeGetKvInfoFromOem", {8}));
+        EXPECT_EQ("\"result\"", java::Call("nativeGetTestResult", {8}));
+        EXPECT_EQ("\"flag\"", java::Call("nativeGetControlFlag", {8}));
+    }
+}
+
+// Java's texts are modified UTF-8 here: a character outside the first plane is a surrogate pair.
+TEST_F(TestDataTest, TextsSurviveBothWays) {
+    const std::string longText(65536, 'x');
+    const char* const texts[] = {"", "plain", "caf\xc3\xa9 \xe2\x82\xac",
+                                 "\xed\xa0\xbd\xed\xb8\x80!", longText.c_str()};
+    for (const Backend backend : {kAidl, kHidl}) {
+        LoadWith(backend, "factory");
+        for (const char* text : texts) {
+            SCOPED_TRACE(std::string(text).substr(0, 20));
+            EXPECT_EQ("0", java::Call("nativeWriteNvValue", {text, 1}));
+            EXPECT_EQ('"' + std::string(text) + '"', java::Call("nativeReadNvValue", {1}));
+        }
+        // A service speaks UTF-8 proper.
+        device.Script("readNv", {0, "\xf0\x9f\x98\x80!"});
+        EXPECT_EQ("\"\xed\xa0\xbd\xed\xb8\x80!\"", java::Call("nativeReadNvValue", {1}));
+    }
+}
+
+// HIDL carries Java's own bytes; AIDL's UTF-16 gives the service a zero, at which C ends a text.
+TEST_F(TestDataTest, EmbeddedZeroReachesTheService) {
+    LoadWith(kHidl, "factory");
+    java::Call("nativeWriteNvValue", {"a\xc0\x80z", 1});
+    EXPECT_EQ("\"a\xc0\x80z\"", java::Call("nativeReadNvValue", {1}));
+    LoadWith(kAidl, "factory");
+    java::Call("nativeWriteNvValue", {"a\xc0\x80z", 1});
+    EXPECT_EQ(
+            std::vector<std::string>{"aidl factory.writeNv(1, \"" + std::string("a\0z", 3) + "\")"},
+            device.TakeCalls());
+    EXPECT_EQ("\"a\"", java::Call("nativeReadNvValue", {1}));
+}
+
+}  // namespace
