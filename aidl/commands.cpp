@@ -1,16 +1,10 @@
 #include "aidl/services.h"
 #include "common/failure.h"
 #include "common/java_values.h"
+#include "common/service_constants.h"
 
 using vendor::zantor::hardware::qxfactoryinterface::IFacBoolStr;
 using vendor::zantor::hardware::qxfactoryinterface::IFacIntStr;
-
-namespace {
-
-constexpr int32_t kCommandCapacity = 2048;
-constexpr int32_t kWifiCapacity = 1024;
-
-}  // namespace
 
 jstring native_aidl::NativeSetCommand(JNIEnv* env, jobject, jstring first, jstring second) {
     const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");

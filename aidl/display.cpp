@@ -2,15 +2,10 @@
 #include "common/display_scenes.h"
 #include "common/failure.h"
 #include "common/java_values.h"
+#include "common/service_constants.h"
 
 using vendor::zantor::hardware::qxdisplay::DisplayOutInfo;
 using vendor::zantor::hardware::qxdisplay::displayfactory::DisplayFactoryOutInfo;
-
-namespace {
-
-constexpr int32_t kPanelTest = 2;  // the vendor service's own constant
-
-}  // namespace
 
 // intended: neither operation releases its scene text, and both log the same line.
 

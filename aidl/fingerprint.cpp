@@ -8,10 +8,10 @@
 #include "common/failure.h"
 #include "common/hex.h"
 #include "common/java_values.h"
+#include "common/service_constants.h"
 
 namespace {
 
-constexpr int32_t kSignatureNvId = 11;
 constexpr int32_t kAnySensor = -1;
 constexpr int32_t kNoUser = -1000;
 

@@ -4,15 +4,10 @@
 #include "common/bounds_checked.h"
 #include "common/failure.h"
 #include "common/java_values.h"
+#include "common/service_constants.h"
 
 using vendor::zantor::hardware::qxfactoryinterface::IFacIntStr;
 using vendor::zantor::hardware::qxfactoryinterface::IFacIntStrStr;
-
-namespace {
-
-constexpr int32_t kMaxReplySize = 1024;
-
-}  // namespace
 
 jstring native_aidl::SocTest(JNIEnv* env, jobject, jstring testScene, jstring para) {
     const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");

@@ -22,6 +22,7 @@
 #include <memory>
 
 #include "aidl/kalvorn_aidl_manager.h"
+#include "common/held.h"
 #include "common/log.h"
 
 namespace native_aidl {
@@ -70,17 +71,6 @@ extern std::shared_ptr<ISession> g_aidlFingerprintSession;
 extern std::shared_ptr<ISessionCallback> g_aidlFingerprintSessionCallback;
 
 extern sp<DeathNotifier> g_deathNotifier;
-
-/**
- * The service as an operation uses it: read once and held for the length of the call, so that a
- * death meanwhile cannot free it. Null, after the line, when it is absent.
- */
-template <typename Interface>
-sp<Interface> Held(const sp<Interface>& global, const char* nullText) {
-    sp<Interface> service = global;
-    if (service == nullptr) KV_LOGE("%s", nullText);
-    return service;
-}
 
 /** Callback of the fingerprint session's death recipient; the cookie is not looked at. */
 void ServiceDied(void* cookie);

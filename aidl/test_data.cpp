@@ -1,14 +1,9 @@
 #include "aidl/services.h"
 #include "common/failure.h"
 #include "common/java_values.h"
+#include "common/service_constants.h"
 
 using vendor::zantor::hardware::qxfactoryinterface::IFacIntStr;
-
-namespace {
-
-constexpr int32_t kMaxFlagSize = 1024;
-
-}  // namespace
 
 jstring native_aidl::GetTestResult(JNIEnv* env, jobject, int id) {
     const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");

@@ -1,13 +1,7 @@
 #include "common/failure.h"
 #include "common/java_values.h"
+#include "common/service_constants.h"
 #include "hidl/services.h"
-
-namespace {
-
-constexpr int32_t kCommandCapacity = 2048;
-constexpr int32_t kWifiCapacity = 1024;
-
-}  // namespace
 
 jstring native_hidl::NativeSetCommand(JNIEnv* env, jobject, jstring first, jstring second) {
     const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");

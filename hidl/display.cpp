@@ -1,16 +1,11 @@
 #include "common/display_scenes.h"
 #include "common/failure.h"
 #include "common/java_values.h"
+#include "common/service_constants.h"
 #include "hidl/services.h"
 
 using vendor::zantor::hardware::qxdisplay::displayfactory::V1_0::DISPLAY_FACT_RET;
 using vendor::zantor::hardware::qxdisplay::V1_0::DISPLAY_RET;
-
-namespace {
-
-constexpr int32_t kPanelTest = 2;  // the vendor service's own constant
-
-}  // namespace
 
 // intended: neither operation releases its scene text, both log the same line, and the service's
 // result code is taken but decides nothing.

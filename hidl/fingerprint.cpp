@@ -4,15 +4,10 @@
 #include "common/failure.h"
 #include "common/hex.h"
 #include "common/java_values.h"
+#include "common/service_constants.h"
 #include "hidl/services.h"
 
 using android::hardware::hidl_vec;
-
-namespace {
-
-constexpr int32_t kSignatureNvId = 11;
-
-}  // namespace
 
 // intended: every line at error priority, progress included, and "SendCmd" and "SetCmd" by turns.
 int native_hidl::SendCmdToFingerprintHal(JNIEnv* env, jobject, int cmd, jbyteArray rawData) {

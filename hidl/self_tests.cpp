@@ -3,13 +3,8 @@
 #include "common/bounds_checked.h"
 #include "common/failure.h"
 #include "common/java_values.h"
+#include "common/service_constants.h"
 #include "hidl/services.h"
-
-namespace {
-
-constexpr int32_t kMaxReplySize = 1024;
-
-}  // namespace
 
 jstring native_hidl::SocTest(JNIEnv* env, jobject, jstring testScene, jstring para) {
     const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");

@@ -17,6 +17,7 @@
 #include <vendor/zantor/hardware/tp/1.0/ITouchscreen.h>
 #include <vendor/zantor/hardware/ztchipsrv/1.0/IZtChipSrvInterface.h>
 
+#include "common/held.h"
 #include "common/log.h"
 #include "hidl/kalvorn_hidl_manager.h"
 #include "hidl/watcher.h"
@@ -56,17 +57,6 @@ extern sp<IExtBiometricsFingerprint> g_qxFingerprint;
 extern sp<IZtChipSrvInterface> g_ztChipSrvInterface;
 
 extern sp<android::HidlUtil> g_hidlUtil;
-
-/**
- * The service as an operation uses it: read once and held for the length of the call, so that a
- * death meanwhile cannot free it. Null, after the line, when it is absent.
- */
-template <typename Interface>
-sp<Interface> Held(const sp<Interface>& global, const char* nullText) {
-    sp<Interface> service = global;
-    if (service == nullptr) KV_LOGE("%s", nullText);
-    return service;
-}
 
 /** The service in its newer revision, asked for on every call; null when it is absent or older. */
 template <typename Newer, typename Interface>

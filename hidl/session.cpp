@@ -1,20 +1,8 @@
 #include "common/bounds_checked.h"
 #include "common/failure.h"
 #include "common/java_values.h"
+#include "common/service_constants.h"
 #include "hidl/services.h"
-
-namespace {
-
-// Items of the factory service's store; the length it is told is the item's, not the text's.
-constexpr int32_t kQrCodeInfo = 143;
-constexpr int32_t kTestItem = 204;
-constexpr int32_t kMainName = 10;
-constexpr int32_t kSubName = 11;
-constexpr int32_t kItemLength = 64;
-
-constexpr int kNoCycle = -100;
-
-}  // namespace
 
 // intended: "Kv" here, "KV" over AIDL, and the line comes before the service is looked at.
 int native_hidl::KvSetTestCycle(JNIEnv*, jobject, int stationId, int cycle) {

@@ -1,12 +1,7 @@
 #include "common/failure.h"
 #include "common/java_values.h"
+#include "common/service_constants.h"
 #include "hidl/services.h"
-
-namespace {
-
-constexpr int32_t kMaxFlagSize = 1024;
-
-}  // namespace
 
 jstring native_hidl::GetTestResult(JNIEnv* env, jobject, int id) {
     const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
