@@ -64,13 +64,6 @@ jstring ChipTtTestPdet(JNIEnv* env, jobject obj, jstring scene) {
     return native_aidl::ChipTtTestPdet(env, obj, scene);
 }
 
-// The table's fields are not const on every platform's jni.h.
-template <typename Function>
-JNINativeMethod Row(const char* javaName, const char* signature, Function* function) {
-    return {const_cast<char*>(javaName), const_cast<char*>(signature),
-            reinterpret_cast<void*>(function)};
-}
-
 #define TWO_BACKENDS(javaName, name, query, priority, signature)               \
     static_assert(descriptor::Fits(&native_aidl::name, signature), #javaName); \
     static_assert(descriptor::Fits(&native_hidl::name, signature), #javaName);
@@ -87,11 +80,14 @@ JNINativeMethod Row(const char* javaName, const char* signature, Function* funct
 
 }  // namespace
 
+// The fields are not const in every platform's jni.h.
+#define ROW(javaName, signature, function) \
+    {const_cast<char*>(#javaName), const_cast<char*>(signature), reinterpret_cast<void*>(function)},
 #define TWO_BACKENDS(javaName, name, query, priority, signature) \
-    Row(#javaName, signature, static_cast<decltype(&native_aidl::name)>(&name)),
-#define AIDL_ONLY(javaName, name, signature) Row(#javaName, signature, &name),
-#define LOCAL(javaName, name, signature) Row(#javaName, signature, &name),
-#define DEVIATING(javaName, name, signature) Row(#javaName, signature, &name),
+    ROW(javaName, signature, static_cast<decltype(&native_aidl::name)>(&name))
+#define AIDL_ONLY(javaName, name, signature) ROW(javaName, signature, &name)
+#define LOCAL(javaName, name, signature) ROW(javaName, signature, &name)
+#define DEVIATING(javaName, name, signature) ROW(javaName, signature, &name)
 const JNINativeMethod kMethods[] = {
 #include "jni/methods.inc"
 };

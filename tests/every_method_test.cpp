@@ -333,7 +333,7 @@ TEST_F(EveryMethodTest, HidlValueOfAFailedCallEndsTheProcess) {
     for (const auto& c : cases) {
         LoadWith(kHidl, c.service);
         device.Script(c.asks, Fault::kTransport);
-        EXPECT_DEATH(java::Call(c.method, c.args), "");
+        EXPECT_DEATH(java::Call(c.method, c.args), "value of a failed call");
     }
 }
 

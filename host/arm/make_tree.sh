@@ -26,20 +26,24 @@ mkdir -p build
 work=$(mktemp -d "$PWD/build/arm-tree.XXXXXX")
 trap 'rm -rf "$work"' EXIT
 
-# shellcheck disable=SC2016 # apt's own variables
+sudo=()
+[ "$(id -u)" = 0 ] || sudo=(sudo)
+
 # The mirror is this machine's; the release without its updates is enough to test against.
-apt-get indextargets --format 'deb $(REPO_URI) $(RELEASE) $(COMPONENT)' \
-    'Created-By: Packages' 'Label: Debian' 'Codename: bookworm' | sort -u >"$work/sources.list"
-if [ ! -s "$work/sources.list" ]; then
-    echo "make_tree: apt knows no mirror of Debian 12; run apt-get update as root" >&2
-    exit 1
+list_sources() {
+    # shellcheck disable=SC2016 # apt's own variables
+    apt-get indextargets --format 'deb $(REPO_URI) $(RELEASE) $(COMPONENT)' \
+        'Created-By: Packages' 'Label: Debian' 'Codename: bookworm' | sort -u >"$work/sources.list"
+    [ -s "$work/sources.list" ]
+}
+if ! list_sources; then
+    "${sudo[@]}" apt-get update >"$work/log" 2>&1 || { cat "$work/log" >&2; exit 1; }
+    list_sources || { echo "make_tree: apt knows no mirror of Debian 12" >&2; exit 1; }
 fi
 
 # By way of an archive, so that the files belong to whoever runs this. /dev and the like stay the
 # machine's own, also under emulation.
 mkdir "$work/tree"
-sudo=()
-[ "$(id -u)" = 0 ] || sudo=(sudo)
 if ! { "${sudo[@]}" mmdebstrap --verbose --variant=extract --architectures=armhf --format=tar \
            --include="$(IFS=,; echo "${packages[*]}")" bookworm - - <"$work/sources.list" |
        tar -C "$work/tree" -x --no-same-owner \
