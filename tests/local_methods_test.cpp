@@ -38,6 +38,7 @@ extern "C" int open(const char* path, int flags, ...) {
     if ((flags & (O_CREAT | __O_TMPFILE)) != 0) {
         va_list rest;
         va_start(rest, flags);
+        // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): started above
         mode = va_arg(rest, mode_t);
         va_end(rest);
     }
