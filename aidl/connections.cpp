@@ -1,3 +1,4 @@
+#include <binder/IInterface.h>
 #include <binder/IServiceManager.h>
 #include <utils/String16.h>
 

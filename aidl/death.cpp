@@ -16,7 +16,7 @@ void Release(sp<Interface>* global) {
 }
 
 // intended: the session is not closed and its callback not touched, and without a session the
-// interface is kept too, so that a later connector does not ask for a session again.
+// interface is kept too, with the effect that a later connector does not ask for one again.
 void ReleaseFingerprint() {
     const std::shared_ptr<ISession> session = g_aidlFingerprintSession;
     if (session == nullptr) return;

@@ -89,7 +89,7 @@ int native_aidl::GetVerifySignatureResult(JNIEnv* env, jobject, jbyteArray signa
         KV_LOGE("convertBinToString is failed");
         return kLocalFailure;
     }
-    int32_t ret = -9999;
+    int32_t ret = kServiceAbsent;
     factory->writeNv(kSignatureNvId, text, &ret);
     KV_LOGI("getVerifySignatureResult, ret: %d", ret);
     return ret;

@@ -14,7 +14,8 @@ namespace native_aidl {
 /**
  * Connectors. Each returns 1 when its service is held after the call, 0 when not. A declared
  * service is waited for; an undeclared one is given up at once. A service already held is kept and
- * not linked to death again.
+ * not linked to death again. intended: a fingerprint service that refused a session gives 0 first
+ * and 1 ever after, while its query stays false.
  */
 int InitFactoryInterface();
 int InitDisplayService();

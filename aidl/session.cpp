@@ -10,8 +10,9 @@
 
 namespace {
 
-std::vector<uint8_t> Bytes(const char* text, size_t length) {
-    return std::vector<uint8_t>(text, text + length);
+// The characters without their terminator.
+std::vector<uint8_t> Bytes(const char* text) {
+    return std::vector<uint8_t>(text, text + strlen(text));
 }
 
 }  // namespace
@@ -29,40 +30,40 @@ int native_aidl::KvSetTestCycle(JNIEnv*, jobject, int stationId, int cycle) {
         sprintf_s(qrcodeInfo + 2, sizeof(qrcodeInfo) - 2, "%02d", cycle);
         KV_LOGI("KVSetTestCycle, qrcodeInfo = %s\n", qrcodeInfo);
     }
-    factory->writeOemInfo(kQrCodeInfo, kItemLength,
-                          Bytes(qrcodeInfo, strnlen(qrcodeInfo, sizeof(qrcodeInfo))), &result);
+    factory->writeOemInfo(kQrCodeInfo, kItemLength, Bytes(qrcodeInfo), &result);
     KV_LOGI("KVSetTestCycle, result = %d\n", result);
     return result;
 }
 
 jintArray native_aidl::KvSetTestItemName(JNIEnv* env, jobject, jstring mainItemName,
                                          jstring subItemName) {
-    const char* mainName = GetText(env, mainItemName, "mainItemName");
-    const char* subName = nullptr;
-    if (mainName != nullptr) subName = GetText(env, subItemName, "subItemName");
-    const bool named = subName != nullptr;
-    if (named) {
-        KV_LOGI("KvSetTestItemName, mainItemName = %s, subItemName = %s\n", mainName, subName);
+    JavaText mainName, subName;
+    if (!mainName.Read(env, mainItemName, "mainItemName") ||
+        !subName.Read(env, subItemName, "subItemName")) {
+        return NewPair(env, kServiceAbsent);
     }
+    KV_LOGI("KvSetTestItemName, mainItemName = %s, subItemName = %s\n", mainName.c_str(),
+            subName.c_str());
     jintArray array = env->NewIntArray(2);
     jint* results = env->GetIntArrayElements(array, nullptr);
     results[0] = results[1] = -1;
-    sp<IQxFactoryInterface> factory;
-    if (named) factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
     if (factory == nullptr) {
         results[0] = results[1] = kServiceAbsent;
         // intended: nothing is released here; the commit only shows Java the elements
         env->ReleaseIntArrayElements(array, results, JNI_COMMIT);
+        mainName.Keep();
+        subName.Keep();
         return array;
     }
-    factory->writeOemSubInfo(kTestItem, kMainName, kItemLength, Bytes(mainName, strlen(mainName)),
+    // intended: lower-case in the results' lines, unlike HIDL
+    factory->writeOemSubInfo(kTestItem, kMainName, kItemLength, Bytes(mainName.c_str()),
                              &results[0]);
     KV_LOGI("kvSetTestItemName, main result = %d\n", results[0]);
-    factory->writeOemSubInfo(kTestItem, kSubName, kItemLength, Bytes(subName, strlen(subName)),
-                             &results[1]);
+    factory->writeOemSubInfo(kTestItem, kSubName, kItemLength, Bytes(subName.c_str()), &results[1]);
     KV_LOGI("kvSetTestItemName, sub result = %d\n", results[1]);
-    env->ReleaseStringUTFChars(mainItemName, mainName);
-    env->ReleaseStringUTFChars(subItemName, subName);
+    mainName.Release();
+    subName.Release();
     env->ReleaseIntArrayElements(array, results, 0);
     return array;
 }

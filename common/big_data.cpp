@@ -8,10 +8,6 @@ namespace {
 constexpr const char* kInt = "I";
 constexpr const char* kString = "Ljava/lang/String;";
 
-jfieldID Field(JNIEnv* env, jclass clazz, const char* name, const char* type) {
-    return env->GetFieldID(clazz, name, type);
-}
-
 jstring StringAt(JNIEnv* env, jobject object, jfieldID field) {
     return static_cast<jstring>(env->GetObjectField(object, field));
 }
@@ -24,12 +20,12 @@ bool ReadBigData(JNIEnv* env, jobject operation, BigDataOperation* record) {
         return false;
     }
     jclass clazz = env->FindClass("com/quorvin/kalvornii/BigDataOperation");
-    jfieldID version = Field(env, clazz, "version", kInt);
-    jfieldID commandId = Field(env, clazz, "commandId", kInt);
-    jfieldID operationId = Field(env, clazz, "operation", kInt);
-    jfieldID bsn = Field(env, clazz, "bsn", kString);
-    jfieldID station = Field(env, clazz, "station", kString);
-    jfieldID cycle = Field(env, clazz, "cycle", kInt);
+    jfieldID version = env->GetFieldID(clazz, "version", kInt);
+    jfieldID commandId = env->GetFieldID(clazz, "commandId", kInt);
+    jfieldID operationId = env->GetFieldID(clazz, "operation", kInt);
+    jfieldID bsn = env->GetFieldID(clazz, "bsn", kString);
+    jfieldID station = env->GetFieldID(clazz, "station", kString);
+    jfieldID cycle = env->GetFieldID(clazz, "cycle", kInt);
 
     record->version = env->GetIntField(operation, version);
     record->commandId = env->GetIntField(operation, commandId);
@@ -50,14 +46,14 @@ bool ReadBigData(JNIEnv* env, jobject value, BigDataValue* record) {
         return false;
     }
     jclass clazz = env->FindClass("com/quorvin/kalvornii/BigDataValue");
-    jfieldID version = Field(env, clazz, "version", kInt);
-    jfieldID dataSource = Field(env, clazz, "dataSource", kInt);
+    jfieldID version = env->GetFieldID(clazz, "version", kInt);
+    jfieldID dataSource = env->GetFieldID(clazz, "dataSource", kInt);
     record->version = env->GetIntField(value, version);
     record->dataSource = env->GetIntField(value, dataSource);
 
-    jfieldID errorCode = Field(env, clazz, "errorCode", kInt);
-    jfieldID itemId = Field(env, clazz, "itemId", kInt);
-    jfieldID cycle = Field(env, clazz, "cycle", kInt);
+    jfieldID errorCode = env->GetFieldID(clazz, "errorCode", kInt);
+    jfieldID itemId = env->GetFieldID(clazz, "itemId", kInt);
+    jfieldID cycle = env->GetFieldID(clazz, "cycle", kInt);
     struct {
         const char* name;
         const char** chars;
@@ -76,7 +72,8 @@ bool ReadBigData(JNIEnv* env, jobject value, BigDataValue* record) {
             {"firmware", &record->firmware, nullptr, nullptr},
             {"description", &record->description, nullptr, nullptr},
     };
-    for (auto& text : texts) text.field = Field(env, clazz, text.name, kString);
+    // All ids, then all objects, then all texts, each in this order.
+    for (auto& text : texts) text.field = env->GetFieldID(clazz, text.name, kString);
 
     record->errorCode = env->GetIntField(value, errorCode);
     record->itemId = env->GetIntField(value, itemId);

@@ -4,5 +4,8 @@
 constexpr int kServiceAbsent = -9999;
 constexpr const char* kInvalidService = "INVALID_SERVICE";
 
+// What a helper returns for arguments that cannot be.
+constexpr int kInvalidParameter = -9999;
+
 // What Java receives when something on this side of the service fails.
 constexpr int kLocalFailure = -1;

@@ -10,7 +10,7 @@ int ConvertBinToString(const char* bin, unsigned int numLen, char* str, unsigned
     // Half of strLen rather than twice numLen, which could wrap around.
     if (numLen > strLen / 2 || numLen == 0 || bin == nullptr || str == nullptr) {
         KV_LOGE("parameter is invalid, numLen: %u, strLen: %u", numLen, strLen);
-        return kServiceAbsent;
+        return kInvalidParameter;
     }
     for (size_t i = 0; i < numLen; i++) {
         const auto byte = static_cast<unsigned char>(bin[i]);

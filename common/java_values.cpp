@@ -1,16 +1,21 @@
 #include "common/java_values.h"
 
-#include <string.h>
-
 #include "common/bounds_checked.h"
 #include "common/log.h"
 
 namespace {
 
 constexpr unsigned char kFourByteLead = 0xf0;
+constexpr unsigned char kLastFourByteLead = 0xf4;
 
+bool IsContinuation(unsigned char byte) {
+    return (byte & 0xc0) == 0x80;
+}
+
+// Anything else that begins like one, in a text of another encoding, is left as it is.
 bool IsFourByteCharacter(const unsigned char* p) {
-    return p[0] >= kFourByteLead && p[1] != 0 && p[2] != 0 && p[3] != 0;
+    return p[0] >= kFourByteLead && p[0] <= kLastFourByteLead && IsContinuation(p[1]) &&
+           IsContinuation(p[2]) && IsContinuation(p[3]);
 }
 
 bool HasFourByteCharacter(const char* text) {
@@ -70,6 +75,13 @@ void JavaText::Release() {
 jstring NewText(JNIEnv* env, const char* text) {
     if (!HasFourByteCharacter(text)) return env->NewStringUTF(text);
     return env->NewStringUTF(ToModifiedUtf8(text).c_str());
+}
+
+jintArray NewPair(JNIEnv* env, jint value) {
+    const jint values[] = {value, value};
+    jintArray array = env->NewIntArray(2);
+    if (array != nullptr) env->SetIntArrayRegion(array, 0, 2, values);
+    return array;
 }
 
 void SetStaticText(JNIEnv* env, const char* field, const char* text) {

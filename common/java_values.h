@@ -9,9 +9,9 @@
 constexpr const char* kKvNativeInterface = "com/quorvin/kalvornii/KvNativeInterface";
 
 /**
- * Modified UTF-8 of a Java string, as GetStringUTFChars gives it; the caller owns the characters.
- * A null string logs "<name> is null" and yields null: the operation then calls no service and
- * returns what it returns when its service is absent.
+ * Modified UTF-8 of a Java string, to be given back with ReleaseStringUTFChars. A null string, and
+ * one for which there is no memory (its exception is cleared), logs "<name> is null" and yields
+ * null: the operation then calls no service and returns what it returns when its service is absent.
  */
 const char* GetText(JNIEnv* env, jstring text, const char* name);
 
@@ -36,6 +36,9 @@ class JavaText {
     /** Releases the characters early; c_str() is null from then on. */
     void Release();
 
+    /** Never releases the characters: for the operations that keep them on purpose. */
+    void Keep() { chars_ = nullptr; }
+
     const char* c_str() const { return chars_; }
 
   private:
@@ -53,7 +56,10 @@ inline jstring NewText(JNIEnv* env, const std::string& text) {
     return NewText(env, text.c_str());
 }
 
-/** Stores a new Java string in a static String field of KvNativeInterface, looked up anew. */
+/** A new Java array of two elements of this value. */
+jintArray NewPair(JNIEnv* env, jint value);
+
+/** Stores a new Java string in a static String field of KvNativeInterface, which must exist. */
 void SetStaticText(JNIEnv* env, const char* field, const char* text);
 
 /**

@@ -14,7 +14,7 @@ void Release(sp<Interface>* global) {
 
 }  // namespace
 
-// Whichever service died, all are released; the next registration brings back those that are up.
+// Whichever service died, all are released; the next registration connects them again.
 void ProcessServiceDied(uint64_t cookie,
                         const android::wp<android::hidl::base::V1_0::IBase>& /* who */) {
     KV_LOGW("enter into ProcessServiceDied, cookie is:%llu",

@@ -15,7 +15,7 @@ jstring native_hidl::DisplayTest(JNIEnv* env, jobject, jstring scene) {
     if (display == nullptr) return NewText(env, kInvalidService);
     const char* text = GetText(env, scene, "scene");
     if (text == nullptr) return NewText(env, kInvalidService);
-    int32_t result = -7;
+    [[maybe_unused]] int32_t result = -7;
     hidl_string answer;
     const int number = DisplayTestScene(text, 18);  // intended: 20 over AIDL
     KV_LOGE("DisplayTest scene = %d\n", number);
@@ -32,7 +32,7 @@ jstring native_hidl::DisplayGeneralTest(JNIEnv* env, jobject, jstring scene) {
     if (display == nullptr) return NewText(env, kInvalidService);
     const char* text = GetText(env, scene, "scene");
     if (text == nullptr) return NewText(env, kInvalidService);
-    int32_t result = 0;
+    [[maybe_unused]] int32_t result = 0;
     hidl_string answer;
     const int number = DisplayGeneralTestScene(text, 40);
     KV_LOGE("DisplayTest scene = %d\n", number);

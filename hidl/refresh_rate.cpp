@@ -30,7 +30,7 @@ int native_hidl::GetHertzTestResult(JNIEnv*, jobject) {
 
 // intended: HIDL switches the rate to the given index first and then reads without an argument.
 jstring native_hidl::GetScreenFpsConfigByScenes(JNIEnv* env, jobject, int scene) {
-    const auto display = Newest<IDisplayV1_1>(g_displayService);
+    const auto display = CastTo<IDisplayV1_1>(g_displayService);
     if (display == nullptr) {
         KV_LOGE("displayServiceNewVer is null, not support multi fps");
         return NewText(env, kInvalidService);
@@ -52,7 +52,7 @@ jstring native_hidl::GetScreenFpsConfigByScenes(JNIEnv* env, jobject, int scene)
 }
 
 int native_hidl::SetScreenFps(JNIEnv*, jobject, int freqIndex) {
-    const auto display = Newest<IDisplayV1_1>(g_displayService);
+    const auto display = CastTo<IDisplayV1_1>(g_displayService);
     if (display == nullptr) {
         KV_LOGE("displayServiceNewVer is null, not support multi fps");
         return kServiceAbsent;

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <hidl/HidlSupport.h>
 #include <hidl/Status.h>
 #include <string.h>
+#include <utils/RefBase.h>
 #include <utils/StrongPointer.h>
 #include <vendor/zantor/hardware/biometrics/fingerprint/2.2/IExtBiometricsFingerprint.h>
 #include <vendor/zantor/hardware/camera/factory/1.0/ICameraFactory.h>
@@ -58,9 +60,9 @@ extern sp<IZtChipSrvInterface> g_ztChipSrvInterface;
 
 extern sp<android::HidlUtil> g_hidlUtil;
 
-/** The service in its newer revision, asked for on every call; null when it is absent or older. */
+/** The service in a newer revision, asked for on every call; null when it is absent or older. */
 template <typename Newer, typename Interface>
-sp<Newer> Newest(const sp<Interface>& global) {
+sp<Newer> CastTo(const sp<Interface>& global) {
     return Newer::castFrom(sp<Interface>(global));
 }
 
@@ -88,7 +90,8 @@ inline hidl_string Borrow(const char* chars) {
     return text;
 }
 
-/** The watcher's callbacks: a death releases every service, a new registration reconnects them. */
+/** The watcher's callbacks: a death releases every service, a new registration reconnects them,
+ * waiting for each that is declared. */
 void ProcessServiceDied(uint64_t cookie, const android::wp<android::hidl::base::V1_0::IBase>& who);
 void ReinitHal(const hidl_string& fqName, const hidl_string& name, bool preexisting);
 

@@ -7,7 +7,7 @@
 // intended: "Kv" here, "KV" over AIDL, and the line comes before the service is looked at.
 int native_hidl::KvSetTestCycle(JNIEnv*, jobject, int stationId, int cycle) {
     KV_LOGD("KvSetTestCycle, stationID = %d cycle = %d\n", stationId, cycle);
-    const auto fi = Newest<IQxFactoryInterfaceV1_1>(g_qxFactoryInterface);
+    const auto fi = CastTo<IQxFactoryInterfaceV1_1>(g_qxFactoryInterface);
     if (fi == nullptr) {
         KV_LOGD("KvSetTestCycle, fi is null, IQxFactoryV1_1 not support!");
         return kServiceAbsent;
@@ -27,35 +27,32 @@ int native_hidl::KvSetTestCycle(JNIEnv*, jobject, int stationId, int cycle) {
 
 jintArray native_hidl::KvSetTestItemName(JNIEnv* env, jobject, jstring mainItemName,
                                          jstring subItemName) {
-    const char* mainName = GetText(env, mainItemName, "mainItemName");
-    const char* subName = nullptr;
-    if (mainName != nullptr) subName = GetText(env, subItemName, "subItemName");
-    const bool named = subName != nullptr;
-    if (named) {
-        KV_LOGD("KvSetTestItemName, mainItemName = %s, subItemName = %s\n", mainName, subName);
+    JavaText mainName, subName;
+    if (!mainName.Read(env, mainItemName, "mainItemName") ||
+        !subName.Read(env, subItemName, "subItemName")) {
+        return NewPair(env, kServiceAbsent);
     }
+    KV_LOGD("KvSetTestItemName, mainItemName = %s, subItemName = %s\n", mainName.c_str(),
+            subName.c_str());
     jintArray array = env->NewIntArray(2);
     jint* results = env->GetIntArrayElements(array, nullptr);
     results[0] = results[1] = -1;
-    sp<IQxFactoryInterfaceV1_1> fi;
-    if (named) {
-        fi = Newest<IQxFactoryInterfaceV1_1>(g_qxFactoryInterface);
-        if (fi == nullptr) {
-            KV_LOGD("KvSetTestItemName, fi is null, IQxFactoryV1_1 not support!");
-        }
-    }
+    const auto fi = CastTo<IQxFactoryInterfaceV1_1>(g_qxFactoryInterface);
     if (fi == nullptr) {
+        KV_LOGD("KvSetTestItemName, fi is null, IQxFactoryV1_1 not support!");
         results[0] = results[1] = kServiceAbsent;
         // intended: nothing is released here; the commit only shows Java the elements
         env->ReleaseIntArrayElements(array, results, JNI_COMMIT);
+        mainName.Keep();
+        subName.Keep();
         return array;
     }
-    results[0] = fi->writeOemSubInfo(kTestItem, kMainName, kItemLength, Borrow(mainName));
+    results[0] = fi->writeOemSubInfo(kTestItem, kMainName, kItemLength, Borrow(mainName.c_str()));
     KV_LOGD("KvSetTestItemName, main result = %d\n", results[0]);
-    results[1] = fi->writeOemSubInfo(kTestItem, kSubName, kItemLength, Borrow(subName));
+    results[1] = fi->writeOemSubInfo(kTestItem, kSubName, kItemLength, Borrow(subName.c_str()));
     KV_LOGD("KvSetTestItemName, sub result = %d\n", results[1]);
-    env->ReleaseStringUTFChars(mainItemName, mainName);
-    env->ReleaseStringUTFChars(subItemName, subName);
+    mainName.Release();
+    subName.Release();
     env->ReleaseIntArrayElements(array, results, 0);
     return array;
 }
@@ -70,7 +67,7 @@ int native_hidl::SetEndTimeOfAgeing(JNIEnv*, jobject) {
 }
 
 int native_hidl::GetManufactureMode(JNIEnv*, jobject) {
-    const auto fi = Newest<IQxFactoryInterfaceV1_1>(g_qxFactoryInterface);
+    const auto fi = CastTo<IQxFactoryInterfaceV1_1>(g_qxFactoryInterface);
     if (fi == nullptr) {
         KV_LOGE("GetManufactureMode, fi is null, IQxFactoryV1_1 not support!");
         return kServiceAbsent;

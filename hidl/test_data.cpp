@@ -87,7 +87,7 @@ int native_hidl::SetKvInfoToOem(JNIEnv* env, jobject, int nvId, jstring value) {
 
 jstring native_hidl::GetControlFlag(JNIEnv* env, jobject, int flagId) {
     KV_LOGD("GetControlFlag, flagID is %d", flagId);
-    const auto fi = Newest<IQxFactoryInterfaceV1_1>(g_qxFactoryInterface);
+    const auto fi = CastTo<IQxFactoryInterfaceV1_1>(g_qxFactoryInterface);
     if (fi == nullptr) {
         KV_LOGD("fi is null, IQxFactoryV1_1 not support!");
         return NewText(env, kInvalidService);
@@ -104,7 +104,7 @@ int native_hidl::SetControlFlag(JNIEnv* env, jobject, int flagId, jstring flag) 
     JavaText text;
     if (!text.Read(env, flag, "flag")) return kServiceAbsent;
     KV_LOGD("SetControlFlag, flagID is %d, flag is %s", flagId, text.c_str());
-    const auto fi = Newest<IQxFactoryInterfaceV1_1>(g_qxFactoryInterface);
+    const auto fi = CastTo<IQxFactoryInterfaceV1_1>(g_qxFactoryInterface);
     if (fi == nullptr) {
         KV_LOGD("fi is null, IQxFactoryV1_1 not support!");
         return kServiceAbsent;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <jni.h>
+#include <stddef.h>
 
 #include <string_view>
 

@@ -2,6 +2,8 @@
 
 #include <jni.h>
 
-/** One row of the table for RegisterNatives; the order is the Java class's own. */
 constexpr int kMethodCount = 65;
+
+/** The table for RegisterNatives, in the order of the Java class; it lives as long as the library.
+ */
 extern const JNINativeMethod kMethods[kMethodCount];

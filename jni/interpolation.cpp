@@ -6,15 +6,15 @@
 
 namespace {
 
-// Immediate binding is 2 to the vendor library's loader on every target; RTLD_NOW is not used, for
-// it is 0 on 32-bit Android.
-constexpr int kBindImmediately = 2;
+// The fixed value 2, which RTLD_NOW does not give everywhere: it is 2 with glibc and on 64-bit
+// Android, but 0 on 32-bit Android, where 2 is RTLD_GLOBAL. Either way symbols are bound at once.
+constexpr int kLoadFlags = 2;
 
 void* InterpolationLibraryHandle = nullptr;
 
 bool LoadLibrary() {
     if (InterpolationLibraryHandle != nullptr) return true;
-    InterpolationLibraryHandle = dlopen("libpixelworksFactoryTest.so", kBindImmediately);
+    InterpolationLibraryHandle = dlopen("libpixelworksFactoryTest.so", kLoadFlags);
     if (InterpolationLibraryHandle != nullptr) return true;
     KV_LOGE("failed to load libpixelworksFactoryTest.so: %s", dlerror());
     return false;

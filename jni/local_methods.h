@@ -15,6 +15,9 @@ jint GetInperpolateFrameCurMode();
 jint GetInperpolateFrameTestResult();
 jint RecoverFreshRate();
 
+/** The virtual machine of the last SendCommandMcu; nothing here reads it. */
+extern JavaVM* g_javaVm;
+
 /** Notes the virtual machine and logs its arguments; no command is sent. Returns 0. */
 jint SendCommandMcu(JNIEnv* env, jobject obj, jint first, jint second, jbyteArray data);
 

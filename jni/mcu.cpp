@@ -1,7 +1,7 @@
 #include "common/log.h"
 #include "jni/local_methods.h"
 
-JavaVM* g_javaVm = nullptr;  // kept for the MCU channel; nothing here reads it
+JavaVM* g_javaVm = nullptr;
 
 jint SendCommandMcu(JNIEnv* env, jobject, jint first, jint second, jbyteArray data) {
     env->GetJavaVM(&g_javaVm);

