@@ -1,22 +1,23 @@
 #include <string.h>
 
 #include "common/hex.h"
+#include "common/java_values.h"
 #include "harness.h"
 #include "jni/descriptor.h"
 
 namespace {
 
-class HexTest : public LibraryTest {};
+class CommonTest : public LibraryTest {};
 
-TEST_F(HexTest, WritesTwoDigitsAByteAndNothingElse) {
-    const char bytes[] = {0x00, 0x0f, '\xa5', '\xff'};
-    char text[] = "----------";
-    EXPECT_EQ(0, ConvertBinToString(bytes, 4, text, 8));
-    EXPECT_STREQ("000fa5ff--", text);
+TEST_F(CommonTest, WritesTwoDigitsAByteAndNothingElse) {
+    const char bytes[] = "\x01\x23\x45\x67\x89\xab\xcd\xef";
+    char text[] = "------------------";
+    EXPECT_EQ(0, ConvertBinToString(bytes, 8, text, 16));
+    EXPECT_STREQ("0123456789abcdef--", text);
     EXPECT_EQ(std::vector<std::string>{}, TakeLog());
 }
 
-TEST_F(HexTest, RefusesWhatDoesNotFit) {
+TEST_F(CommonTest, RefusesWhatDoesNotFit) {
     char byte = 'x';
     char text[] = "--";
     const struct {
@@ -38,6 +39,21 @@ TEST_F(HexTest, RefusesWhatDoesNotFit) {
         EXPECT_EQ(std::vector<std::string>{c.line}, TakeLog());
         EXPECT_STREQ("--", text);
     }
+}
+
+// Java's texts have no four-byte characters, and a text may end in the middle of one.
+TEST_F(CommonTest, FourByteCharactersBecomeSurrogatePairs) {
+    const struct {
+        const char* utf8;
+        const char* shown;
+    } cases[] = {
+            {"\xf0\xa0\x80\x80", "\"\xed\xa1\x80\xed\xb0\x80\""},
+            {"\xf4\x8f\xbf\xbf", "\"\xed\xaf\xbf\xed\xbf\xbf\""},
+            {"\xf0\0\x80\x80", "\"\xc3\xb0\""},
+            {"\xf0\x9f\0\x80", "\"\xc3\xb0\""},
+            {"\xf0\x9f\x98\0", "\"\xc3\xb0\""},
+    };
+    for (const auto& c : cases) EXPECT_EQ(c.shown, java::Show(NewText(java::Env(), c.utf8)));
 }
 
 // The table's rows are checked when it is compiled; here, that the check can say no.

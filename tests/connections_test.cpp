@@ -1,3 +1,5 @@
+#include <binder/IServiceManager.h>
+
 #include <chrono>
 #include <thread>
 
@@ -144,8 +146,10 @@ TEST_F(ConnectionsTest, ARefusedDeathLinkGoesUnnoticed) {
         device.Reset();
         device.Start(backend, "light");
         device.At(backend, "light").RefuseDeathLinks();
+        if (backend == kAidl) device.Start(kHidl, "light");  // connected: no fallback to it
         Load();
-        EXPECT_EQ(0u, device.DeathLinks(backend, "light"));
+        EXPECT_EQ(0u, device.DeathLinks(kHidl, "light"));
+        EXPECT_EQ(0u, device.DeathLinks(kAidl, "light"));
         device.Script("set_led_alwayson_status", {4});
         EXPECT_EQ("4", java::Call("nativeSetLedAlwaysOnStatus", {1, 2}));
     }
@@ -178,6 +182,10 @@ TEST_F(ConnectionsTest, UnloadReleasesEveryServiceAndLoadTakesThemAgain) {
         SCOPED_TRACE(profile);
         device.Reset();
         LoadWithProfile(profile);
+        // As calls under way would: what they hold is unlinked all the same.
+        const auto light = native_aidl::g_aidlLight;
+        const auto interface = native_aidl::g_aidlFingerprint;
+        const auto session = native_aidl::g_aidlFingerprintSession;
         Unload();
         EXPECT_EQ((Lines{"I JNI_onUnLoad", "E ExitKvNativeManager", "I ExitKvManager by aidl",
                          "D ExitKvManager by hidl"}),
@@ -190,8 +198,8 @@ TEST_F(ConnectionsTest, UnloadReleasesEveryServiceAndLoadTakesThemAgain) {
         EXPECT_EQ(LoadLines(device), WithoutReinit(TakeLog()));
         Unload();
         device.Reset();
-        EXPECT_EQ(0, Device::LiveServices());
     }
+    EXPECT_EQ(0, Device::LiveServices());
 }
 
 // A partial connection keeps the interface over a teardown and never asks for a session again.
@@ -211,9 +219,29 @@ TEST_F(ConnectionsTest, ARefusedSessionIsNotAskedForAgain) {
         EXPECT_EQ(1, native_aidl::InitFingerprintService());
         native_aidl::ExitKvManager();
         EXPECT_NE(nullptr, native_aidl::g_aidlFingerprint);
+        Load();  // the kept interface counts as connected: no fallback
+        EXPECT_EQ(0u, device.DeathLinks(kHidl, "fingerprint"));
         EXPECT_EQ(Lines{}, device.TakeCalls());
     }
     native_aidl::g_aidlFingerprint.reset();
+}
+
+TEST_F(ConnectionsTest, AFingerprintServiceThatNeverComes) {
+    device.At(kAidl, "fingerprint").Declare();
+    std::thread loader([] { EXPECT_EQ(0, native_aidl::InitFingerprintService()); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    device.At(kAidl, "fingerprint").Undeclare();
+    loader.join();
+    EXPECT_EQ("E Could not connect to declared sensors AIDL HAL", TakeLastLine());
+}
+
+TEST_F(ConnectionsTest, AForeignServiceUnderTheFingerprintsName) {
+    const std::string name = std::string(native_aidl::IFingerprint::descriptor) + "/default";
+    device.At(kAidl, "fingerprint").Declare();
+    android::defaultServiceManager()->addService(android::String16(name.c_str()),
+                                                 new android::BBinder);
+    EXPECT_EQ(0, native_aidl::InitFingerprintService());
+    EXPECT_EQ("E g_aidlFingerprintSession is null", TakeLastLine());
 }
 
 // Instances of a virtual machine that fail at one step.
@@ -225,9 +253,9 @@ jint GetEnvGivesNull(JavaVM*, void** env, jint) {
     return JNI_OK;
 }
 JNIEnv_ g_env;
-jint GetEnvGivesFake(JavaVM*, void** env, jint) {
+jint GetEnvGivesFake(JavaVM*, void** env, jint version) {
     *env = &g_env;
-    return JNI_OK;
+    return version == JNI_VERSION_1_4 ? JNI_OK : JNI_EVERSION;
 }
 
 TEST_F(ConnectionsTest, FailuresOfTheVirtualMachineRefuseTheLibrary) {

@@ -1,3 +1,5 @@
+#include <hidl/hidl_host.h>
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -124,6 +126,98 @@ TEST_F(DeathTest, AServiceThatIsGoneForGoodStaysReleased) {
     EXPECT_EQ("-9999", java::Call("nativeSetPowerState", {"a", "b"}));
     EXPECT_EQ(8u, LinksOf(kAidl));
     EXPECT_EQ(3u, LinksOf(kHidl));
+}
+
+TEST_F(DeathTest, ARestartNeverFallsBack) {
+    for (size_t i = 0; i < 11; i++) {
+        const std::string& dying = Device::Services()[i];
+        SCOPED_TRACE(dying);
+        Unload();
+        device.Reset();
+        ASSERT_TRUE(device.StartProfile("hidl"));
+        LoadWithProfile("aidl");
+        device.At(kAidl, dying).Undeclare();
+        device.At(kAidl, dying).Kill();
+        ASSERT_TRUE(Device::Settle());
+        EXPECT_EQ(12u, LinksOf(kAidl));
+        EXPECT_EQ(0u, LinksOf(kHidl));
+    }
+}
+
+TEST_F(DeathTest, ACallKeepsItsServiceOverATeardown) {
+    LoadWith(kHidl, "light");
+    int alive = -1;
+    device.OnCall([&] {
+        device.At(kHidl, "light").Undeclare();
+        device.At(kHidl, "light").Kill();
+        native_hidl::ExitKvManager();
+        alive = Device::LiveServices();
+    });
+    EXPECT_EQ("0", java::Call("nativeSetLedAlwaysOnStatus", {1, 2}));
+    EXPECT_EQ(1, alive);
+}
+
+TEST_F(DeathTest, EveryConnectionRegistersAnew) {
+    const std::string light = "vendor.zantor.hardware.light@2.0::ILight";
+    LoadWith(kHidl, "light");
+    EXPECT_EQ(1u, kalvorn::host::HidlNotificationCount(light));
+    native_hidl::ExitKvManager();
+    native_hidl::InitLight();
+    EXPECT_EQ(2u, kalvorn::host::HidlNotificationCount(light));
+}
+
+TEST_F(DeathTest, TheWatcherHearsOfEveryInstanceAndStays) {
+    const std::string line =
+            "W enter into ReinitHal, fqName:vendor.zantor.hardware.light@2.0::ILight, name:";
+    const auto logged = [&](const char* rest) {
+        const Lines log = TakeLog();
+        return std::find(log.begin(), log.end(), line + rest) != log.end();
+    };
+    device.Start(kHidl, "light");
+    Load();
+    ASSERT_TRUE(Device::Settle());
+    EXPECT_TRUE(logged("default, preexisting:1"));
+    const auto* watcher = native_hidl::g_hidlUtil.get();
+    ASSERT_EQ(android::OK, native_hidl::g_light->registerAsService("other"));
+    ASSERT_TRUE(Device::Settle());
+    EXPECT_TRUE(logged("other, preexisting:0"));
+    Unload();
+    EXPECT_EQ(watcher, native_hidl::g_hidlUtil.get());
+}
+
+TEST_F(DeathTest, ARegistrationConnectsWhatAidlHoldsToo) {
+    device.Start(kHidl, "factory");
+    LoadWithProfile("mixed");
+    native_hidl::ReinitHal("some.other@1.0::IThing", "slot", false);
+    EXPECT_EQ(1u, device.DeathLinks(kHidl, "factory"));
+}
+
+TEST_F(DeathTest, ASessionIsHeldForTheCall) {
+    LoadWith(kAidl, "fingerprint");
+    const std::weak_ptr<native_aidl::ISession> session = native_aidl::g_aidlFingerprintSession;
+    bool held = false;
+    device.OnCall([&] {
+        native_aidl::ExitKvManager();
+        held = !session.expired();
+    });
+    EXPECT_EQ("0", java::Call("sendCmdToFingerprintHalNative", {1, nullptr}));
+    EXPECT_TRUE(held);
+}
+
+TEST_F(DeathTest, ARegistrationConnectsInOrder) {
+    LoadWithProfile("hidl");
+    native_hidl::ExitKvManager();
+    TakeLog();
+    native_hidl::ReinitHal("some.other@1.0::IThing", "slot", false);
+    Lines starts = TakeLog();
+    const auto isNoStart = [](const std::string& line) { return line.rfind("D Init", 0) != 0; };
+    starts.erase(std::remove_if(starts.begin(), starts.end(), isNoStart), starts.end());
+    EXPECT_EQ((Lines{"D InitHidlFactoryInterface", "D InitHidlDisplayService",
+                     "D InitHidlTouchScreen", "D InitHidlSensors", "D InitHidlPower",
+                     "D InitHidlLight", "D InitHidlCameraFactory", "D InitHidlRadioEnhance",
+                     "D InitHidlDisplayFactory", "D InitHidlFingerprintService",
+                     "D InitHidlChipSrvInterface"}),
+              starts);
 }
 
 // A death that the fingerprint side sees: its session's link carries the session as the cookie.

@@ -5,6 +5,7 @@
 
 #include "aidl/kalvorn_aidl_manager.h"
 #include "harness.h"
+#include "hidl/kalvorn_hidl_manager.h"
 #include "jni/dispatch.h"
 
 namespace {
@@ -248,6 +249,13 @@ TEST_F(EveryMethodTest, WithoutItsServiceBehindTheDispatch) {
         SCOPED_TRACE(row.method);
         EXPECT_EQ(row.absent, row.aidl(row.args));
         EXPECT_EQ(Split(row.aidlAbsentLine), TakeLog());
+        if (row.method == std::string("nativeSetTestItemName")) continue;  // reads its texts first
+        Args nulls = row.args;
+        for (java::Arg& arg : nulls) {
+            if (!std::holds_alternative<int>(arg)) arg = nullptr;
+        }
+        EXPECT_EQ(row.absent, row.aidl(nulls));
+        EXPECT_EQ(Split(row.aidlAbsentLine), TakeLog());
     }
     java::Env()->PopLocalFrame(nullptr);
 }
@@ -265,29 +273,63 @@ TEST_F(EveryMethodTest, WithANullArgument) {
                 Args args = row.args;
                 args[position] = allNull[position] = nullptr;
                 position++;
+                const java::CountJniUse count;
                 EXPECT_EQ(row.absent, java::Call(row.method, args));
+                EXPECT_EQ(count.use().textsTaken, count.use().textsReleased);
                 ExpectNothingAsked(name.c_str());
-                EXPECT_EQ("E " + name + " is null", TakeLog().back());
+                EXPECT_EQ("E " + name + " is null", TakeLastLine());
             }
             if (names.size() < 2) continue;
             java::Call(row.method, allNull);
-            EXPECT_EQ("E " + names[0] + " is null", TakeLog().back());
+            EXPECT_EQ("E " + names[0] + " is null", TakeLastLine());
         }
     }
 }
 
-TEST_F(EveryMethodTest, BigDataWithANullField) {
-    for (const java::Object* object : {&kOperation, &kValue}) {
-        const bool isValue = object == &kValue;
-        const char* method = isValue ? "nativeSendBigDataValue" : "nativeSendBigDataOperation";
+TEST_F(EveryMethodTest, WithoutMemoryForAnArgument) {
+    for (const Row& row : kRows) {
+        const bool isBytes =
+                !row.args.empty() && std::holds_alternative<java::Bytes>(row.args.back());
+        if (*row.names == '\0' && !isBytes) continue;
+        for (const Backend backend : BackendsOf(row)) {
+            LoadWith(backend, row.service);
+            SCOPED_TRACE(Trace(backend, row));
+            const java::RefuseNextCopy refusal;
+            EXPECT_EQ(row.absent, java::Call(row.method, row.args));
+            ExpectNothingAsked(row.method);
+            const std::string last = TakeLastLine();
+            if (row.service == std::string("fingerprint")) {
+                EXPECT_EQ("E SendCmdToFingerprintHal fail, rawDataArray is null", last);
+            } else if (!isBytes) {
+                EXPECT_EQ(" is null", last.substr(last.size() - 8));
+            }
+        }
+    }
+}
+
+// The first null field, in the order in which they are read, is logged alone.
+TEST_F(EveryMethodTest, BigDataWithNullFields) {
+    const struct {
+        const char* method;
+        const java::Object* object;
+        Lines names;
+    } cases[] = {
+            {"nativeSendBigDataOperation", &kOperation, {"station", "bsn"}},
+            {"nativeSendBigDataValue",
+             &kValue,
+             {"deviceName", "station", "testName", "bsn", "value", "minThreshold", "maxThreshold",
+              "result", "time", "firmware", "description"}},
+    };
+    for (const auto& c : cases) {
         for (const Backend backend : {kAidl, kHidl}) {
             LoadWith(backend, "factory");
-            for (const auto& [name, text] : object->fields) {
-                java::Object broken = *object;
-                broken.fields[name] = static_cast<const char*>(nullptr);
-                EXPECT_EQ("-9999", java::Call(method, {broken}));
-                ExpectNothingAsked(name.c_str());
-                EXPECT_EQ("E " + name + " is null", TakeLog().back());
+            java::Object broken = *c.object;
+            for (auto name = c.names.rbegin(); name != c.names.rend(); ++name) {
+                broken.fields[*name] = static_cast<const char*>(nullptr);
+                EXPECT_EQ("-9999", java::Call(c.method, {broken}));
+                ExpectNothingAsked(name->c_str());
+                EXPECT_EQ(2, LinesLogged());
+                EXPECT_EQ("E " + *name + " is null", TakeLastLine());
             }
         }
     }
@@ -372,12 +414,14 @@ TEST_F(EveryMethodTest, LogsInStepWithItsCall) {
 
 // intended: without its service the item names and the array's elements are kept.
 TEST_F(EveryMethodTest, ItemNamesOfNoServiceAreKept) {
-    const java::CountJniUse count;
-    EXPECT_EQ("{-9999, -9999}", java::Call("nativeSetTestItemName", {"m", "s"}));
-    EXPECT_EQ(2, count.use().textsTaken - count.use().textsReleased);
-    EXPECT_EQ(1, count.use().intsTaken);
-    EXPECT_EQ(1, count.use().intsCommitted);
-    EXPECT_EQ(0, count.use().intsReleased);
+    for (auto* operation : {native_aidl::KvSetTestItemName, native_hidl::KvSetTestItemName}) {
+        const java::CountJniUse count;
+        operation(java::Env(), nullptr, java::String("m"), java::String("s"));
+        EXPECT_EQ(2, count.use().textsTaken - count.use().textsReleased);
+        EXPECT_EQ(1, count.use().intsTaken);
+        EXPECT_EQ(1, count.use().intsCommitted);
+        EXPECT_EQ(0, count.use().intsReleased);
+    }
 }
 
 // The dispatch asks the right service: with one service alone on AIDL, exactly its methods go

@@ -199,7 +199,7 @@ CountJniUse::CountJniUse() {
     };
     g_counting.ReleaseByteArrayElements = [](JNIEnv* env, jbyteArray array, jbyte* elements,
                                              jint mode) {
-        g_use.bytesReleased++;
+        if (mode != JNI_COMMIT) g_use.bytesReleased++;
         g_functions->ReleaseByteArrayElements(env, array, elements, mode);
     };
     g_counting.GetIntArrayElements = [](JNIEnv* env, jintArray array, jboolean* isCopy) {
@@ -212,6 +212,26 @@ CountJniUse::CountJniUse() {
         g_functions->ReleaseIntArrayElements(env, array, elements, mode);
     };
     Env()->functions = &g_counting;
+}
+
+namespace {
+
+void Refuse(JNIEnv* env) {
+    env->functions = g_functions;
+    env->ThrowNew(env->FindClass("java/lang/OutOfMemoryError"), "no copy");
+}
+
+}  // namespace
+
+RefuseNextCopy::RefuseNextCopy() {
+    g_counting.GetStringUTFChars = [](JNIEnv* env, jstring, jboolean*) -> const char* {
+        Refuse(env);
+        return nullptr;
+    };
+    g_counting.GetByteArrayElements = [](JNIEnv* env, jbyteArray, jboolean*) -> jbyte* {
+        Refuse(env);
+        return nullptr;
+    };
 }
 
 CountJniUse::~CountJniUse() {
@@ -227,6 +247,11 @@ const JniUse& CountJniUse::use() const {
 std::vector<std::string> TakeLog() {
     const std::lock_guard lock(g_logLock);
     return std::exchange(g_log, {});
+}
+
+std::string TakeLastLine() {
+    const std::vector<std::string> log = TakeLog();
+    return log.empty() ? "none" : log.back();
 }
 
 int LinesLogged() {

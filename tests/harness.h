@@ -66,6 +66,12 @@ class CountJniUse {
     const JniUse& use() const;
 };
 
+/** The next text or byte array that the library wants to read gives OutOfMemoryError instead. */
+class RefuseNextCopy : public CountJniUse {
+  public:
+    RefuseNextCopy();
+};
+
 }  // namespace java
 
 using kalvorn::device::Answer;
@@ -79,6 +85,8 @@ constexpr Backend kHidl = Backend::kHidl;
 /** The library's log lines since the last time, each as its priority's letter, a blank, its text.
  */
 std::vector<std::string> TakeLog();
+/** The last of them; "none" when there is none. */
+std::string TakeLastLine();
 int LinesLogged();
 
 /** Both backends' connectors, run as on a load of the library; the log is left for TakeLog(). */

@@ -49,6 +49,16 @@ extern "C" int open(const char* path, int flags, ...) {
     return g_openedFd = next(g_misc, flags, mode);
 }
 
+// The modes with which the vendor's library was opened.
+std::vector<int> g_bindings;
+
+extern "C" void* dlopen(const char* path, int mode) {
+    static const auto next = reinterpret_cast<decltype(&dlopen)>(dlsym(RTLD_NEXT, "dlopen"));
+    if (path != nullptr && strcmp(path, "libpixelworksFactoryTest.so") == 0)
+        g_bindings.push_back(mode);
+    return next(path, mode);
+}
+
 namespace {
 
 TEST_F(LocalMethodsTest, SendCommandMcu) {
@@ -187,6 +197,7 @@ class InterpolationTest : public LibraryTest {
 
 TEST_F(InterpolationTest, WithLibrary) {
     ExpectInterpolation();
+    EXPECT_EQ(std::vector<int>{2}, g_bindings);
 }
 
 TEST_F(InterpolationTest, WithoutOneEntryPoint) {

@@ -72,6 +72,11 @@ TEST_F(TestDataTest, Reads) {
              {"I GetControlFlagByHidl", "D GetControlFlag, flagID is 3",
               "D GetControlFlag resultCode:-1, flagResult:on"},
              "\"on\""},
+            {kHidl, "factory", "nativeGetControlFlag", {3}, {{"getControlFlag", Fault::kNoCallback}},
+             {"factory.getControlFlag(3, 1024)"},
+             {"I GetControlFlagByHidl", "D GetControlFlag, flagID is 3",
+              "D GetControlFlag resultCode:0, flagResult:"},
+             "\"\""},
             {kHidl, "factory@1.0", "nativeGetControlFlag", {3}, {}, {},
              {"I GetControlFlagByHidl", "D GetControlFlag, flagID is 3",
               "D fi is null, IQxFactoryV1_1 not support!"},
@@ -135,6 +140,18 @@ TEST_F(TestDataTest, Writes) {
              "-9999"},
     });
     // clang-format on
+}
+
+TEST_F(TestDataTest, OnlyMinusOneFailsARead) {
+    for (const Backend backend : {kAidl, kHidl}) {
+        LoadWith(backend, "factory");
+        for (const int code : {-2, 1}) {
+            device.Script("getTestResult", {code, "text"});
+            device.Script("readNv", {code, "text"});
+            EXPECT_EQ("\"text\"", java::Call("nativeGetTestResult", {7}));
+            EXPECT_EQ("\"text\"", java::Call("nativeReadNvValue", {7}));
+        }
+    }
 }
 
 TEST_F(TestDataTest, WhatIsWrittenIsReadBack) {

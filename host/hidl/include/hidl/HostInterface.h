@@ -126,7 +126,8 @@ sp<Interface> GetService(const std::string& instance, bool wait) {
     ::android::sp<TYPE>(TYPE::tryGetService)(const std::string& name, bool) {                      \
         return ::kalvorn::host::hidl_runtime::GetService<TYPE>(name, /*wait=*/false);              \
     }                                                                                              \
-    ::android::sp<TYPE>(TYPE::getService)(const std::string& name, bool) {                         \
+    ::android::sp<TYPE>(TYPE::getService)(const std::string& name, bool getStub) {                 \
+        if (getStub) return nullptr; /* there are no passthrough libraries */                      \
         return ::kalvorn::host::hidl_runtime::GetService<TYPE>(name, /*wait=*/true);               \
     }                                                                                              \
     ::android::status_t(TYPE::registerAsService)(const std::string& name) {                        \
