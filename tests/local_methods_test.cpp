@@ -12,8 +12,6 @@
 
 #include "harness.h"
 
-extern JavaVM* g_javaVm;
-
 namespace {
 
 using testing::ElementsAre;
