@@ -90,8 +90,10 @@ inline hidl_string Borrow(const char* chars) {
     return text;
 }
 
-/** The watcher's callbacks: a death releases every service, a new registration reconnects them,
- * waiting for each that is declared. */
+/**
+ * The watcher's callbacks: a death releases every service, a new registration reconnects them,
+ * waiting for each that is declared.
+ */
 void ProcessServiceDied(uint64_t cookie, const android::wp<android::hidl::base::V1_0::IBase>& who);
 void ReinitHal(const hidl_string& fqName, const hidl_string& name, bool preexisting);
 

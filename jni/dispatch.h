@@ -4,6 +4,5 @@
 
 constexpr int kMethodCount = 65;
 
-/** The table for RegisterNatives, in the order of the Java class; it lives as long as the library.
- */
+/** The table for RegisterNatives, in the Java class's order; lives as long as the library. */
 extern const JNINativeMethod kMethods[kMethodCount];

@@ -82,8 +82,7 @@ using kalvorn::device::Fault;
 constexpr Backend kAidl = Backend::kAidl;
 constexpr Backend kHidl = Backend::kHidl;
 
-/** The library's log lines since the last time, each as its priority's letter, a blank, its text.
- */
+/** The library's log lines since the last time: the priority's letter, a blank, the text. */
 std::vector<std::string> TakeLog();
 /** The last of them; "none" when there is none. */
 std::string TakeLastLine();

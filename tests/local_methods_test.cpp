@@ -52,8 +52,9 @@ std::vector<int> g_bindings;
 
 extern "C" void* dlopen(const char* path, int mode) {
     static const auto next = reinterpret_cast<decltype(&dlopen)>(dlsym(RTLD_NEXT, "dlopen"));
-    if (path != nullptr && strcmp(path, "libpixelworksFactoryTest.so") == 0)
+    if (path != nullptr && strcmp(path, "libpixelworksFactoryTest.so") == 0) {
         g_bindings.push_back(mode);
+    }
     return next(path, mode);
 }
 
