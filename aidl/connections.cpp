@@ -1,5 +1,7 @@
 #include <binder/IInterface.h>
 #include <binder/IServiceManager.h>
+#include <unistd.h>
+#include <utils/Errors.h>
 #include <utils/String16.h>
 
 #include "aidl/services.h"
@@ -35,23 +37,35 @@ sp<DeathNotifier> g_deathNotifier;
 
 namespace {
 
+// A name may outlive its service for a moment, and then gives the dead one once more.
+constexpr useconds_t kDeadNamePause = 1000;
+
 template <typename Interface>
 int Connect(sp<Interface>* global, const char* instance, const char* startText,
             const char* nullText, const char* linkText) {
     KV_LOGI("%s", startText);
-    if (*global != nullptr) return 1;
-    const sp<Interface> service =
-            android::waitForVintfService<Interface>(android::String16(instance));
-    *global = service;
-    if (service == nullptr) {
-        KV_LOGE("%s", nullText);
-        return 0;
+    if (held::IsHeld(*global)) return 1;
+    for (;;) {
+        const sp<Interface> service =
+                android::waitForVintfService<Interface>(android::String16(instance));
+        if (service == nullptr) {
+            KV_LOGE("%s", nullText);
+            return 0;
+        }
+        if (!held::Publish(global, service)) return 1;  // another connector was first
+        KV_LOGI("%s", linkText);
+        const sp<DeathNotifier>& notifier = held::MadeOnce(&g_deathNotifier);
+        const sp<android::IBinder> binder = android::IInterface::asBinder(service);
+        // A refused link goes unnoticed: the service is used all the same. But of a proxy whose
+        // obituary is out no notice will ever come: it is given back, and looked up again.
+        if (binder->linkToDeath(notifier, nullptr, 0) != android::DEAD_OBJECT) {
+            if (!held::MarkLinked(global, service)) Unlink(binder);
+            return 1;
+        }
+        if (held::TakeBack(global, service)) held::Retire(service);
+        held::LetGoOfRetired();
+        usleep(kDeadNamePause);
     }
-    KV_LOGI("%s", linkText);
-    if (g_deathNotifier == nullptr) g_deathNotifier = new DeathNotifier();
-    // A refused link goes unnoticed: the service is used all the same.
-    android::IInterface::asBinder(service)->linkToDeath(g_deathNotifier, nullptr, 0);
-    return 1;
 }
 
 }  // namespace
@@ -120,55 +134,55 @@ int InitChipSrvSat() {
 }
 
 bool IsFactoryInterfaceAidlVersion() {
-    return g_aidlFactory != nullptr;
+    return held::IsHeld(g_aidlFactory);
 }
 
 bool IsDisplayServiceAidlVersion() {
-    return g_aidlDisplayService != nullptr;
+    return held::IsHeld(g_aidlDisplayService);
 }
 
 bool IsTouchScreenAidlVersion() {
-    return g_aidlTp != nullptr;
+    return held::IsHeld(g_aidlTp);
 }
 
 bool IsSensorsAidlVersion() {
-    return g_aidlSensors != nullptr;
+    return held::IsHeld(g_aidlSensors);
 }
 
 bool IsPowerAidlVersion() {
-    return g_aidlPower != nullptr;
+    return held::IsHeld(g_aidlPower);
 }
 
 bool IsLightAidlVersion() {
-    return g_aidlLight != nullptr;
+    return held::IsHeld(g_aidlLight);
 }
 
 bool IsCameraFactoryAidlVersion() {
-    return g_aidlCameraFactory != nullptr;
+    return held::IsHeld(g_aidlCameraFactory);
 }
 
 bool IsRadioEnhanceAidlVersion() {
-    return g_aidlRadioEnhance != nullptr;
+    return held::IsHeld(g_aidlRadioEnhance);
 }
 
 bool IsDisplayFactoryAidlVersion() {
-    return g_aidlDisplayFactory != nullptr;
+    return held::IsHeld(g_aidlDisplayFactory);
 }
 
 bool IsFingerprintServiceAidlVersion() {
-    return g_aidlFingerprintSession != nullptr;
+    return held::IsHeld(g_aidlFingerprintSession);
 }
 
 bool IsChipSrvInterfaceAidlVersion() {
-    return g_aidlChipSrvInterface != nullptr;
+    return held::IsHeld(g_aidlChipSrvInterface);
 }
 
 bool IsSimAidlVersion() {
-    return g_aidlSim != nullptr;
+    return held::IsHeld(g_aidlSim);
 }
 
 bool IsChipSrvSatAidlVersion() {
-    return g_aidlChipSat != nullptr;
+    return held::IsHeld(g_aidlChipSat);
 }
 
 }  // namespace native_aidl

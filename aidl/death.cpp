@@ -8,25 +8,24 @@ namespace {
 
 template <typename Interface>
 void Release(sp<Interface>* global) {
-    const sp<Interface> service = *global;
-    if (service == nullptr) return;
-    // Fails harmlessly for the service that has just died.
-    android::IInterface::asBinder(service)->unlinkToDeath(g_deathNotifier, nullptr, 0, nullptr);
-    global->clear();
+    const held::Taken<Interface> taken = held::Take(global);
+    if (taken.service == nullptr) return;
+    if (taken.linked) Unlink(android::IInterface::asBinder(taken.service));
+    held::Retire(taken.service);
 }
 
 // intended: the session is not closed and its callback not touched, and without a session the
 // interface is kept too, with the effect that a later connector does not ask for one again.
 void ReleaseFingerprint() {
-    const std::shared_ptr<ISession> session = g_aidlFingerprintSession;
+    const std::shared_ptr<ISession> session = held::Take(&g_aidlFingerprintSession);
     if (session == nullptr) return;
-    AIBinder_unlinkToDeath(session->asBinder().get(), g_deathRecipient.get(), session.get());
-    g_aidlFingerprint.reset();
-    g_aidlFingerprintSession.reset();
+    UnlinkSession(session);
+    held::Take(&g_aidlFingerprint);
 }
 
 // Whichever service died, all are released and connected afresh. The restart waits here, on the
-// binder thread of the notification, until every declared service is back.
+// binder thread of the notification, until every declared service is back. Of services that die
+// together each notice does all of this, on a thread of its own and beside the others.
 void OnServiceDied() {
     KV_LOGW("serviceDied, remote hal service died");
     ExitKvManager();
@@ -34,6 +33,15 @@ void OnServiceDied() {
 }
 
 }  // namespace
+
+void Unlink(const sp<android::IBinder>& binder) {
+    // Fails harmlessly for the service that has just died.
+    binder->unlinkToDeath(g_deathNotifier, nullptr, 0, nullptr);
+}
+
+void UnlinkSession(const std::shared_ptr<ISession>& session) {
+    AIBinder_unlinkToDeath(session->asBinder().get(), g_deathRecipient.get(), session.get());
+}
 
 DeathNotifier::~DeathNotifier() = default;
 
@@ -77,6 +85,7 @@ void ExitKvManager() {
     Release(&g_aidlChipSrvInterface);
     Release(&g_aidlSim);
     Release(&g_aidlChipSat);
+    held::LetGoOfRetired();
 }
 
 }  // namespace native_aidl

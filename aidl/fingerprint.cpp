@@ -21,7 +21,7 @@ namespace native_aidl {
 
 int InitFingerprintService() {
     KV_LOGI("InitAidlFingerprintService");
-    if (g_aidlFingerprint != nullptr) return 1;
+    if (held::IsHeld(g_aidlFingerprint)) return 1;
     const std::string name = std::string(IFingerprint::descriptor) + "/default";
     if (!AServiceManager_isDeclared(name.c_str())) {
         KV_LOGE("%s is not Declared\n", name.c_str());
@@ -33,25 +33,29 @@ int InitFingerprintService() {
         return 0;
     }
     const std::shared_ptr<IFingerprint> fingerprint = IFingerprint::fromBinder(binder);
-    g_aidlFingerprint = fingerprint;
-    if (fingerprint != nullptr) {
-        fingerprint->createSession(kAnySensor, kNoUser, g_aidlFingerprintSessionCallback,
-                                   &g_aidlFingerprintSession);
+    if (fingerprint != nullptr && !held::Publish(&g_aidlFingerprint, fingerprint)) {
+        return 1;  // another connector was first, and asks for the session
     }
-    const std::shared_ptr<ISession> session = g_aidlFingerprintSession;
+    std::shared_ptr<ISession> session;
+    if (fingerprint != nullptr) {
+        fingerprint->createSession(kAnySensor, kNoUser, g_aidlFingerprintSessionCallback, &session);
+    }
     if (session == nullptr) {
         KV_LOGE("g_aidlFingerprintSession is null");
         return 0;
     }
+    held::Publish(&g_aidlFingerprintSession, session);
     KV_LOGI("g_aidlFingerprintSession linkToDeath");
     AIBinder_linkToDeath(session->asBinder().get(), g_deathRecipient.get(), session.get());
+    // A teardown that took the session before it was linked had nothing to unlink.
+    if (held::Copy(g_aidlFingerprintSession) != session) UnlinkSession(session);
     return 1;
 }
 
 }  // namespace native_aidl
 
 int native_aidl::SendCmdToFingerprintHal(JNIEnv* env, jobject, int cmd, jbyteArray rawData) {
-    const std::shared_ptr<ISession> session = g_aidlFingerprintSession;
+    const std::shared_ptr<ISession> session = held::Copy(g_aidlFingerprintSession);
     if (session == nullptr) {
         KV_LOGE("g_aidlFingerprintSession is null");
         return kServiceAbsent;

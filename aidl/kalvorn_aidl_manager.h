@@ -5,17 +5,18 @@
 /**
  * The AIDL backend: thirteen services, each held by one strong pointer, and the operations on them.
  *
- * The pointers are read by Java threads and rewritten by death notifications on binder threads
- * without a lock (intended): an operation that meets a released service fails with its failure
- * value.
+ * The pointers are read by Java threads while death notices, several at once, empty and fill them
+ * on binder threads, without a lock (intended; common/held.h): a call keeps the service that it
+ * read, gets its presets when that dies, and its failure value when there is none.
  */
 namespace native_aidl {
 
 /**
  * Connectors. Each returns 1 when its service is held after the call, 0 when not. A declared
- * service is waited for; an undeclared one is given up at once. A service already held is kept and
- * not linked to death again. intended: a fingerprint service that refused a session gives 0 first
- * and 1 ever after, while its query stays false.
+ * service is waited for; an undeclared one is given up at once. A service already held, or
+ * connected by another thread meanwhile, is kept and not linked to death again. intended: a
+ * fingerprint service that refused a session gives 0 first and 1 ever after, while its query stays
+ * false.
  */
 int InitFactoryInterface();
 int InitDisplayService();
@@ -47,8 +48,8 @@ bool IsSimAidlVersion();
 bool IsChipSrvSatAidlVersion();
 
 /**
- * Unlinks and releases every service. A fingerprint interface without a session is kept (intended),
- * and so are the death notifiers.
+ * Unlinks and releases every service; of several calls at once each service meets one. A
+ * fingerprint interface without a session is kept (intended), and so are the death notifiers.
  */
 void ExitKvManager();
 

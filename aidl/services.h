@@ -52,7 +52,7 @@ class DeathNotifier : public android::IBinder::DeathRecipient {
     void binderDied(const android::wp<android::IBinder>& who) override;
 };
 
-// Written by the connectors and ExitKvManager only.
+// Touched through common/held.h only: filled by the connectors, emptied by ExitKvManager.
 extern sp<IQxFactoryInterface> g_aidlFactory;
 extern sp<IDisplay> g_aidlDisplayService;
 extern sp<ITouchscreen> g_aidlTp;
@@ -71,6 +71,10 @@ extern std::shared_ptr<ISession> g_aidlFingerprintSession;
 extern std::shared_ptr<ISessionCallback> g_aidlFingerprintSessionCallback;
 
 extern sp<DeathNotifier> g_deathNotifier;
+
+/** Undo the death link of a service, and of the fingerprint session. */
+void Unlink(const sp<android::IBinder>& binder);
+void UnlinkSession(const std::shared_ptr<ISession>& session);
 
 /** Callback of the fingerprint session's death recipient; the cookie is not looked at. */
 void ServiceDied(void* cookie);

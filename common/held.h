@@ -1,17 +1,187 @@
 #pragma once
 
+#include <stdint.h>
+#include <utils/RefBase.h>
 #include <utils/StrongPointer.h>
+
+#include <atomic>
+#include <memory>
+#include <type_traits>
 
 #include "common/log.h"
 
 /**
- * The service as an operation uses it: read once, without a lock (intended), and held for the
- * length of the call, so that a death meanwhile cannot free it. Null, after the line, when it is
- * absent.
+ * The service globals, which Java threads read while notices that come together, each on a thread
+ * of its own, empty and fill them. There is no lock: every step is one atomic operation on the
+ * pointer that an android::sp consists of, for an sp has none of its own, and the globals are
+ * touched through these functions alone.
+ *
+ *     connector   if (!Publish(&global, service)) ...   another connector was first
+ *                 link; if (!MarkLinked(&global, service)) unlink
+ *     teardown    Taken taken = Take(&global); if (taken.linked) unlink; Retire(taken.service)
+ *                 ... LetGoOfRetired()
+ *     operation   const auto service = Held(global, "... is null")
+ *
+ * A connector publishes before it links, so that the notice of a link always finds the service. Of
+ * a service that is taken in between the connector, not the teardown, undoes the link: there is one
+ * unlink for each link, after it, whoever came first, and a held service at rest has exactly one.
+ */
+namespace held {
+
+namespace internal {
+
+template <typename T>
+T** PointerIn(const android::sp<T>& global) {
+    static_assert(
+            sizeof(android::sp<T>) == sizeof(T*) && std::is_standard_layout<android::sp<T>>::value,
+            "an sp is its pointer, and nothing else");
+    return reinterpret_cast<T**>(const_cast<android::sp<T>*>(&global));
+}
+
+// Set in the pointer of a published service whose link is still to be made.
+constexpr uintptr_t kUnlinked = 1;
+
+template <typename T>
+T* Unlinked(T* service) {
+    static_assert(alignof(T) > kUnlinked, "the mark needs a bit that no address has set");
+    return reinterpret_cast<T*>(reinterpret_cast<uintptr_t>(service) | kUnlinked);
+}
+
+template <typename T>
+T* WithoutMark(T* service) {
+    return reinterpret_cast<T*>(reinterpret_cast<uintptr_t>(service) & ~kUnlinked);
+}
+
+template <typename T>
+T* Load(const android::sp<T>& global) {
+    return __atomic_load_n(PointerIn(global), __ATOMIC_SEQ_CST);
+}
+
+template <typename T>
+bool Replace(android::sp<T>* global, T* expected, T* desired) {
+    return __atomic_compare_exchange_n(PointerIn(*global), &expected, desired, /* weak */ false,
+                                       __ATOMIC_SEQ_CST, __ATOMIC_SEQ_CST);
+}
+
+/** Stores a pointer, with a reference of the global's own, if the global is empty. */
+template <typename T>
+bool Fill(android::sp<T>* global, T* service, T* stored) {
+    service->incStrong(global);
+    if (Replace(global, static_cast<T*>(nullptr), stored)) return true;
+    service->decStrong(global);
+    return false;
+}
+
+/** Between reading a global and counting the reference: what is taken meanwhile must stay. */
+extern std::atomic<int> g_copiesUnderWay;
+
+}  // namespace internal
+
+template <typename T>
+bool IsHeld(const android::sp<T>& global) {
+    return internal::Load(global) != nullptr;
+}
+
+/** A reference of the caller's own, whatever happens to the global meanwhile; null when empty. */
+template <typename T>
+android::sp<T> Copy(const android::sp<T>& global) {
+    internal::g_copiesUnderWay.fetch_add(1, std::memory_order_seq_cst);
+    android::sp<T> copy(internal::WithoutMark(internal::Load(global)));
+    internal::g_copiesUnderWay.fetch_sub(1, std::memory_order_release);
+    return copy;
+}
+
+/** Puts the service, not null, into an empty global. False when another one stands there. */
+template <typename T>
+bool Publish(android::sp<T>* global, const android::sp<T>& service) {
+    return internal::Fill(global, service.get(), internal::Unlinked(service.get()));
+}
+
+/** False when the service was taken before: its link is the caller's to undo. */
+template <typename T>
+bool MarkLinked(android::sp<T>* global, const android::sp<T>& service) {
+    return internal::Replace(global, internal::Unlinked(service.get()), service.get());
+}
+
+template <typename T>
+struct Taken {
+    android::sp<T> service;
+    bool linked;
+};
+
+/** Empties the global; of several callers at once one gets the service, the others null. */
+template <typename T>
+Taken<T> Take(android::sp<T>* global) {
+    T* const stored = __atomic_exchange_n(internal::PointerIn(*global), static_cast<T*>(nullptr),
+                                          __ATOMIC_SEQ_CST);
+    T* const service = internal::WithoutMark(stored);
+    Taken<T> taken{service, stored == service};
+    if (service != nullptr) service->decStrong(global);
+    return taken;
+}
+
+/** Empties the global of a service that was published and not marked as linked; see Take. */
+template <typename T>
+bool TakeBack(android::sp<T>* global, const android::sp<T>& service) {
+    if (!internal::Replace(global, internal::Unlinked(service.get()), static_cast<T*>(nullptr))) {
+        return false;
+    }
+    service->decStrong(global);
+    return true;
+}
+
+/** Keeps what was taken for LetGoOfRetired. */
+void Retire(const android::sp<android::RefBase>& service);
+
+/**
+ * Drops what was retired if no copy is under way at this moment; otherwise it stays until a later
+ * call finds none. Nobody waits.
+ */
+void LetGoOfRetired();
+
+/** What is made on first need and stays: the one that all callers share. */
+template <typename T, typename... Args>
+const android::sp<T>& MadeOnce(android::sp<T>* global, Args... args) {
+    if (!IsHeld(*global)) {
+        const android::sp<T> made = new T(args...);
+        internal::Fill(global, made.get(), made.get());
+    }
+    return *global;
+}
+
+// The same for shared pointers, by the atomic operations that the standard library has for them.
+// The address of the object is the identity of its link, so an unlink cannot hit another's.
+
+template <typename T>
+bool IsHeld(const std::shared_ptr<T>& global) {
+    return std::atomic_load(&global) != nullptr;
+}
+
+template <typename T>
+std::shared_ptr<T> Copy(const std::shared_ptr<T>& global) {
+    return std::atomic_load(&global);
+}
+
+template <typename T>
+bool Publish(std::shared_ptr<T>* global, const std::shared_ptr<T>& service) {
+    std::shared_ptr<T> none;
+    return std::atomic_compare_exchange_strong(global, &none, service);
+}
+
+template <typename T>
+std::shared_ptr<T> Take(std::shared_ptr<T>* global) {
+    return std::atomic_exchange(global, std::shared_ptr<T>());
+}
+
+}  // namespace held
+
+/**
+ * The service as an operation uses it: read once and held for the length of the call, so that a
+ * death meanwhile cannot free it. Null, after the line, when it is absent.
  */
 template <typename Interface>
 android::sp<Interface> Held(const android::sp<Interface>& global, const char* nullText) {
-    android::sp<Interface> service = global;
+    android::sp<Interface> service = held::Copy(global);
     if (service == nullptr) KV_LOGE("%s", nullText);
     return service;
 }

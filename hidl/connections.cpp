@@ -23,19 +23,21 @@ template <typename Interface>
 void Connect(sp<Interface>* global, const char* instance, uint64_t cookie, const char* startText,
              int linkPriority, const char* linkText, const char* nullText) {
     KV_LOGD("%s", startText);
-    if (*global != nullptr) return;
+    if (held::IsHeld(*global)) return;
     const sp<Interface> service = Interface::getService(instance, /* getStub */ false);
-    *global = service;
     if (service == nullptr) {
         KV_LOGE("%s", nullText);
         return;
     }
+    if (!held::Publish(global, service)) return;  // another connector was first
     KV_LOG(linkPriority, "%s", linkText);
-    if (g_hidlUtil == nullptr) g_hidlUtil = new android::HidlUtil(ProcessServiceDied, ReinitHal);
-    DropStatus(service->linkToDeath(g_hidlUtil, cookie));
+    const sp<android::HidlUtil>& watcher =
+            held::MadeOnce(&g_hidlUtil, ProcessServiceDied, ReinitHal);
+    DropStatus(service->linkToDeath(watcher, cookie));
+    if (!held::MarkLinked(global, service)) DropStatus(service->unlinkToDeath(watcher));
     // intended: registered anew on every connection, so a service that comes back often is
     // announced as often
-    Interface::registerForNotifications("", g_hidlUtil);
+    Interface::registerForNotifications("", watcher);
 }
 
 }  // namespace

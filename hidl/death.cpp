@@ -6,10 +6,10 @@ namespace {
 
 template <typename Interface>
 void Release(sp<Interface>* global) {
-    const sp<Interface> service = *global;
-    if (service == nullptr) return;
-    DropStatus(service->unlinkToDeath(g_hidlUtil));
-    global->clear();
+    const held::Taken<Interface> taken = held::Take(global);
+    if (taken.service == nullptr) return;
+    if (taken.linked) DropStatus(taken.service->unlinkToDeath(g_hidlUtil));
+    held::Retire(taken.service);
 }
 
 }  // namespace
@@ -52,6 +52,7 @@ void ExitKvManager() {
     Release(&g_displayFactory);
     Release(&g_qxFingerprint);
     Release(&g_ztChipSrvInterface);
+    held::LetGoOfRetired();
 }
 
 }  // namespace native_hidl

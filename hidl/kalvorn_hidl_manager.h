@@ -5,16 +5,17 @@
 /**
  * The HIDL backend: eleven services, each held by one strong pointer, and the operations on them.
  *
- * The pointers are read by Java threads and rewritten by death and registration callbacks on HIDL
- * threads without a lock (intended): an operation that meets a released service fails with its
- * failure value. Reading a returned value of a failed call ends the process, as the HIDL runtime
- * wants it; a result callback that never comes leaves the operation's presets.
+ * The pointers are read by Java threads while death and registration callbacks empty and fill them
+ * on HIDL threads, without a lock (intended; common/held.h): a call keeps the service that it read,
+ * and fails with its failure value when there is none. Reading a returned value of a failed call
+ * ends the process, as the HIDL runtime wants it; a result callback that never comes leaves the
+ * operation's presets.
  */
 namespace native_hidl {
 
 /**
  * Connectors. A declared service is waited for; an undeclared one is given up at once. A service
- * already held is kept and not linked to death again.
+ * already held, or connected by another thread meanwhile, is kept and not linked to death again.
  */
 void InitFactoryInterface();
 void InitDisplayService();

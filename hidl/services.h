@@ -45,7 +45,7 @@ using IDisplayV1_1 = vendor::zantor::hardware::qxdisplay::V1_1::IDisplay;
 using IQxFactoryInterfaceV1_1 =
         vendor::zantor::hardware::qxfactoryinterface::V1_1::IQxFactoryInterface;
 
-// Written by the connectors and ExitKvManager only.
+// Touched through common/held.h only: filled by the connectors, emptied by ExitKvManager.
 extern sp<IQxFactoryInterface> g_qxFactoryInterface;
 extern sp<IDisplay> g_displayService;
 extern sp<IDisplayFactory> g_displayFactory;
@@ -63,7 +63,7 @@ extern sp<android::HidlUtil> g_hidlUtil;
 /** The service in a newer revision, asked for on every call; null when it is absent or older. */
 template <typename Newer, typename Interface>
 sp<Newer> CastTo(const sp<Interface>& global) {
-    return Newer::castFrom(sp<Interface>(global));
+    return Newer::castFrom(held::Copy(global));
 }
 
 /**

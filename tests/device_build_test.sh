@@ -34,7 +34,7 @@ own='"(aidl|common|hidl|jni)/[a-z_]+\.(h|inc)"'
 platform='<([a-z_]+|(dlfcn|fcntl|stddef|stdint|string|unistd)\.h|jni\.h
 |android/(log|binder_(auto_utils|ibinder|manager))\.h
 |binder/(IBinder|IInterface|IServiceManager)\.h
-|utils/(RefBase|String16|StrongPointer)\.h
+|utils/(Errors|RefBase|String16|StrongPointer)\.h
 |hidl/(HidlSupport|Status)\.h
 |android/hidl/(base|manager)/1\.0/[A-Za-z]+\.h
 |(aidl/)?vendor/zantor/hardware/[A-Za-z0-9./]+\.h
