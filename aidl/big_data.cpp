@@ -8,7 +8,7 @@ using vendor::zantor::hardware::qxfactoryinterface::FmdEvent;
 using vendor::zantor::hardware::qxfactoryinterface::FmdMsg;
 
 int native_aidl::KvSendFmdOperation(JNIEnv* env, jobject, jobject operation) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     int32_t result = 0;
     BigDataOperation record;
@@ -29,7 +29,7 @@ int native_aidl::KvSendFmdOperation(JNIEnv* env, jobject, jobject operation) {
 }
 
 int native_aidl::KvSendFmdData(JNIEnv* env, jobject, jobject value) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     int32_t result = 0;
     BigDataValue record;

@@ -7,7 +7,7 @@ using vendor::zantor::hardware::qxfactoryinterface::IFacBoolStr;
 using vendor::zantor::hardware::qxfactoryinterface::IFacIntStr;
 
 jstring native_aidl::NativeSetCommand(JNIEnv* env, jobject, jstring first, jstring second) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     JavaText firstText, secondText;
     if (!firstText.Read(env, first, "first") || !secondText.Read(env, second, "second")) {
@@ -26,7 +26,7 @@ jstring native_aidl::NativeSetCommand(JNIEnv* env, jobject, jstring first, jstri
 }
 
 jstring native_aidl::SetWifiCommand(JNIEnv* env, jobject, jstring testScene, jstring cmd) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     JavaText sceneText, cmdText;
     if (!sceneText.Read(env, testScene, "testScene") || !cmdText.Read(env, cmd, "cmd")) {

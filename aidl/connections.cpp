@@ -8,6 +8,10 @@
 
 namespace native_aidl {
 
+using android::IBinder;
+using android::IInterface;
+using android::String16;
+
 // Released at process exit in the reverse of this order.
 sp<IQxFactoryInterface> g_aidlFactory;
 sp<IDisplay> g_aidlDisplayService;
@@ -35,19 +39,37 @@ namespace native_aidl {
 
 sp<DeathNotifier> g_deathNotifier;
 
+void Hold(const sp<IInterface>& global, const char* nullText, sp<IInterface>* service) {
+    *service = held::Copy(global);
+    if (*service == nullptr) KV_LOGE("%s", nullText);
+}
+
+sp<IQxFactoryInterface> HeldFactory() {
+    return Held(g_aidlFactory, "aidlFactoryInterface is null");
+}
+
 namespace {
 
 // A name may outlive its service for a moment, and then gives the dead one once more.
 constexpr useconds_t kDeadNamePause = 1000;
 
-template <typename Interface>
-int Connect(sp<Interface>* global, const char* instance, const char* startText,
-            const char* nullText, const char* linkText) {
+/** From a binder, which may be null, to its interface. */
+using Cast = sp<IInterface> (*)(const sp<IBinder>& binder);
+
+/** As android::waitForVintfService does it for one interface. */
+sp<IInterface> WaitForDeclared(const String16& descriptor, const char* instance, Cast cast) {
+    const String16 name = descriptor + String16("/") + String16(instance);
+    const sp<android::IServiceManager> manager = android::defaultServiceManager();
+    if (!manager->isDeclared(name)) return nullptr;
+    return cast(manager->waitForService(name));
+}
+
+int Connect(sp<IInterface>* global, const String16& descriptor, const char* instance, Cast cast,
+            const char* startText, const char* nullText, const char* linkText) {
     KV_LOGI("%s", startText);
     if (held::IsHeld(*global)) return 1;
     for (;;) {
-        const sp<Interface> service =
-                android::waitForVintfService<Interface>(android::String16(instance));
+        const sp<IInterface> service = WaitForDeclared(descriptor, instance, cast);
         if (service == nullptr) {
             KV_LOGE("%s", nullText);
             return 0;
@@ -55,7 +77,7 @@ int Connect(sp<Interface>* global, const char* instance, const char* startText,
         if (!held::Publish(global, service)) return 1;  // another connector was first
         KV_LOGI("%s", linkText);
         const sp<DeathNotifier>& notifier = held::MadeOnce(&g_deathNotifier);
-        const sp<android::IBinder> binder = android::IInterface::asBinder(service);
+        const sp<IBinder> binder = IInterface::asBinder(service);
         // A refused link goes unnoticed: the service is used all the same. But of a proxy whose
         // obituary is out no notice will ever come: it is given back, and looked up again.
         if (binder->linkToDeath(notifier, nullptr, 0) != android::DEAD_OBJECT) {
@@ -66,6 +88,16 @@ int Connect(sp<Interface>* global, const char* instance, const char* startText,
         held::LetGoOfRetired();
         usleep(kDeadNamePause);
     }
+}
+
+template <typename Interface>
+int Connect(sp<Interface>* global, const char* instance, const char* startText,
+            const char* nullText, const char* linkText) {
+    const Cast cast = [](const sp<IBinder>& binder) -> sp<IInterface> {
+        return Interface::asInterface(binder);
+    };
+    return Connect(held::As<IInterface>(global), Interface::descriptor, instance, cast, startText,
+                   nullText, linkText);
 }
 
 }  // namespace

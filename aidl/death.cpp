@@ -4,14 +4,20 @@
 
 namespace native_aidl {
 
+using android::IInterface;
+
 namespace {
+
+void Release(sp<IInterface>* global) {
+    const held::Taken<IInterface> taken = held::Take(global);
+    if (taken.service == nullptr) return;
+    if (taken.linked) Unlink(IInterface::asBinder(taken.service));
+    held::Retire(taken.service);
+}
 
 template <typename Interface>
 void Release(sp<Interface>* global) {
-    const held::Taken<Interface> taken = held::Take(global);
-    if (taken.service == nullptr) return;
-    if (taken.linked) Unlink(android::IInterface::asBinder(taken.service));
-    held::Retire(taken.service);
+    Release(held::As<IInterface>(global));
 }
 
 // intended: the session is not closed and its callback not touched, and without a session the

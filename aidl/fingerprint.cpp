@@ -84,7 +84,7 @@ int native_aidl::SendCmdToFingerprintHal(JNIEnv* env, jobject, int cmd, jbyteArr
 }
 
 int native_aidl::GetVerifySignatureResult(JNIEnv* env, jobject, jbyteArray signature) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     std::vector<char> bytes;
     if (!CopyBytes(env, signature, "signature", &bytes)) return kServiceAbsent;

@@ -64,7 +64,7 @@ jstring native_aidl::GetPowerState(JNIEnv* env, jobject, jstring scene) {
 }
 
 int native_aidl::KvLockBigCpu(JNIEnv*, jobject, int lockOrRelease) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     KV_LOGI("lockBigCpu, lockOrRelease: %d\n", lockOrRelease);
     int32_t result = -1;
@@ -74,7 +74,7 @@ int native_aidl::KvLockBigCpu(JNIEnv*, jobject, int lockOrRelease) {
 }
 
 int native_aidl::KvSetLightSleep(JNIEnv*, jobject, int action) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     KV_LOGI("setLightSleep, action: %d\n", action);
     int32_t result = -1;

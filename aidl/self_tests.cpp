@@ -10,7 +10,7 @@ using vendor::zantor::hardware::qxfactoryinterface::IFacIntStr;
 using vendor::zantor::hardware::qxfactoryinterface::IFacIntStrStr;
 
 jstring native_aidl::SocTest(JNIEnv* env, jobject, jstring testScene, jstring para) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     JavaText sceneText, paraText;
     if (!sceneText.Read(env, testScene, "testScene") || !paraText.Read(env, para, "para")) {
@@ -38,7 +38,7 @@ jstring native_aidl::SocTest(JNIEnv* env, jobject, jstring testScene, jstring pa
 
 jstring native_aidl::DdrTest(JNIEnv* env, jobject, jstring testScene, jstring para,
                              jstring status) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     JavaText sceneText, paraText, statusText;
     if (!sceneText.Read(env, testScene, "testScene") || !paraText.Read(env, para, "para") ||
@@ -68,7 +68,7 @@ jstring native_aidl::DdrTest(JNIEnv* env, jobject, jstring testScene, jstring pa
 
 jstring native_aidl::EmmcTest(JNIEnv* env, jobject, jstring testScene, jstring para,
                               jstring status) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     JavaText sceneText, paraText, statusText;
     if (!sceneText.Read(env, testScene, "testScene") || !paraText.Read(env, para, "para") ||
@@ -99,7 +99,7 @@ jstring native_aidl::EmmcTest(JNIEnv* env, jobject, jstring testScene, jstring p
 }
 
 int native_aidl::StorageJoblessTest(JNIEnv* env, jobject, jstring testScene, jstring para) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     JavaText sceneText, paraText;
     if (!sceneText.Read(env, testScene, "testScene") || !paraText.Read(env, para, "para")) {
@@ -114,7 +114,7 @@ int native_aidl::StorageJoblessTest(JNIEnv* env, jobject, jstring testScene, jst
 }
 
 int native_aidl::StorageTestJudge(JNIEnv* env, jobject, jstring testScene) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     JavaText sceneText;
     if (!sceneText.Read(env, testScene, "testScene")) return kServiceAbsent;
@@ -127,7 +127,7 @@ int native_aidl::StorageTestJudge(JNIEnv* env, jobject, jstring testScene) {
 }
 
 jstring native_aidl::I2cTest(JNIEnv* env, jobject) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     IFacIntStrStr reply{};
     factory->i2cTest(kMaxReplySize, &reply);
@@ -143,7 +143,7 @@ jstring native_aidl::I2cTest(JNIEnv* env, jobject) {
 }
 
 int native_aidl::DdrMapperTest(JNIEnv* env, jobject, jstring status) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     JavaText statusText;
     if (!statusText.Read(env, status, "status")) return kServiceAbsent;
@@ -155,7 +155,7 @@ int native_aidl::DdrMapperTest(JNIEnv* env, jobject, jstring status) {
 }
 
 jstring native_aidl::GetSocInfo(JNIEnv* env, jobject, jstring testScene) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     JavaText sceneText;
     if (!sceneText.Read(env, testScene, "testScene")) return NewText(env, kInvalidService);
@@ -168,7 +168,7 @@ jstring native_aidl::GetSocInfo(JNIEnv* env, jobject, jstring testScene) {
 }
 
 int native_aidl::SetSocInfo(JNIEnv* env, jobject, jstring testScene, jstring para) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     JavaText sceneText, paraText;
     if (!sceneText.Read(env, testScene, "testScene") || !paraText.Read(env, para, "para")) {
@@ -182,7 +182,7 @@ int native_aidl::SetSocInfo(JNIEnv* env, jobject, jstring testScene, jstring par
 }
 
 jstring native_aidl::FpgaTest(JNIEnv* env, jobject, jstring testScene) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     JavaText sceneText;
     if (!sceneText.Read(env, testScene, "testScene")) return NewText(env, kInvalidService);
@@ -195,7 +195,7 @@ jstring native_aidl::FpgaTest(JNIEnv* env, jobject, jstring testScene) {
 
 // intended: the board name is what the service calls its version name.
 jstring native_aidl::GetBoardName(JNIEnv* env, jobject) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     IFacIntStr reply{};
     factory->getVersionName(&reply);
@@ -205,7 +205,7 @@ jstring native_aidl::GetBoardName(JNIEnv* env, jobject) {
 }
 
 int native_aidl::OemWatchdogSetFunc(JNIEnv* env, jobject, jstring cmd) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     JavaText cmdText;
     if (!cmdText.Read(env, cmd, "cmd")) return kServiceAbsent;
@@ -217,7 +217,7 @@ int native_aidl::OemWatchdogSetFunc(JNIEnv* env, jobject, jstring cmd) {
 }
 
 int native_aidl::OemJtagtosdSetFunc(JNIEnv* env, jobject, jstring cmd) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     JavaText cmdText;
     if (!cmdText.Read(env, cmd, "cmd")) return kServiceAbsent;
@@ -229,7 +229,7 @@ int native_aidl::OemJtagtosdSetFunc(JNIEnv* env, jobject, jstring cmd) {
 }
 
 jstring native_aidl::KvSocVoltageOffsetById(JNIEnv* env, jobject, int socId) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     KV_LOGI("kvSocVoltageOffsetById, setSocID is %d", socId);
     IFacIntStr reply{};

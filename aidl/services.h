@@ -5,6 +5,7 @@
 #include <aidl/vendor/zantor/hardware/biometrics/fingerprint/ISession.h>
 #include <android/binder_auto_utils.h>
 #include <binder/IBinder.h>
+#include <binder/IInterface.h>
 #include <utils/StrongPointer.h>
 #include <vendor/zantor/hardware/camera/factory/ICameraFactory.h>
 #include <vendor/zantor/hardware/light/ILight.h>
@@ -71,6 +72,24 @@ extern std::shared_ptr<ISession> g_aidlFingerprintSession;
 extern std::shared_ptr<ISessionCallback> g_aidlFingerprintSessionCallback;
 
 extern sp<DeathNotifier> g_deathNotifier;
+
+/** The service, or null after the line when it is absent. */
+void Hold(const sp<android::IInterface>& global, const char* nullText,
+          sp<android::IInterface>* service);
+
+/**
+ * The service as an operation uses it: read once and held for the length of the call, so that a
+ * death meanwhile cannot free it. Null, after the line, when it is absent.
+ */
+template <typename Interface>
+sp<Interface> Held(const sp<Interface>& global, const char* nullText) {
+    sp<Interface> service;
+    Hold(held::As<android::IInterface>(global), nullText, held::As<android::IInterface>(&service));
+    return service;
+}
+
+/** The same for the factory service, which serves more than half of the operations. */
+sp<IQxFactoryInterface> HeldFactory();
 
 /** Undo the death link of a service, and of the fingerprint session. */
 void Unlink(const sp<android::IBinder>& binder);

@@ -18,7 +18,7 @@ std::vector<uint8_t> Bytes(const char* text) {
 }  // namespace
 
 int native_aidl::KvSetTestCycle(JNIEnv*, jobject, int stationId, int cycle) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     KV_LOGI("KVSetTestCycle, stationID = %d cycle = %d\n", stationId, cycle);
     int32_t result = 0;
@@ -47,7 +47,7 @@ jintArray native_aidl::KvSetTestItemName(JNIEnv* env, jobject, jstring mainItemN
     jintArray array = env->NewIntArray(2);
     jint* results = env->GetIntArrayElements(array, nullptr);
     results[0] = results[1] = -1;
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) {
         results[0] = results[1] = kServiceAbsent;
         // intended: nothing is released here; the commit only shows Java the elements
@@ -79,7 +79,7 @@ int native_aidl::SetEndTimeOfAgeing(JNIEnv*, jobject) {
 }
 
 int native_aidl::GetManufactureMode(JNIEnv*, jobject) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     int32_t mode = -1;
     factory->getManufactureMode(&mode);

@@ -6,7 +6,7 @@
 using vendor::zantor::hardware::qxfactoryinterface::IFacIntStr;
 
 jstring native_aidl::GetTestResult(JNIEnv* env, jobject, int id) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     IFacIntStr reply{};
     factory->getTestResult(id, &reply);
@@ -20,7 +20,7 @@ jstring native_aidl::GetTestResult(JNIEnv* env, jobject, int id) {
 }
 
 int native_aidl::SetTestResult(JNIEnv* env, jobject, jstring value, int id) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     JavaText text;
     if (!text.Read(env, value, "value")) return kServiceAbsent;
@@ -31,7 +31,7 @@ int native_aidl::SetTestResult(JNIEnv* env, jobject, jstring value, int id) {
 }
 
 jstring native_aidl::ReadNv(JNIEnv* env, jobject, int nvId) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     IFacIntStr reply{};
     factory->readNv(nvId, &reply);
@@ -45,7 +45,7 @@ jstring native_aidl::ReadNv(JNIEnv* env, jobject, int nvId) {
 }
 
 int native_aidl::WriteNv(JNIEnv* env, jobject, jstring value, int nvId) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     JavaText text;
     if (!text.Read(env, value, "value")) return kServiceAbsent;
@@ -57,7 +57,7 @@ int native_aidl::WriteNv(JNIEnv* env, jobject, jstring value, int nvId) {
 
 // The kv info lives in NV items; only the judgement and the log differ from ReadNv.
 jstring native_aidl::GetKvInfoFromOem(JNIEnv* env, jobject, int nvId) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     IFacIntStr reply{};
     factory->readNv(nvId, &reply);
@@ -66,7 +66,7 @@ jstring native_aidl::GetKvInfoFromOem(JNIEnv* env, jobject, int nvId) {
 }
 
 int native_aidl::SetKvInfoToOem(JNIEnv* env, jobject, int nvId, jstring value) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     JavaText text;
     if (!text.Read(env, value, "value")) return kServiceAbsent;
@@ -77,7 +77,7 @@ int native_aidl::SetKvInfoToOem(JNIEnv* env, jobject, int nvId, jstring value) {
 }
 
 jstring native_aidl::GetControlFlag(JNIEnv* env, jobject, int flagId) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     KV_LOGI("getControlFlag, flagID is %d", flagId);
     IFacIntStr reply{};
@@ -87,7 +87,7 @@ jstring native_aidl::GetControlFlag(JNIEnv* env, jobject, int flagId) {
 }
 
 int native_aidl::SetControlFlag(JNIEnv* env, jobject, int flagId, jstring flag) {
-    const auto factory = Held(g_aidlFactory, "aidlFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     JavaText text;
     if (!text.Read(env, flag, "flag")) return kServiceAbsent;

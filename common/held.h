@@ -8,8 +8,6 @@
 #include <memory>
 #include <type_traits>
 
-#include "common/log.h"
-
 /**
  * The service globals, which Java threads read while notices that come together, each on a thread
  * of its own, empty and fill them. There is no lock: every step is one atomic operation on the
@@ -20,7 +18,7 @@
  *                 link; if (!MarkLinked(&global, service)) unlink
  *     teardown    Taken taken = Take(&global); if (taken.linked) unlink; Retire(taken.service)
  *                 ... LetGoOfRetired()
- *     operation   const auto service = Held(global, "... is null")
+ *     operation   sp service = Copy(global)
  *
  * A connector publishes before it links, so that the notice of a link always finds the service. Of
  * a service that is taken in between the connector, not the teardown, undoes the link: there is one
@@ -30,44 +28,42 @@ namespace held {
 
 namespace internal {
 
+/** The pointer in an sp, whatever it points to. */
+using Word __attribute__((may_alias)) = uintptr_t;
+
 template <typename T>
-T** PointerIn(const android::sp<T>& global) {
-    static_assert(
-            sizeof(android::sp<T>) == sizeof(T*) && std::is_standard_layout<android::sp<T>>::value,
-            "an sp is its pointer, and nothing else");
-    return reinterpret_cast<T**>(const_cast<android::sp<T>*>(&global));
+Word* WordIn(const android::sp<T>& global) {
+    static_assert(sizeof(android::sp<T>) == sizeof(Word) &&
+                          alignof(android::sp<T>) == alignof(Word) &&
+                          std::is_standard_layout<android::sp<T>>::value,
+                  "an sp is its pointer, and nothing else");
+    return reinterpret_cast<Word*>(const_cast<android::sp<T>*>(&global));
 }
 
-// Set in the pointer of a published service whose link is still to be made.
-constexpr uintptr_t kUnlinked = 1;
+template <typename T>
+Word WordOf(T* service) {
+    return reinterpret_cast<Word>(service);
+}
+
+/** Set in the pointer of a published service whose link is still to be made; no address has it. */
+constexpr Word kUnlinked = 1;
 
 template <typename T>
-T* Unlinked(T* service) {
+T* ServiceIn(Word word) {
     static_assert(alignof(T) > kUnlinked, "the mark needs a bit that no address has set");
-    return reinterpret_cast<T*>(reinterpret_cast<uintptr_t>(service) | kUnlinked);
+    return reinterpret_cast<T*>(word & ~kUnlinked);
 }
 
-template <typename T>
-T* WithoutMark(T* service) {
-    return reinterpret_cast<T*>(reinterpret_cast<uintptr_t>(service) & ~kUnlinked);
-}
-
-template <typename T>
-T* Load(const android::sp<T>& global) {
-    return __atomic_load_n(PointerIn(global), __ATOMIC_SEQ_CST);
-}
-
-template <typename T>
-bool Replace(android::sp<T>* global, T* expected, T* desired) {
-    return __atomic_compare_exchange_n(PointerIn(*global), &expected, desired, /* weak */ false,
+inline bool Replace(Word* global, Word expected, Word desired) {
+    return __atomic_compare_exchange_n(global, &expected, desired, /* weak */ false,
                                        __ATOMIC_SEQ_CST, __ATOMIC_SEQ_CST);
 }
 
 /** Stores a pointer, with a reference of the global's own, if the global is empty. */
 template <typename T>
-bool Fill(android::sp<T>* global, T* service, T* stored) {
+bool Fill(android::sp<T>* global, T* service, Word mark) {
     service->incStrong(global);
-    if (Replace(global, static_cast<T*>(nullptr), stored)) return true;
+    if (Replace(WordIn(*global), 0, WordOf(service) | mark)) return true;
     service->decStrong(global);
     return false;
 }
@@ -77,16 +73,33 @@ extern std::atomic<int> g_copiesUnderWay;
 
 }  // namespace internal
 
+/**
+ * A global as one of its interface's base class, so that what is the same for all services is one
+ * function and not one for each.
+ */
+template <typename Base, typename Interface>
+android::sp<Base>* As(android::sp<Interface>* global) {
+    static_assert(std::is_base_of<Base, Interface>::value && sizeof(Interface) == sizeof(Base),
+                  "the interface and its base stand at one address");
+    return reinterpret_cast<android::sp<Base>*>(global);
+}
+
+template <typename Base, typename Interface>
+const android::sp<Base>& As(const android::sp<Interface>& global) {
+    return *As<Base>(const_cast<android::sp<Interface>*>(&global));
+}
+
 template <typename T>
 bool IsHeld(const android::sp<T>& global) {
-    return internal::Load(global) != nullptr;
+    return __atomic_load_n(internal::WordIn(global), __ATOMIC_SEQ_CST) != 0;
 }
 
 /** A reference of the caller's own, whatever happens to the global meanwhile; null when empty. */
 template <typename T>
 android::sp<T> Copy(const android::sp<T>& global) {
     internal::g_copiesUnderWay.fetch_add(1, std::memory_order_seq_cst);
-    android::sp<T> copy(internal::WithoutMark(internal::Load(global)));
+    android::sp<T> copy(
+            internal::ServiceIn<T>(__atomic_load_n(internal::WordIn(global), __ATOMIC_SEQ_CST)));
     internal::g_copiesUnderWay.fetch_sub(1, std::memory_order_release);
     return copy;
 }
@@ -94,13 +107,14 @@ android::sp<T> Copy(const android::sp<T>& global) {
 /** Puts the service, not null, into an empty global. False when another one stands there. */
 template <typename T>
 bool Publish(android::sp<T>* global, const android::sp<T>& service) {
-    return internal::Fill(global, service.get(), internal::Unlinked(service.get()));
+    return internal::Fill(global, service.get(), internal::kUnlinked);
 }
 
 /** False when the service was taken before: its link is the caller's to undo. */
 template <typename T>
 bool MarkLinked(android::sp<T>* global, const android::sp<T>& service) {
-    return internal::Replace(global, internal::Unlinked(service.get()), service.get());
+    const internal::Word word = internal::WordOf(service.get());
+    return internal::Replace(internal::WordIn(*global), word | internal::kUnlinked, word);
 }
 
 template <typename T>
@@ -112,20 +126,17 @@ struct Taken {
 /** Empties the global; of several callers at once one gets the service, the others null. */
 template <typename T>
 Taken<T> Take(android::sp<T>* global) {
-    T* const stored = __atomic_exchange_n(internal::PointerIn(*global), static_cast<T*>(nullptr),
-                                          __ATOMIC_SEQ_CST);
-    T* const service = internal::WithoutMark(stored);
-    Taken<T> taken{service, stored == service};
-    if (service != nullptr) service->decStrong(global);
+    const internal::Word word = __atomic_exchange_n(internal::WordIn(*global), 0, __ATOMIC_SEQ_CST);
+    Taken<T> taken{internal::ServiceIn<T>(word), (word & internal::kUnlinked) == 0};
+    if (taken.service != nullptr) taken.service->decStrong(global);
     return taken;
 }
 
 /** Empties the global of a service that was published and not marked as linked; see Take. */
 template <typename T>
 bool TakeBack(android::sp<T>* global, const android::sp<T>& service) {
-    if (!internal::Replace(global, internal::Unlinked(service.get()), static_cast<T*>(nullptr))) {
-        return false;
-    }
+    const internal::Word word = internal::WordOf(service.get()) | internal::kUnlinked;
+    if (!internal::Replace(internal::WordIn(*global), word, 0)) return false;
     service->decStrong(global);
     return true;
 }
@@ -144,7 +155,7 @@ template <typename T, typename... Args>
 const android::sp<T>& MadeOnce(android::sp<T>* global, Args... args) {
     if (!IsHeld(*global)) {
         const android::sp<T> made = new T(args...);
-        internal::Fill(global, made.get(), made.get());
+        internal::Fill(global, made.get(), 0);
     }
     return *global;
 }
@@ -174,14 +185,3 @@ std::shared_ptr<T> Take(std::shared_ptr<T>* global) {
 }
 
 }  // namespace held
-
-/**
- * The service as an operation uses it: read once and held for the length of the call, so that a
- * death meanwhile cannot free it. Null, after the line, when it is absent.
- */
-template <typename Interface>
-android::sp<Interface> Held(const android::sp<Interface>& global, const char* nullText) {
-    android::sp<Interface> service = held::Copy(global);
-    if (service == nullptr) KV_LOGE("%s", nullText);
-    return service;
-}

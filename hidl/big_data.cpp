@@ -10,7 +10,7 @@ using vendor::zantor::hardware::qxfactoryinterface::V1_0::FmdMsg;
 // intended: neither operation logs its result, unlike AIDL.
 
 int native_hidl::KvSendFmdOperation(JNIEnv* env, jobject, jobject operation) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     BigDataOperation record;
     if (!ReadBigData(env, operation, &record)) return kServiceAbsent;
@@ -28,7 +28,7 @@ int native_hidl::KvSendFmdOperation(JNIEnv* env, jobject, jobject operation) {
 }
 
 int native_hidl::KvSendFmdData(JNIEnv* env, jobject, jobject value) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     BigDataValue record;
     if (!ReadBigData(env, value, &record)) return kServiceAbsent;

@@ -4,7 +4,7 @@
 #include "hidl/services.h"
 
 jstring native_hidl::NativeSetCommand(JNIEnv* env, jobject, jstring first, jstring second) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     JavaText firstText, secondText;
     if (!firstText.Read(env, first, "first") || !secondText.Read(env, second, "second")) {
@@ -25,7 +25,7 @@ jstring native_hidl::NativeSetCommand(JNIEnv* env, jobject, jstring first, jstri
 }
 
 jstring native_hidl::SetWifiCommand(JNIEnv* env, jobject, jstring testScene, jstring cmd) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     JavaText sceneText, cmdText;
     if (!sceneText.Read(env, testScene, "testScene") || !cmdText.Read(env, cmd, "cmd")) {

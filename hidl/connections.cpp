@@ -1,6 +1,10 @@
+#include <string>
+
 #include "hidl/services.h"
 
 namespace native_hidl {
+
+using android::hidl::manager::V1_0::IServiceNotification;
 
 // Released at process exit in the reverse of this order.
 sp<IQxFactoryInterface> g_qxFactoryInterface;
@@ -17,14 +21,29 @@ sp<IZtChipSrvInterface> g_ztChipSrvInterface;
 
 sp<android::HidlUtil> g_hidlUtil;
 
+void Hold(const sp<IBase>& global, const char* nullText, sp<IBase>* service) {
+    *service = held::Copy(global);
+    if (*service == nullptr) KV_LOGE("%s", nullText);
+}
+
+sp<IQxFactoryInterface> HeldFactory() {
+    return Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+}
+
 namespace {
 
-template <typename Interface>
-void Connect(sp<Interface>* global, const char* instance, uint64_t cookie, const char* startText,
-             int linkPriority, const char* linkText, const char* nullText) {
+/** The two calls that each interface has for itself. */
+struct Calls {
+    sp<IBase> (*getService)(const std::string& instance);
+    bool (*registerForNotifications)(const std::string& instance,
+                                     const sp<IServiceNotification>& listener);
+};
+
+void Connect(sp<IBase>* global, const Calls& calls, const char* instance, uint64_t cookie,
+             const char* startText, int linkPriority, const char* linkText, const char* nullText) {
     KV_LOGD("%s", startText);
     if (held::IsHeld(*global)) return;
-    const sp<Interface> service = Interface::getService(instance, /* getStub */ false);
+    const sp<IBase> service = calls.getService(instance);
     if (service == nullptr) {
         KV_LOGE("%s", nullText);
         return;
@@ -37,7 +56,20 @@ void Connect(sp<Interface>* global, const char* instance, uint64_t cookie, const
     if (!held::MarkLinked(global, service)) DropStatus(service->unlinkToDeath(watcher));
     // intended: registered anew on every connection, so a service that comes back often is
     // announced as often
-    Interface::registerForNotifications("", watcher);
+    calls.registerForNotifications("", watcher);
+}
+
+template <typename Interface>
+void Connect(sp<Interface>* global, const char* instance, uint64_t cookie, const char* startText,
+             int linkPriority, const char* linkText, const char* nullText) {
+    static constexpr Calls kCalls = {
+            [](const std::string& name) -> sp<IBase> {
+                return Interface::getService(name, /* getStub */ false);
+            },
+            Interface::registerForNotifications,
+    };
+    Connect(held::As<IBase>(global), kCalls, instance, cookie, startText, linkPriority, linkText,
+            nullText);
 }
 
 }  // namespace

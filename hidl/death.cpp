@@ -4,19 +4,22 @@ namespace native_hidl {
 
 namespace {
 
-template <typename Interface>
-void Release(sp<Interface>* global) {
-    const held::Taken<Interface> taken = held::Take(global);
+void Release(sp<IBase>* global) {
+    const held::Taken<IBase> taken = held::Take(global);
     if (taken.service == nullptr) return;
     if (taken.linked) DropStatus(taken.service->unlinkToDeath(g_hidlUtil));
     held::Retire(taken.service);
 }
 
+template <typename Interface>
+void Release(sp<Interface>* global) {
+    Release(held::As<IBase>(global));
+}
+
 }  // namespace
 
 // Whichever service died, all are released; the next registration connects them again.
-void ProcessServiceDied(uint64_t cookie,
-                        const android::wp<android::hidl::base::V1_0::IBase>& /* who */) {
+void ProcessServiceDied(uint64_t cookie, const android::wp<IBase>& /* who */) {
     KV_LOGW("enter into ProcessServiceDied, cookie is:%llu",
             static_cast<unsigned long long>(cookie));
     ExitKvManager();

@@ -36,7 +36,7 @@ int native_hidl::SendCmdToFingerprintHal(JNIEnv* env, jobject, int cmd, jbyteArr
 }
 
 int native_hidl::GetVerifySignatureResult(JNIEnv* env, jobject, jbyteArray signature) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     std::vector<char> bytes;
     if (!CopyBytes(env, signature, "signature", &bytes)) return kServiceAbsent;

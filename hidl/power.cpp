@@ -52,7 +52,7 @@ jstring native_hidl::GetPowerState(JNIEnv* env, jobject, jstring scene) {
 }
 
 int native_hidl::KvLockBigCpu(JNIEnv*, jobject, int lockOrRelease) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     KV_LOGD("LockBigCpu, lockOrRelease: %d\n", lockOrRelease);
     const int32_t result = factory->lockBigCpu(lockOrRelease);
@@ -61,7 +61,7 @@ int native_hidl::KvLockBigCpu(JNIEnv*, jobject, int lockOrRelease) {
 }
 
 int native_hidl::KvSetLightSleep(JNIEnv*, jobject, int action) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     KV_LOGD("SetLightSleep, action: %d\n", action);
     const int32_t result = factory->setLightSleep(action);

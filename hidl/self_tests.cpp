@@ -7,7 +7,7 @@
 #include "hidl/services.h"
 
 jstring native_hidl::SocTest(JNIEnv* env, jobject, jstring testScene, jstring para) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     JavaText sceneText, paraText;
     if (!sceneText.Read(env, testScene, "testScene") || !paraText.Read(env, para, "para")) {
@@ -37,7 +37,7 @@ jstring native_hidl::SocTest(JNIEnv* env, jobject, jstring testScene, jstring pa
 
 jstring native_hidl::DdrTest(JNIEnv* env, jobject, jstring testScene, jstring para,
                              jstring status) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     JavaText sceneText, paraText, statusText;
     if (!sceneText.Read(env, testScene, "testScene") || !paraText.Read(env, para, "para") ||
@@ -68,7 +68,7 @@ jstring native_hidl::DdrTest(JNIEnv* env, jobject, jstring testScene, jstring pa
 
 jstring native_hidl::EmmcTest(JNIEnv* env, jobject, jstring testScene, jstring para,
                               jstring status) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     JavaText sceneText, paraText, statusText;
     if (!sceneText.Read(env, testScene, "testScene") || !paraText.Read(env, para, "para") ||
@@ -100,7 +100,7 @@ jstring native_hidl::EmmcTest(JNIEnv* env, jobject, jstring testScene, jstring p
 }
 
 int native_hidl::StorageJoblessTest(JNIEnv* env, jobject, jstring testScene, jstring para) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     JavaText sceneText, paraText;
     if (!sceneText.Read(env, testScene, "testScene") || !paraText.Read(env, para, "para")) {
@@ -117,7 +117,7 @@ int native_hidl::StorageJoblessTest(JNIEnv* env, jobject, jstring testScene, jst
 }
 
 int native_hidl::StorageTestJudge(JNIEnv* env, jobject, jstring testScene) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     JavaText sceneText;
     if (!sceneText.Read(env, testScene, "testScene")) return kServiceAbsent;
@@ -131,7 +131,7 @@ int native_hidl::StorageTestJudge(JNIEnv* env, jobject, jstring testScene) {
 }
 
 jstring native_hidl::I2cTest(JNIEnv* env, jobject) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     int32_t code = 0;
     hidl_string checkResult, detail;
@@ -153,7 +153,7 @@ jstring native_hidl::I2cTest(JNIEnv* env, jobject) {
 }
 
 int native_hidl::DdrMapperTest(JNIEnv* env, jobject, jstring status) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     JavaText statusText;
     if (!statusText.Read(env, status, "status")) return kServiceAbsent;
@@ -166,7 +166,7 @@ int native_hidl::DdrMapperTest(JNIEnv* env, jobject, jstring status) {
 }
 
 jstring native_hidl::GetSocInfo(JNIEnv* env, jobject, jstring testScene) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     JavaText sceneText;
     if (!sceneText.Read(env, testScene, "testScene")) return NewText(env, kInvalidService);
@@ -179,7 +179,7 @@ jstring native_hidl::GetSocInfo(JNIEnv* env, jobject, jstring testScene) {
 }
 
 int native_hidl::SetSocInfo(JNIEnv* env, jobject, jstring testScene, jstring para) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     JavaText sceneText, paraText;
     if (!sceneText.Read(env, testScene, "testScene") || !paraText.Read(env, para, "para")) {
@@ -192,7 +192,7 @@ int native_hidl::SetSocInfo(JNIEnv* env, jobject, jstring testScene, jstring par
 }
 
 jstring native_hidl::FpgaTest(JNIEnv* env, jobject, jstring testScene) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     JavaText sceneText;
     if (!sceneText.Read(env, testScene, "testScene")) return NewText(env, kInvalidService);
@@ -206,7 +206,7 @@ jstring native_hidl::FpgaTest(JNIEnv* env, jobject, jstring testScene) {
 
 // intended: the board name is what the service calls its version name.
 jstring native_hidl::GetBoardName(JNIEnv* env, jobject) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     int32_t code = 0;
     hidl_string out;
@@ -216,7 +216,7 @@ jstring native_hidl::GetBoardName(JNIEnv* env, jobject) {
 }
 
 int native_hidl::OemWatchdogSetFunc(JNIEnv* env, jobject, jstring cmd) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     JavaText cmdText;
     if (!cmdText.Read(env, cmd, "cmd")) return kServiceAbsent;
@@ -228,7 +228,7 @@ int native_hidl::OemWatchdogSetFunc(JNIEnv* env, jobject, jstring cmd) {
 }
 
 int native_hidl::OemJtagtosdSetFunc(JNIEnv* env, jobject, jstring cmd) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     JavaText cmdText;
     if (!cmdText.Read(env, cmd, "cmd")) return kServiceAbsent;
@@ -242,7 +242,7 @@ int native_hidl::OemJtagtosdSetFunc(JNIEnv* env, jobject, jstring cmd) {
 // The service is looked at only after the first line, unlike AIDL.
 jstring native_hidl::KvSocVoltageOffsetById(JNIEnv* env, jobject, int socId) {
     KV_LOGD("KvSocVoltageOffsetById, setSocID is %d", socId);
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     int32_t code = 0;
     hidl_string out;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <android/hidl/base/1.0/IBase.h>
 #include <hidl/HidlSupport.h>
 #include <hidl/Status.h>
 #include <string.h>
@@ -29,6 +30,7 @@ namespace native_hidl {
 using android::sp;
 using android::hardware::hidl_string;
 using android::hardware::Return;
+using android::hidl::base::V1_0::IBase;
 using vendor::zantor::hardware::biometrics::fingerprint::V2_2::IExtBiometricsFingerprint;
 using vendor::zantor::hardware::camera::factory::V1_0::ICameraFactory;
 using vendor::zantor::hardware::light::V2_0::ILight;
@@ -59,6 +61,23 @@ extern sp<IExtBiometricsFingerprint> g_qxFingerprint;
 extern sp<IZtChipSrvInterface> g_ztChipSrvInterface;
 
 extern sp<android::HidlUtil> g_hidlUtil;
+
+/** The service, or null after the line when it is absent. */
+void Hold(const sp<IBase>& global, const char* nullText, sp<IBase>* service);
+
+/**
+ * The service as an operation uses it: read once and held for the length of the call, so that a
+ * death meanwhile cannot free it. Null, after the line, when it is absent.
+ */
+template <typename Interface>
+sp<Interface> Held(const sp<Interface>& global, const char* nullText) {
+    sp<Interface> service;
+    Hold(held::As<IBase>(global), nullText, held::As<IBase>(&service));
+    return service;
+}
+
+/** The same for the factory service, which serves more than half of the operations. */
+sp<IQxFactoryInterface> HeldFactory();
 
 /** The service in a newer revision, asked for on every call; null when it is absent or older. */
 template <typename Newer, typename Interface>
@@ -94,7 +113,7 @@ inline hidl_string Borrow(const char* chars) {
  * The watcher's callbacks: a death releases every service, a new registration reconnects them,
  * waiting for each that is declared.
  */
-void ProcessServiceDied(uint64_t cookie, const android::wp<android::hidl::base::V1_0::IBase>& who);
+void ProcessServiceDied(uint64_t cookie, const android::wp<IBase>& who);
 void ReinitHal(const hidl_string& fqName, const hidl_string& name, bool preexisting);
 
 }  // namespace native_hidl

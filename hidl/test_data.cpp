@@ -4,7 +4,7 @@
 #include "hidl/services.h"
 
 jstring native_hidl::GetTestResult(JNIEnv* env, jobject, int id) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     int32_t code = 0;
     hidl_string out;
@@ -19,7 +19,7 @@ jstring native_hidl::GetTestResult(JNIEnv* env, jobject, int id) {
 }
 
 int native_hidl::SetTestResult(JNIEnv* env, jobject, jstring value, int id) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     JavaText text;
     if (!text.Read(env, value, "value")) return kServiceAbsent;
@@ -34,7 +34,7 @@ int native_hidl::SetTestResult(JNIEnv* env, jobject, jstring value, int id) {
 }
 
 jstring native_hidl::ReadNv(JNIEnv* env, jobject, int nvId) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     int32_t code = 0;
     hidl_string value;
@@ -49,7 +49,7 @@ jstring native_hidl::ReadNv(JNIEnv* env, jobject, int nvId) {
 }
 
 int native_hidl::WriteNv(JNIEnv* env, jobject, jstring value, int nvId) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     JavaText text;
     if (!text.Read(env, value, "value")) return kServiceAbsent;
@@ -65,7 +65,7 @@ int native_hidl::WriteNv(JNIEnv* env, jobject, jstring value, int nvId) {
 
 // The kv info lives in NV items; only the judgement and the log differ from ReadNv.
 jstring native_hidl::GetKvInfoFromOem(JNIEnv* env, jobject, int nvId) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return NewText(env, kInvalidService);
     int32_t code = 0;
     hidl_string value;
@@ -76,7 +76,7 @@ jstring native_hidl::GetKvInfoFromOem(JNIEnv* env, jobject, int nvId) {
 
 // intended: -1 is no failure of its own here, unlike WriteNv.
 int native_hidl::SetKvInfoToOem(JNIEnv* env, jobject, int nvId, jstring value) {
-    const auto factory = Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+    const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     JavaText text;
     if (!text.Read(env, value, "value")) return kServiceAbsent;
