@@ -49,6 +49,12 @@ Piece NextPiece(const Byte* p) {
     return {1, false};
 }
 
+// Nearly all texts are nothing else, and a loop of its own is several times as quick.
+const Byte* PastAscii(const Byte* p) {
+    while (*p != 0 && *p < 0x80) p++;
+    return p;
+}
+
 void AppendThreeBytes(std::string* out, unsigned int unit) {
     out->push_back(static_cast<char>(0xe0 | (unit >> 12)));
     out->push_back(static_cast<char>(0x80 | ((unit >> 6) & 0x3f)));
@@ -66,10 +72,11 @@ void AppendSurrogatePair(std::string* out, const Byte* p) {
 }  // namespace
 
 bool IsModifiedUtf8(const char* text) {
-    for (auto p = reinterpret_cast<const Byte*>(text); *p != 0;) {
+    const Byte* p = PastAscii(reinterpret_cast<const Byte*>(text));
+    while (*p != 0) {
         const Piece piece = NextPiece(p);
         if (!piece.isWhole || piece.length == 4) return false;
-        p += piece.length;
+        p = PastAscii(p + piece.length);
     }
     return true;
 }
