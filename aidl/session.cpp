@@ -44,8 +44,9 @@ jintArray native_aidl::KvSetTestItemName(JNIEnv* env, jobject, jstring mainItemN
     }
     KV_LOGI("KvSetTestItemName, mainItemName = %s, subItemName = %s\n", mainName.c_str(),
             subName.c_str());
-    jintArray array = env->NewIntArray(2);
-    jint* results = env->GetIntArrayElements(array, nullptr);
+    jintArray array = nullptr;
+    jint* results = NewPairElements(env, &array);
+    if (results == nullptr) return nullptr;
     results[0] = results[1] = -1;
     const auto factory = HeldFactory();
     if (factory == nullptr) {

@@ -5,8 +5,24 @@
 
 namespace {
 
+constexpr const char* kOperationClass = "com/quorvin/kalvornii/BigDataOperation";
+constexpr const char* kValueClass = "com/quorvin/kalvornii/BigDataValue";
 constexpr const char* kInt = "I";
 constexpr const char* kString = "Ljava/lang/String;";
+
+// No JNI function may be called with an exception pending: after one that failed, none is looked
+// up.
+jfieldID FieldId(JNIEnv* env, jclass clazz, const char* name, const char* type) {
+    return env->ExceptionCheck() ? nullptr : env->GetFieldID(clazz, name, type);
+}
+
+// Whether the class and all of its fields so far were found.
+bool Found(JNIEnv* env, const char* className) {
+    if (!env->ExceptionCheck()) return true;
+    env->ExceptionClear();
+    KV_LOGE("cannot find the fields of %s", className);
+    return false;
+}
 
 jstring StringAt(JNIEnv* env, jobject object, jfieldID field) {
     return static_cast<jstring>(env->GetObjectField(object, field));
@@ -19,13 +35,14 @@ bool ReadBigData(JNIEnv* env, jobject operation, BigDataOperation* record) {
         KV_LOGE("operation is null");
         return false;
     }
-    jclass clazz = env->FindClass("com/quorvin/kalvornii/BigDataOperation");
-    jfieldID version = env->GetFieldID(clazz, "version", kInt);
-    jfieldID commandId = env->GetFieldID(clazz, "commandId", kInt);
-    jfieldID operationId = env->GetFieldID(clazz, "operation", kInt);
-    jfieldID bsn = env->GetFieldID(clazz, "bsn", kString);
-    jfieldID station = env->GetFieldID(clazz, "station", kString);
-    jfieldID cycle = env->GetFieldID(clazz, "cycle", kInt);
+    jclass clazz = env->FindClass(kOperationClass);
+    jfieldID version = FieldId(env, clazz, "version", kInt);
+    jfieldID commandId = FieldId(env, clazz, "commandId", kInt);
+    jfieldID operationId = FieldId(env, clazz, "operation", kInt);
+    jfieldID bsn = FieldId(env, clazz, "bsn", kString);
+    jfieldID station = FieldId(env, clazz, "station", kString);
+    jfieldID cycle = FieldId(env, clazz, "cycle", kInt);
+    if (!Found(env, kOperationClass)) return false;
 
     record->version = env->GetIntField(operation, version);
     record->commandId = env->GetIntField(operation, commandId);
@@ -45,15 +62,16 @@ bool ReadBigData(JNIEnv* env, jobject value, BigDataValue* record) {
         KV_LOGE("value is null");
         return false;
     }
-    jclass clazz = env->FindClass("com/quorvin/kalvornii/BigDataValue");
-    jfieldID version = env->GetFieldID(clazz, "version", kInt);
-    jfieldID dataSource = env->GetFieldID(clazz, "dataSource", kInt);
+    jclass clazz = env->FindClass(kValueClass);
+    jfieldID version = FieldId(env, clazz, "version", kInt);
+    jfieldID dataSource = FieldId(env, clazz, "dataSource", kInt);
+    if (!Found(env, kValueClass)) return false;
     record->version = env->GetIntField(value, version);
     record->dataSource = env->GetIntField(value, dataSource);
 
-    jfieldID errorCode = env->GetFieldID(clazz, "errorCode", kInt);
-    jfieldID itemId = env->GetFieldID(clazz, "itemId", kInt);
-    jfieldID cycle = env->GetFieldID(clazz, "cycle", kInt);
+    jfieldID errorCode = FieldId(env, clazz, "errorCode", kInt);
+    jfieldID itemId = FieldId(env, clazz, "itemId", kInt);
+    jfieldID cycle = FieldId(env, clazz, "cycle", kInt);
     struct {
         const char* name;
         const char** chars;
@@ -73,7 +91,8 @@ bool ReadBigData(JNIEnv* env, jobject value, BigDataValue* record) {
             {"description", &record->description, nullptr, nullptr},
     };
     // All ids, then all objects, then all texts, each in this order.
-    for (auto& text : texts) text.field = env->GetFieldID(clazz, text.name, kString);
+    for (auto& text : texts) text.field = FieldId(env, clazz, text.name, kString);
+    if (!Found(env, kValueClass)) return false;
 
     record->errorCode = env->GetIntField(value, errorCode);
     record->itemId = env->GetIntField(value, itemId);

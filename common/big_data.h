@@ -34,9 +34,9 @@ struct BigDataValue {
 };
 
 /**
- * Reads a BigDataOperation or BigDataValue, whose class and fields must exist. False, after a line
- * "<name> is null", when the object or one of its strings is null; the record is not to be used
- * then.
+ * Reads a BigDataOperation or BigDataValue. False, after one line and with nothing thrown, when the
+ * object or one of its strings is null ("<name> is null"), or its class lacks a field; the record
+ * is not to be used then.
  */
 bool ReadBigData(JNIEnv* env, jobject operation, BigDataOperation* record);
 bool ReadBigData(JNIEnv* env, jobject value, BigDataValue* record);

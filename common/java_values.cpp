@@ -2,50 +2,15 @@
 
 #include "common/bounds_checked.h"
 #include "common/log.h"
+#include "common/modified_utf8.h"
 
 namespace {
 
-constexpr unsigned char kFourByteLead = 0xf0;
-constexpr unsigned char kLastFourByteLead = 0xf4;
-
-bool IsContinuation(unsigned char byte) {
-    return (byte & 0xc0) == 0x80;
-}
-
-// Anything else that begins like one, in a text of another encoding, is left as it is.
-bool IsFourByteCharacter(const unsigned char* p) {
-    return p[0] >= kFourByteLead && p[0] <= kLastFourByteLead && IsContinuation(p[1]) &&
-           IsContinuation(p[2]) && IsContinuation(p[3]);
-}
-
-bool HasFourByteCharacter(const char* text) {
-    for (; *text != '\0'; text++) {
-        if (static_cast<unsigned char>(*text) >= kFourByteLead) return true;
-    }
-    return false;
-}
-
-void AppendThreeBytes(std::string* out, unsigned int unit) {
-    out->push_back(static_cast<char>(0xe0 | (unit >> 12)));
-    out->push_back(static_cast<char>(0x80 | ((unit >> 6) & 0x3f)));
-    out->push_back(static_cast<char>(0x80 | (unit & 0x3f)));
-}
-
-std::string ToModifiedUtf8(const char* text) {
-    std::string out;
-    for (auto p = reinterpret_cast<const unsigned char*>(text); *p != 0;) {
-        if (!IsFourByteCharacter(p)) {
-            out.push_back(static_cast<char>(*p++));
-            continue;
-        }
-        const unsigned int character = ((p[0] & 0x07u) << 18) | ((p[1] & 0x3fu) << 12) |
-                                       ((p[2] & 0x3fu) << 6) | (p[3] & 0x3fu);
-        const unsigned int offset = character - 0x10000;
-        AppendThreeBytes(&out, 0xd800 | ((offset >> 10) & 0x3ff));
-        AppendThreeBytes(&out, 0xdc00 | (offset & 0x3ff));
-        p += 4;
-    }
-    return out;
+// Null, with nothing pending, when there is no memory: nothing is thrown into Java.
+jstring MakeText(JNIEnv* env, const char* text) {
+    jstring made = env->NewStringUTF(IsModifiedUtf8(text) ? text : ToModifiedUtf8(text).c_str());
+    if (made == nullptr) env->ExceptionClear();
+    return made;
 }
 
 }  // namespace
@@ -73,21 +38,46 @@ void JavaText::Release() {
 }
 
 jstring NewText(JNIEnv* env, const char* text) {
-    if (!HasFourByteCharacter(text)) return env->NewStringUTF(text);
-    return env->NewStringUTF(ToModifiedUtf8(text).c_str());
+    jstring made = MakeText(env, text);
+    if (made == nullptr) KV_LOGE("no memory for the Java text of \"%s\"", text);
+    return made;
 }
 
 jintArray NewPair(JNIEnv* env, jint value) {
     const jint values[] = {value, value};
     jintArray array = env->NewIntArray(2);
-    if (array != nullptr) env->SetIntArrayRegion(array, 0, 2, values);
+    if (array == nullptr) {
+        env->ExceptionClear();
+        KV_LOGE("no memory for the Java array of {%d, %d}", value, value);
+        return nullptr;
+    }
+    env->SetIntArrayRegion(array, 0, 2, values);
     return array;
+}
+
+jint* NewPairElements(JNIEnv* env, jintArray* array) {
+    *array = env->NewIntArray(2);
+    jint* elements = *array == nullptr ? nullptr : env->GetIntArrayElements(*array, nullptr);
+    if (elements == nullptr) {
+        env->ExceptionClear();
+        KV_LOGE("no memory for the Java array of two results");
+    }
+    return elements;
 }
 
 void SetStaticText(JNIEnv* env, const char* field, const char* text) {
     jclass clazz = env->FindClass(kKvNativeInterface);
-    jfieldID id = env->GetStaticFieldID(clazz, field, "Ljava/lang/String;");
-    env->SetStaticObjectField(clazz, id, NewText(env, text));
+    jfieldID id = nullptr;
+    // Each only after the one before succeeded: no JNI function is called with an exception
+    // pending.
+    if (clazz != nullptr) id = env->GetStaticFieldID(clazz, field, "Ljava/lang/String;");
+    jstring value = id == nullptr ? nullptr : MakeText(env, text);
+    if (value == nullptr) {
+        env->ExceptionClear();
+        KV_LOGE("cannot set %s to \"%s\"", field, text);
+        return;
+    }
+    env->SetStaticObjectField(clazz, id, value);
 }
 
 bool CopyBytes(JNIEnv* env, jbyteArray array, const char* name, std::vector<char>* bytes) {

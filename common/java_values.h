@@ -48,18 +48,25 @@ class JavaText {
 };
 
 /**
- * A new Java string of a service's UTF-8 text, which ends at its first zero byte. Four-byte
- * characters, which modified UTF-8 does not have, are handed to Java as surrogate pairs.
+ * A new Java string of a service's text, which ends at its first zero byte and may be any bytes:
+ * what Java cannot take is replaced as in ToModifiedUtf8. Without memory for it: null, after one
+ * line, and nothing is thrown.
  */
 jstring NewText(JNIEnv* env, const char* text);
 inline jstring NewText(JNIEnv* env, const std::string& text) {
     return NewText(env, text.c_str());
 }
 
-/** A new Java array of two elements of this value. */
+/** A new Java array of two elements of this value; without memory for it as NewText. */
 jintArray NewPair(JNIEnv* env, jint value);
 
-/** Stores a new Java string in a static String field of KvNativeInterface, which must exist. */
+/** The elements of a new Java array of two, to be released; without memory for them as NewText. */
+jint* NewPairElements(JNIEnv* env, jintArray* array);
+
+/**
+ * Stores a new Java string of the text in a static String field of KvNativeInterface. When that
+ * cannot be done the field stays as it was, after one line, and nothing is thrown.
+ */
 void SetStaticText(JNIEnv* env, const char* field, const char* text);
 
 /**

@@ -34,8 +34,9 @@ jintArray native_hidl::KvSetTestItemName(JNIEnv* env, jobject, jstring mainItemN
     }
     KV_LOGD("KvSetTestItemName, mainItemName = %s, subItemName = %s\n", mainName.c_str(),
             subName.c_str());
-    jintArray array = env->NewIntArray(2);
-    jint* results = env->GetIntArrayElements(array, nullptr);
+    jintArray array = nullptr;
+    jint* results = NewPairElements(env, &array);
+    if (results == nullptr) return nullptr;
     results[0] = results[1] = -1;
     const auto fi = CastTo<IQxFactoryInterfaceV1_1>(g_qxFactoryInterface);
     if (fi == nullptr) {

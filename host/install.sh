@@ -1,6 +1,7 @@
 #!/bin/bash
 # Installs the Debian packages that the given lists name and that are missing: "host" for the build,
-# the tests and the demo, "arm" for the 32-bit ARM target besides. Needs root or sudo to install.
+# the tests and the demo, "arm" for the 32-bit ARM target besides, "fuzz" for the fuzzers. Needs root
+# or sudo to install.
 set -euo pipefail
 
 declare -A lists=(
@@ -8,6 +9,7 @@ declare -A lists=(
         android-platform-frameworks-native-headers blueprint-tools clang-format clang-tidy cmake g++
         hidl-gen libgmock-dev libgtest-dev libsafec-dev ninja-build openjdk-17-jdk-headless pkg-config"
     [arm]="g++-arm-linux-gnueabihf mmdebstrap qemu-user-static"
+    [fuzz]="android-liblog-dev clang libclang-rt-14-dev"
 )
 
 missing=()

@@ -1,7 +1,13 @@
 #include <string.h>
 
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
 #include "common/hex.h"
 #include "common/java_values.h"
+#include "common/modified_utf8.h"
+#include "fuzz/properties.h"
 #include "harness.h"
 #include "jni/descriptor.h"
 
@@ -41,19 +47,94 @@ TEST_F(CommonTest, RefusesWhatDoesNotFit) {
     }
 }
 
-// Java's texts have no four-byte characters, and a text may end in the middle of one.
-TEST_F(CommonTest, FourByteCharactersBecomeSurrogatePairs) {
+#define BAD "\xef\xbf\xbd"
+
+// Each is also made a Java string and read back, and stands at the end of its memory, so that the
+// address sanitizer sees it when more is read.
+TEST_F(CommonTest, WhatJavaCannotTakeIsReplaced) {
     const struct {
-        const char* utf8;
-        const char* shown;
+        const char* text;
+        const char* java;  // null: as it is
     } cases[] = {
-            {"\xf0\xa0\x80\x80", "\"\xed\xa1\x80\xed\xb0\x80\""},
-            {"\xf4\x8f\xbf\xbf", "\"\xed\xaf\xbf\xed\xbf\xbf\""},
-            {"\xf0\0\x80\x80", "\"\xc3\xb0\""},
-            {"\xf0\x9f\0\x80", "\"\xc3\xb0\""},
-            {"\xf0\x9f\x98\0", "\"\xc3\xb0\""},
+            {"", nullptr},
+            {"plain text\x01\x7f", nullptr},
+            {"\xc2\x80\xdf\xbf\xe0\xa0\x80\xef\xbf\xbf", nullptr},
+            {"\xe6\xb8\xa9\xe5\xba\xa6 25\xc2\xb0", nullptr},
+            // Java's own zero and surrogates, in any order.
+            {"a\xc0\x80z", nullptr},
+            {"\xed\xa0\x80 \xed\xaf\xbf\xed\xbf\xbf \xed\xbf\xbf\xed\xa0\x80", nullptr},
+            // Four-byte characters, from U+10000 to U+10FFFF.
+            {"\xf0\x90\x80\x80", "\xed\xa0\x80\xed\xb0\x80"},
+            {"\xf0\xa0\x80\x80", "\xed\xa1\x80\xed\xb0\x80"},
+            {"\xf3\xbf\xbf\xbf", "\xed\xae\xbf\xed\xbf\xbf"},
+            {"\xf4\x80\x80\x80", "\xed\xaf\x80\xed\xb0\x80"},
+            {"\xf4\x8f\xbf\xbf", "\xed\xaf\xbf\xed\xbf\xbf"},
+            {"\xf4\x90\x80\x80", BAD BAD BAD BAD},
+            {"\xf5\x80\x80\x80", BAD BAD BAD BAD},
+            {"\xf7\xbf\xbf\xbf", BAD BAD BAD BAD},
+            // What a shorter form does for.
+            {"\xc0\x81\xc1\xbf", BAD BAD BAD BAD},
+            {"\xe0\x80\x80\xe0\x9f\xbf", BAD BAD BAD BAD BAD BAD},
+            {"\xf0\x80\x80\x80", BAD BAD BAD BAD},
+            {"\xf0\x8f\xbf\xbf", BAD BAD BAD BAD},
+            {"\xf0\x8d\xa0\x80", BAD BAD BAD BAD},
+            // Neither a lead nor wanted.
+            {"\x80", BAD},
+            {"a\xbfz", "a" BAD "z"},
+            {"\xc3\xa9\xa9", "\xc3\xa9" BAD},
+            {"\xe4\xb8\x80\x80", "\xe4\xb8\x80" BAD},
+            {"\xf8\x88\x80\x80\x80", BAD BAD BAD BAD BAD},
+            {"\xfe", BAD},
+            {"\xff", BAD},
+            {"\xff\xff\xff", BAD BAD BAD},
+            // Cut: by the end, and by another character.
+            {"\xc0", BAD},
+            {"\xc3", BAD},
+            {"\xe4", BAD},
+            {"\xe4\xb8", BAD},
+            {"\xed\xa0", BAD},
+            {"\xf0", BAD},
+            {"\xf0\x9f", BAD},
+            {"\xf0\x9f\x98", BAD},
+            {"\xf4\x8f\xbf", BAD},
+            {"\xc3z", BAD "z"},
+            {"\xe4z\xe4\xb8z", BAD "z" BAD "z"},
+            {"\xf0z\xf0\x9fz\xf0\x9f\x98z", BAD "z" BAD "z" BAD "z"},
+            {"\xf0\x9f\x98\xc3\xa9", BAD "\xc3\xa9"},
+            {"\xe4\xb8\xf0\x9f\x98\x80", BAD "\xed\xa0\xbd\xed\xb8\x80"},
+            // All of it.
+            {"ok \xe6\xb8\xa9\xff\xf0\x9f\x98\x80 \xc0\x80\x80\xe4\xb8",
+             "ok \xe6\xb8\xa9" BAD "\xed\xa0\xbd\xed\xb8\x80 \xc0\x80" BAD BAD},
     };
-    for (const auto& c : cases) EXPECT_EQ(c.shown, java::Show(NewText(java::Env(), c.utf8)));
+    java::Env()->PushLocalFrame(64);
+    for (const auto& c : cases) {
+        const std::vector<char> text(c.text, c.text + strlen(c.text) + 1);
+        const std::string expected = c.java == nullptr ? c.text : c.java;
+        SCOPED_TRACE(testing::PrintToString(std::string(c.text)));
+        EXPECT_EQ(c.java == nullptr, IsModifiedUtf8(text.data()));
+        EXPECT_EQ(expected, ToModifiedUtf8(text.data()));
+        EXPECT_EQ('"' + expected + '"', java::Show(NewText(java::Env(), text.data())));
+    }
+    java::Env()->PopLocalFrame(nullptr);
+}
+
+// The inputs that the fuzzers found worth keeping, and those that once showed a fault.
+TEST_F(CommonTest, FuzzSeeds) {
+    const struct {
+        const char* folder;
+        std::string (*fault)(const uint8_t*, size_t);
+    } kinds[] = {{KALVORN_FUZZ_SEEDS "/text", TextFault}, {KALVORN_FUZZ_SEEDS "/hex", HexFault}};
+    for (const auto& kind : kinds) {
+        size_t seeds = 0;
+        for (const auto& file : std::filesystem::directory_iterator(kind.folder)) {
+            std::ifstream stream(file.path(), std::ios::binary);
+            const std::vector<char> seed{std::istreambuf_iterator<char>(stream), {}};
+            const auto* bytes = reinterpret_cast<const uint8_t*>(seed.data());
+            EXPECT_EQ("", kind.fault(bytes, seed.size())) << file.path();
+            seeds++;
+        }
+        EXPECT_LE(10u, seeds) << kind.folder;
+    }
 }
 
 // The table's rows are checked when it is compiled; here, that the check can say no.

@@ -30,7 +30,7 @@ check_source_lists() {
 }
 
 # What device code may name in its own #include lines: itself, and what every device has.
-own='"(aidl|common|hidl|jni)/[a-z_]+\.(h|inc)"'
+own='"(aidl|common|hidl|jni)/[a-z0-9_]+\.(h|inc)"'
 platform='<([a-z_]+|(dlfcn|fcntl|stddef|stdint|string|unistd)\.h|jni\.h
 |android/(log|binder_(auto_utils|ibinder|manager))\.h
 |binder/(IBinder|IInterface|IServiceManager)\.h

@@ -1,6 +1,7 @@
 // What holds for every method alike: a service that is absent, a null argument, a call that fails
 // on its way, and what is taken from the virtual machine and given back.
 
+#include <algorithm>
 #include <sstream>
 
 #include "aidl/kalvorn_aidl_manager.h"
@@ -234,6 +235,7 @@ class EveryMethodTest : public LibraryTest {
 static_assert(std::size(kRows) == 58);
 
 TEST_F(EveryMethodTest, WithoutItsService) {
+    LoadWith(kAidl, "");
     for (const Row& row : kRows) {
         if (row.hidlAbsentLines == nullptr) continue;
         SCOPED_TRACE(row.method);
@@ -294,7 +296,7 @@ TEST_F(EveryMethodTest, WithoutMemoryForAnArgument) {
         for (const Backend backend : BackendsOf(row)) {
             LoadWith(backend, row.service);
             SCOPED_TRACE(Trace(backend, row));
-            const java::RefuseNextCopy refusal;
+            const java::RefuseNext refusal(java::Jni::kCopy);
             EXPECT_EQ(row.absent, java::Call(row.method, row.args));
             ExpectNothingAsked(row.method);
             const std::string last = TakeLastLine();
@@ -305,6 +307,47 @@ TEST_F(EveryMethodTest, WithoutMemoryForAnArgument) {
             }
         }
     }
+}
+
+// A text that is lost is null, and a static field keeps its own: after one line in either case, and
+// with all else as usual. What fills a field asks for no other text before.
+TEST_F(EveryMethodTest, WithoutMemoryForAText) {
+    const std::set<std::string> fillers{"nativePowerTest", "nativeStorageJoblessTest",
+                                        "nativeStorageTestJudge", "nativeI2cTest"};
+    int texts = 0;
+    for (const Row& row : kRows) {
+        const bool fillsField = fillers.count(row.method) != 0;
+        if (row.absent != std::string(kText) && !fillsField) continue;
+        for (const Backend backend : BackendsOf(row)) {
+            LoadWith(backend, row.service);
+            SCOPED_TRACE(Trace(backend, row));
+            const auto call = [&] {
+                for (const std::string& asked : Split(row.asks)) {
+                    if (!fillsField) device.Script(asked, {0, "text"});
+                }
+                return java::Call(row.method, row.args);
+            };
+            const std::string usual = call();
+            const Lines usualCalls = device.TakeCalls();
+            const size_t usualLines = TakeLog().size();
+            java::SetStaticField("currentValue", "old value");
+            java::SetStaticField("i2cInfo", "old info");
+
+            const java::RefuseNext refusal(java::Jni::kText);
+            EXPECT_EQ(fillsField ? usual : "null", call());
+            EXPECT_EQ(usualCalls, device.TakeCalls());
+            const Lines log = TakeLog();
+            EXPECT_EQ(usualLines + 1, log.size());
+            const char* lost = fillsField ? "E cannot set " : "E no memory for the Java text of ";
+            EXPECT_EQ(1, std::count_if(log.begin(), log.end(), [&](const std::string& line) {
+                          return line.rfind(lost, 0) == 0;
+                      }));
+            EXPECT_EQ("\"old value\"", java::StaticField("currentValue"));
+            EXPECT_EQ("\"old info\"", java::StaticField("i2cInfo"));
+            texts++;
+        }
+    }
+    EXPECT_EQ(50, texts);
 }
 
 // The first null field, in the order in which they are read, is logged alone.
@@ -421,6 +464,77 @@ TEST_F(EveryMethodTest, ItemNamesOfNoServiceAreKept) {
         EXPECT_EQ(1, count.use().intsTaken);
         EXPECT_EQ(1, count.use().intsCommitted);
         EXPECT_EQ(0, count.use().intsReleased);
+    }
+}
+
+TEST_F(EveryMethodTest, ItemNamesWithoutMemoryForTheirResults) {
+    for (const Backend backend : {kAidl, kHidl}) {
+        for (const java::Jni refused : {java::Jni::kIntArray, java::Jni::kIntElements}) {
+            LoadWith(backend, "factory");
+            const java::RefuseNext refusal(refused);
+            EXPECT_EQ("null", java::Call("nativeSetTestItemName", {"m", "s"}));
+            ExpectNothingAsked("item names");
+            EXPECT_EQ(3, LinesLogged());
+            EXPECT_EQ("E no memory for the Java array of two results", TakeLastLine());
+            EXPECT_EQ(2, refusal.use().textsTaken);
+            EXPECT_EQ(2, refusal.use().textsReleased);
+            EXPECT_EQ(refusal.use().intsTaken, refusal.use().intsReleased);
+        }
+        LoadWith(backend, "factory");
+        const java::RefuseNext refusal(java::Jni::kIntArray);
+        EXPECT_EQ("null", java::Call("nativeSetTestItemName", {"m", nullptr}));
+        EXPECT_EQ(3, LinesLogged());
+        EXPECT_EQ("E no memory for the Java array of {-9999, -9999}", TakeLastLine());
+        EXPECT_EQ(1, refusal.use().textsReleased);
+    }
+}
+
+TEST_F(EveryMethodTest, WithoutAClassOrFieldThatItNeeds) {
+    const struct {
+        const char* method;
+        Args args;
+        const char* result;
+        size_t calls;
+        int fields;
+        const char* line;
+    } cases[] = {
+            {"nativeI2cTest",
+             {},
+             "\"pass\"",
+             1,
+             1,
+             "E cannot set i2cInfo to \"bus0:0x38 bus2:0x6b\""},
+            {"nativeSendBigDataOperation",
+             {kOperation},
+             "-9999",
+             0,
+             6,
+             "E cannot find the fields of com/quorvin/kalvornii/BigDataOperation"},
+            {"nativeSendBigDataValue",
+             {kValue},
+             "-9999",
+             0,
+             16,
+             "E cannot find the fields of com/quorvin/kalvornii/BigDataValue"},
+    };
+    java::SetStaticField("i2cInfo", "old info");
+    for (const auto& c : cases) {
+        for (const Backend backend : {kAidl, kHidl}) {
+            LoadWith(backend, "factory");
+            const auto callRefused = [&](java::Jni refused, int granted) {
+                SCOPED_TRACE(std::string(c.method) + ", field " + std::to_string(granted));
+                const java::RefuseNext refusal(refused, granted);
+                EXPECT_EQ(c.result, java::Call(c.method, c.args));
+                EXPECT_EQ(c.calls, device.TakeCalls().size());
+                const Lines log = TakeLog();
+                EXPECT_EQ(1, std::count(log.begin(), log.end(), c.line));
+                EXPECT_EQ("\"old info\"", java::StaticField("i2cInfo"));
+            };
+            callRefused(java::Jni::kClass, 0);
+            for (int granted = 0; granted < c.fields; granted++) {
+                callRefused(java::Jni::kField, granted);
+            }
+        }
     }
 }
 

@@ -29,6 +29,9 @@ void CaptureLog(const __android_logger_data* data, const char* message) {
     g_log.push_back(std::string(1, "??VDIWEF"[data->priority]) + " " + message);
 }
 
+// The virtual machine's own, whatever a test puts in their place.
+const JNINativeInterface_* g_functions;
+
 JavaVM* StartVm() {
     static char classPath[] = "-Djava.class.path=" KALVORN_CLASS_PATH;
     static char check[] = "-Xcheck:jni";
@@ -38,6 +41,7 @@ JavaVM* StartVm() {
     JavaVM* vm = nullptr;
     JNIEnv* env = nullptr;
     if (JNI_CreateJavaVM(&vm, reinterpret_cast<void**>(&env), &args) != JNI_OK) abort();
+    g_functions = env->functions;
     return vm;
 }
 
@@ -120,6 +124,7 @@ std::string Show(jstring text) {
 }
 
 std::string Show(jintArray array) {
+    if (array == nullptr) return "null";
     std::vector<jint> values(static_cast<size_t>(Env()->GetArrayLength(array)));
     Env()->GetIntArrayRegion(array, 0, static_cast<jsize>(values.size()), values.data());
     std::string shown;
@@ -135,6 +140,7 @@ jobject Application() {
 
 std::string Call(const std::string& method, const std::vector<Arg>& args) {
     JNIEnv* env = Env();
+    const JNINativeInterface_* functions = std::exchange(env->functions, g_functions);
     env->PushLocalFrame(64);
     const std::string signature = SignatureOf(method);
     jmethodID id = env->GetMethodID(KvNativeInterface(), method.c_str(), signature.c_str());
@@ -144,11 +150,14 @@ std::string Call(const std::string& method, const std::vector<Arg>& args) {
     const bool isNumber = signature.substr(signature.find(')')) == ")I";
     jint number = 0;
     jobject object = nullptr;
+    jobject application = Application();
+    env->functions = functions;
     if (isNumber) {
-        number = env->CallIntMethodA(Application(), id, values.data());
+        number = env->CallIntMethodA(application, id, values.data());
     } else {
-        object = env->CallObjectMethodA(Application(), id, values.data());
+        object = env->CallObjectMethodA(application, id, values.data());
     }
+    env->functions = g_functions;
     EXPECT_FALSE(env->ExceptionCheck()) << method;
     env->ExceptionClear();
     std::string result;
@@ -160,32 +169,47 @@ std::string Call(const std::string& method, const std::vector<Arg>& args) {
         result = Show(static_cast<jstring>(object));
     }
     env->PopLocalFrame(nullptr);
+    env->functions = functions;
     return result;
 }
 
 std::string StaticField(const char* name) {
+    Env()->PushLocalFrame(8);
     jfieldID id = Env()->GetStaticFieldID(KvNativeInterface(), name, "Ljava/lang/String;");
-    return Show(static_cast<jstring>(Env()->GetStaticObjectField(KvNativeInterface(), id)));
+    std::string shown =
+            Show(static_cast<jstring>(Env()->GetStaticObjectField(KvNativeInterface(), id)));
+    Env()->PopLocalFrame(nullptr);
+    return shown;
 }
 
 void SetStaticField(const char* name, const char* text) {
+    Env()->PushLocalFrame(8);
     jfieldID id = Env()->GetStaticFieldID(KvNativeInterface(), name, "Ljava/lang/String;");
     Env()->SetStaticObjectField(KvNativeInterface(), id, String(text));
+    Env()->PopLocalFrame(nullptr);
 }
 
 namespace {
 
 JniUse g_use;
-const JNINativeInterface_* g_functions;
+Jni g_refused = Jni::kNothing;
+int g_granted;
 JNINativeInterface_ g_counting;
 
-}  // namespace
+/** Whether this request is the one to refuse; then its exception is pending. */
+bool Refuses(JNIEnv* env, Jni request) {
+    EXPECT_FALSE(env->ExceptionCheck()) << "a request with an exception pending";
+    if (g_refused != request || g_granted-- > 0) return false;
+    g_refused = Jni::kNothing;
+    jclass error = g_functions->FindClass(env, "java/lang/OutOfMemoryError");
+    g_functions->ThrowNew(env, error, "refused");
+    g_functions->DeleteLocalRef(env, error);
+    return true;
+}
 
-CountJniUse::CountJniUse() {
-    g_use = {};
-    g_functions = Env()->functions;
-    g_counting = *g_functions;
-    g_counting.GetStringUTFChars = [](JNIEnv* env, jstring text, jboolean* isCopy) {
+void CountTexts() {
+    g_counting.GetStringUTFChars = [](JNIEnv* env, jstring text, jboolean* isCopy) -> const char* {
+        if (Refuses(env, Jni::kCopy)) return nullptr;
         g_use.textsTaken++;
         return g_functions->GetStringUTFChars(env, text, isCopy);
     };
@@ -193,7 +217,15 @@ CountJniUse::CountJniUse() {
         g_use.textsReleased++;
         g_functions->ReleaseStringUTFChars(env, text, chars);
     };
-    g_counting.GetByteArrayElements = [](JNIEnv* env, jbyteArray array, jboolean* isCopy) {
+    g_counting.NewStringUTF = [](JNIEnv* env, const char* text) {
+        return Refuses(env, Jni::kText) ? nullptr : g_functions->NewStringUTF(env, text);
+    };
+}
+
+void CountArrays() {
+    g_counting.GetByteArrayElements = [](JNIEnv* env, jbyteArray array,
+                                         jboolean* isCopy) -> jbyte* {
+        if (Refuses(env, Jni::kCopy)) return nullptr;
         g_use.bytesTaken++;
         return g_functions->GetByteArrayElements(env, array, isCopy);
     };
@@ -202,7 +234,11 @@ CountJniUse::CountJniUse() {
         if (mode != JNI_COMMIT) g_use.bytesReleased++;
         g_functions->ReleaseByteArrayElements(env, array, elements, mode);
     };
-    g_counting.GetIntArrayElements = [](JNIEnv* env, jintArray array, jboolean* isCopy) {
+    g_counting.NewIntArray = [](JNIEnv* env, jsize length) {
+        return Refuses(env, Jni::kIntArray) ? nullptr : g_functions->NewIntArray(env, length);
+    };
+    g_counting.GetIntArrayElements = [](JNIEnv* env, jintArray array, jboolean* isCopy) -> jint* {
+        if (Refuses(env, Jni::kIntElements)) return nullptr;
         g_use.intsTaken++;
         return g_functions->GetIntArrayElements(env, array, isCopy);
     };
@@ -211,27 +247,32 @@ CountJniUse::CountJniUse() {
         (mode == JNI_COMMIT ? g_use.intsCommitted : g_use.intsReleased)++;
         g_functions->ReleaseIntArrayElements(env, array, elements, mode);
     };
-    Env()->functions = &g_counting;
 }
 
-namespace {
-
-void Refuse(JNIEnv* env) {
-    env->functions = g_functions;
-    env->ThrowNew(env->FindClass("java/lang/OutOfMemoryError"), "no copy");
+void CountLookups() {
+    g_counting.FindClass = [](JNIEnv* env, const char* name) {
+        return Refuses(env, Jni::kClass) ? nullptr : g_functions->FindClass(env, name);
+    };
+    g_counting.GetFieldID = [](JNIEnv* env, jclass clazz, const char* name, const char* type) {
+        return Refuses(env, Jni::kField) ? nullptr
+                                         : g_functions->GetFieldID(env, clazz, name, type);
+    };
+    g_counting.GetStaticFieldID = [](JNIEnv* env, jclass clazz, const char* name,
+                                     const char* type) {
+        return Refuses(env, Jni::kField) ? nullptr
+                                         : g_functions->GetStaticFieldID(env, clazz, name, type);
+    };
 }
 
 }  // namespace
 
-RefuseNextCopy::RefuseNextCopy() {
-    g_counting.GetStringUTFChars = [](JNIEnv* env, jstring, jboolean*) -> const char* {
-        Refuse(env);
-        return nullptr;
-    };
-    g_counting.GetByteArrayElements = [](JNIEnv* env, jbyteArray, jboolean*) -> jbyte* {
-        Refuse(env);
-        return nullptr;
-    };
+CountJniUse::CountJniUse() {
+    g_use = {};
+    g_counting = *g_functions;
+    CountTexts();
+    CountArrays();
+    CountLookups();
+    Env()->functions = &g_counting;
 }
 
 CountJniUse::~CountJniUse() {
@@ -240,6 +281,16 @@ CountJniUse::~CountJniUse() {
 
 const JniUse& CountJniUse::use() const {
     return g_use;
+}
+
+RefuseNext::RefuseNext(Jni request, int granted) {
+    g_refused = request;
+    g_granted = granted;
+}
+
+RefuseNext::~RefuseNext() {
+    EXPECT_EQ(Jni::kNothing, g_refused) << "the library asked for nothing that could be refused";
+    g_refused = Jni::kNothing;
 }
 
 }  // namespace java
@@ -260,7 +311,10 @@ int LinesLogged() {
 }
 
 jint Load() {
-    return JNI_OnLoad(java::Vm(), nullptr);
+    java::Env()->PushLocalFrame(8);
+    const jint version = JNI_OnLoad(java::Vm(), nullptr);
+    java::Env()->PopLocalFrame(nullptr);
+    return version;
 }
 
 void Unload() {

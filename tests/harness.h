@@ -58,18 +58,31 @@ struct JniUse {
     int intsTaken, intsReleased, intsCommitted;
 };
 
-/** Counts on the constructing thread for its own lifetime. */
+/**
+ * Counts on the constructing thread for its own lifetime, in the native methods that Call() calls
+ * and in operations that a test calls itself; Call()'s own arguments and results are not counted.
+ */
 class CountJniUse {
   public:
     CountJniUse();
     ~CountJniUse();
+    CountJniUse(const CountJniUse&) = delete;
+    CountJniUse& operator=(const CountJniUse&) = delete;
     const JniUse& use() const;
 };
 
-/** The next text or byte array that the library wants to read gives OutOfMemoryError instead. */
-class RefuseNextCopy : public CountJniUse {
+/** What the virtual machine can refuse. */
+enum class Jni { kNothing, kCopy, kText, kIntArray, kIntElements, kClass, kField };
+
+/**
+ * Counts, and lets the library's next such request (a copy is a text's or a byte array's
+ * characters) give OutOfMemoryError instead, or the one after so many that it grants. It fails the
+ * test when there was none, and when the library makes a request while an exception is pending.
+ */
+class RefuseNext : public CountJniUse {
   public:
-    RefuseNextCopy();
+    explicit RefuseNext(Jni request, int granted = 0);
+    ~RefuseNext();
 };
 
 }  // namespace java
