@@ -1,9 +1,12 @@
 #include <binder/IServiceManager.h>
+#include <unistd.h>
 
 #include <chrono>
+#include <future>
 #include <thread>
 
 #include "aidl/services.h"
+#include "asleep.h"
 #include "harness.h"
 #include "hidl/services.h"
 
@@ -228,10 +231,14 @@ TEST_F(ConnectionsTest, ARefusedSessionIsNotAskedForAgain) {
 
 TEST_F(ConnectionsTest, AFingerprintServiceThatNeverComes) {
     device.At(kAidl, "fingerprint").Declare();
-    std::thread loader([] { EXPECT_EQ(0, native_aidl::InitFingerprintService()); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    device.At(kAidl, "fingerprint").Undeclare();
-    loader.join();
+    std::promise<pid_t> id;
+    auto loader = std::async(std::launch::async, [&] {
+        id.set_value(gettid());
+        return native_aidl::InitFingerprintService();
+    });
+    WaitUntilAsleep(id.get_future());
+    device.Reset();  // without a service, only the stand-in ends the wait
+    EXPECT_EQ(0, loader.get());
     EXPECT_EQ("E Could not connect to declared sensors AIDL HAL", TakeLastLine());
 }
 

@@ -7,11 +7,18 @@
 #include <binder/Parcel.h>
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <atomic>
+#include <condition_variable>
 #include <functional>
 #include <future>
+#include <mutex>
+#include <string>
 #include <thread>
+#include <vector>
 
+#include "asleep.h"
 #include "binder_host.h"
 
 using namespace android;
@@ -101,13 +108,13 @@ TEST_F(HostBinderTest, AFailedCallLeavesTheCallersValueAlone) {
 TEST_F(HostBinderTest, ABlockedNoticeDoesNotHoldUpTheNextDeath) {
     const sp<Echo> first = new Echo, second = new Echo;
     const sp<IBinder> proxy1 = Publish(first), proxy2 = Publish(second, String16("second"));
-    std::promise<void> told;
+    std::promise<void> entered, told;
     std::atomic<int> waited = 0;
     const auto tester = std::this_thread::get_id();
     sp<Recipient> waiting = new Recipient([&](const wp<IBinder>& who) {
         EXPECT_TRUE(who == proxy1);
         EXPECT_NE(tester, std::this_thread::get_id());
-        EXPECT_EQ(DEAD_OBJECT, proxy1->unlinkToDeath(waiting));
+        entered.set_value();
         EXPECT_NE(nullptr, defaultServiceManager()->waitForService(kName));
         ++waited;
     });
@@ -115,9 +122,10 @@ TEST_F(HostBinderTest, ABlockedNoticeDoesNotHoldUpTheNextDeath) {
     EXPECT_EQ(OK, proxy1->linkToDeath(waiting));
     EXPECT_EQ(OK, proxy2->linkToDeath(prompt));
     for (int kill = 0; kill < 2; ++kill) KillService(first);
-    EXPECT_FALSE(WaitForDeathDelivery(20ms));
+    entered.get_future().wait();
+    EXPECT_FALSE(WaitForDeathDelivery(0ms));
     KillService(second);
-    EXPECT_EQ(std::future_status::ready, told.get_future().wait_for(5s));
+    told.get_future().wait();
     EXPECT_EQ(0, waited);
     Publish(new Echo);
     EXPECT_TRUE(WaitForDeathDelivery(5s));
@@ -127,43 +135,314 @@ TEST_F(HostBinderTest, ABlockedNoticeDoesNotHoldUpTheNextDeath) {
 TEST_F(HostBinderTest, LinksAreMatchedAndCounted) {
     const sp<Echo> service = new Echo;
     sp<IBinder> proxy = Publish(service);
-    int told = 0, cookie = 0;
+    int told = 0, a, b;
+    wp<IBinder::DeathRecipient> removed;
     sp<Recipient> recipient = new Recipient([&](const wp<IBinder>&) { ++told; });
     EXPECT_EQ(INVALID_OPERATION, service->linkToDeath(recipient));
+    EXPECT_EQ(NAME_NOT_FOUND, proxy->unlinkToDeath(recipient));
     RefuseDeathLinks(service, true);
     EXPECT_EQ(INVALID_OPERATION, proxy->linkToDeath(recipient));
     RefuseDeathLinks(service, false);
-    EXPECT_EQ(OK, proxy->linkToDeath(recipient));
-    EXPECT_EQ(OK, proxy->linkToDeath(recipient, &cookie));
-    EXPECT_EQ(OK, proxy->linkToDeath(recipient, &cookie));
-    EXPECT_EQ(NAME_NOT_FOUND, proxy->unlinkToDeath(recipient, &told));
-    EXPECT_EQ(NAME_NOT_FOUND, proxy->unlinkToDeath(recipient, &cookie, 1));
-    EXPECT_EQ(OK, proxy->unlinkToDeath(recipient, &cookie));
+    for (void* cookie : {&a, &b, &b, &b}) EXPECT_EQ(OK, proxy->linkToDeath(recipient, cookie));
+    EXPECT_EQ(NAME_NOT_FOUND, proxy->unlinkToDeath(recipient, &b, 1)) << "flags are compared";
+    EXPECT_EQ(OK, proxy->unlinkToDeath(recipient, &b)) << "the first link, whatever its cookie";
+    EXPECT_EQ(NAME_NOT_FOUND, proxy->unlinkToDeath(nullptr, &a));
+    EXPECT_EQ(OK, proxy->unlinkToDeath(nullptr, &b, 0, &removed));
+    EXPECT_TRUE(removed == recipient);
     EXPECT_EQ(2u, DeathLinkCount(service));
     EXPECT_EQ(OK, proxy->linkToDeath(new Recipient([&](const wp<IBinder>&) { told = 100; })));
+    EXPECT_EQ(2u, DeathLinkCount(service)) << "the last one's recipient has gone";
     KillService(service);
+    EXPECT_EQ(0u, DeathLinkCount(service));
     EXPECT_TRUE(WaitForDeathDelivery(5s));
-    EXPECT_EQ(2, told) << "once per link, and not to the recipient that has gone";
-    EXPECT_EQ(DEAD_OBJECT, proxy->linkToDeath(recipient));
+    EXPECT_EQ(2, told) << "once per link";
 }
 
-TEST_F(HostBinderTest, ALateServiceOrAWithdrawnNameReleasesTheWaiter) {
-    const std::pair<std::function<void()>, bool> cases[] = {
-            {[] { Publish(new Echo); }, true},
-            {[] { UndeclareService("pkg.IEcho/default"); }, false},
-            {[] { ResetServiceManager(); }, false},
+/** As many as the platform gives a process that asks for no other number. */
+constexpr size_t kBinderThreads = 15;
+
+/** Keeps every binder thread in a notice: those that come later wait until this is released. */
+class BusyBinderThreads {
+  public:
+    BusyBinderThreads() {
+        std::vector<sp<IBinder>> services;
+        for (size_t i = 0; i < kBinderThreads; ++i) {
+            services.push_back(new Echo);
+            mProxies.push_back(Publish(services.back(), String16(std::to_string(i).c_str())));
+            mRecipients.push_back(new Recipient([this](const wp<IBinder>&) { hold(); }));
+            EXPECT_EQ(OK, mProxies.back()->linkToDeath(mRecipients.back()));
+        }
+        KillProcess(services);
+        std::unique_lock<std::mutex> lock(mMutex);
+        EXPECT_TRUE(mChanged.wait_for(lock, 30s, [this] { return mHeld == kBinderThreads; }))
+                << mHeld;
+    }
+    ~BusyBinderThreads() { release(); }
+
+    /** Returns when what waited has been told, too. */
+    void release() {
+        {
+            std::lock_guard<std::mutex> lock(mMutex);
+            mReleased = true;
+            mChanged.notify_all();
+        }
+        EXPECT_TRUE(WaitForDeathDelivery(30s));
+    }
+
+  private:
+    void hold() {
+        std::unique_lock<std::mutex> lock(mMutex);
+        ++mHeld;
+        mChanged.notify_all();
+        mChanged.wait(lock, [this] { return mReleased; });
+    }
+
+    std::vector<sp<IBinder>> mProxies;
+    std::vector<sp<Recipient>> mRecipients;
+    std::mutex mMutex;
+    std::condition_variable mChanged;
+    size_t mHeld = 0;
+    bool mReleased = false;
+};
+
+TEST_F(HostBinderTest, OnlyTheObituaryEndsTheLinks) {
+    std::atomic<int> told = 0;
+    const sp<Recipient> before = new Recipient([](const wp<IBinder>&) { FAIL(); });
+    const sp<Recipient> late = new Recipient([&](const wp<IBinder>&) { ++told; });
+    const sp<Echo> service = new Echo, quiet = new Echo, dropped = new Echo;
+    const sp<IBinder> proxy = Publish(service), quietProxy = Publish(quiet);
+    sp<IBinder> droppedProxy = Publish(dropped);
+    for (const auto& linked : {proxy, quietProxy, droppedProxy}) {
+        EXPECT_EQ(OK, linked->linkToDeath(before));
+    }
+
+    BusyBinderThreads busy;
+    KillProcess({service, quiet, dropped});
+    EXPECT_TRUE(proxy->isBinderAlive()) << "a proxy knows only what it was told";
+    EXPECT_EQ(DEAD_OBJECT, proxy->pingBinder());
+    EXPECT_FALSE(proxy->isBinderAlive());
+    EXPECT_EQ(OK, proxy->unlinkToDeath(before));
+    EXPECT_EQ(NAME_NOT_FOUND, proxy->unlinkToDeath(before));
+    for (int link = 0; link < 2; ++link) EXPECT_EQ(OK, proxy->linkToDeath(late));
+    EXPECT_EQ(OK, quietProxy->unlinkToDeath(before));
+    droppedProxy = nullptr;
+    EXPECT_FALSE(WaitForDeathDelivery(0ms));
+    EXPECT_EQ(0, told);
+
+    busy.release();
+    EXPECT_EQ(2, told);
+    for (const auto& linked : {proxy, quietProxy}) {
+        EXPECT_FALSE(linked->isBinderAlive()) << "told, although nobody was linked";
+        EXPECT_EQ(DEAD_OBJECT, linked->linkToDeath(late));
+        EXPECT_EQ(DEAD_OBJECT, linked->unlinkToDeath(late));
+    }
+}
+
+TEST_F(HostBinderTest, ADeadServiceHandedOutAgain) {
+    KeepDeadNames(true);
+    const sp<Echo> service = new Echo, living = new Echo;
+    sp<IBinder> proxy = Publish(service);
+    Publish(living, String16("living"));
+    const auto lookUp = [] { return defaultServiceManager()->waitForService(kName); };
+    std::atomic<int> told = 0;
+    const sp<Recipient> again = new Recipient([&](const wp<IBinder>&) { ++told; });
+    const sp<Recipient> first = new Recipient([&](const wp<IBinder>& who) {
+        proxy = nullptr;
+        EXPECT_TRUE(who.promote() == nullptr);
+        proxy = lookUp();
+        EXPECT_TRUE(who == proxy) << "a notice under way keeps the proxy in use";
+        EXPECT_EQ(DEAD_OBJECT, proxy->linkToDeath(again));
+    });
+    EXPECT_EQ(OK, proxy->linkToDeath(first));
+    KillService(service);
+    EXPECT_TRUE(WaitForDeathDelivery(5s));
+    EXPECT_EQ(proxy, lookUp());
+
+    wp<IBinder> weak = proxy;
+    proxy = nullptr;
+    EXPECT_EQ(DEAD_OBJECT, lookUp()->linkToDeath(again)) << "still the same proxy";
+    weak = nullptr;
+    proxy = lookUp();
+    EXPECT_TRUE(proxy->isBinderAlive());
+    EXPECT_EQ(OK, proxy->linkToDeath(again));
+    EXPECT_TRUE(WaitForDeathDelivery(5s));
+    EXPECT_EQ(1, told) << "a new proxy has an obituary of its own";
+    EXPECT_EQ(DEAD_OBJECT, proxy->linkToDeath(again));
+
+    EXPECT_EQ(OK, Publish(new Echo)->pingBinder()) << "a new service takes the name over";
+    const sp<Echo> other = new Echo;
+    Publish(other, String16("other"));
+    KillService(other);
+    EXPECT_NE(nullptr, defaultServiceManager()->checkService(String16("other")));
+    KeepDeadNames(false);
+    EXPECT_EQ(nullptr, defaultServiceManager()->checkService(String16("other")));
+    EXPECT_EQ(OK, defaultServiceManager()->checkService(String16("living"))->pingBinder());
+}
+
+TEST_F(HostBinderTest, AProcessDiesAsOne) {
+    for (int round = 0; round < 200; ++round) {
+        std::vector<sp<IBinder>> services, proxies;
+        const auto name = [](size_t i) { return String16(std::to_string(i).c_str()); };
+        for (size_t i = 0; i < 4; ++i) {
+            services.push_back(new Echo);
+            proxies.push_back(Publish(services[i], name(i)));
+        }
+        std::atomic<int> told = 0;
+        const sp<Recipient> recipient = new Recipient([&](const wp<IBinder>&) {
+            ++told;
+            for (size_t i = services.size(); i-- > 0;) {
+                EXPECT_EQ(DEAD_OBJECT, proxies[i]->pingBinder());
+                EXPECT_EQ(nullptr, defaultServiceManager()->checkService(name(i)));
+            }
+            KillProcess(services);
+        });
+        for (const sp<IBinder>& proxy : proxies) EXPECT_EQ(OK, proxy->linkToDeath(recipient));
+        KillProcess(services);
+        ASSERT_TRUE(WaitForDeathDelivery(5s));
+        ASSERT_EQ(4, told);
+    }
+}
+
+TEST_F(HostBinderTest, UnlinkingOrDroppingRacesWithTheNotice) {
+    for (int round = 0; round < 300; ++round) {
+        const sp<Echo> service = new Echo;
+        sp<IBinder> proxy = Publish(service), dropped;
+        std::atomic<int> told = 0;
+        const sp<Recipient> kept = new Recipient([&](const wp<IBinder>&) { ++told; });
+        sp<Recipient> leaving = new Recipient([](const wp<IBinder>&) {});
+        EXPECT_EQ(OK, proxy->linkToDeath(kept));
+        EXPECT_EQ(OK, proxy->linkToDeath(leaving));
+        auto killer = std::async(std::launch::async, [&] { KillService(service); });
+        if (round % 3 == 0) {
+            proxy = nullptr;
+        } else if (round % 3 == 1) {
+            leaving = nullptr;
+        }
+        if (proxy != nullptr) {
+            const bool unlinked = proxy->unlinkToDeath(kept) == OK;
+            killer.wait();
+            ASSERT_TRUE(WaitForDeathDelivery(5s));
+            ASSERT_EQ(unlinked ? 0 : 1, told);
+        }
+        killer.wait();
+        ASSERT_TRUE(WaitForDeathDelivery(5s));
+    }
+}
+
+TEST_F(HostBinderTest, LookingUpRacesWithDropping) {
+    const sp<Echo> service = new Echo;
+    Publish(service);
+    const auto useIt = [] {
+        const sp<Recipient> recipient = new Recipient([](const wp<IBinder>&) { FAIL(); });
+        for (int round = 0; round < 3000; ++round) {
+            const sp<IBinder> proxy = defaultServiceManager()->checkService(kName);
+            ASSERT_EQ(OK, proxy->linkToDeath(recipient));
+            ASSERT_EQ(OK, proxy->pingBinder());
+            ASSERT_EQ(OK, proxy->unlinkToDeath(recipient)) << "somebody else's dropping took it";
+        }
     };
-    for (const auto& [release, served] : cases) {
+    auto other = std::async(std::launch::async, useIt);
+    useIt();
+    other.get();
+    EXPECT_EQ(0u, DeathLinkCount(service));
+    KillService(service);
+}
+
+TEST_F(HostBinderTest, OnlyTheServiceOrAResetEndsAWait) {
+    for (const bool served : {true, false}) {
         ResetServiceManager();
         DeclareService("pkg.IEcho/default");
         EXPECT_TRUE(defaultServiceManager()->isDeclared(kName));
-        auto waiter = std::async(std::launch::async,
-                                 [] { return defaultServiceManager()->waitForService(kName); });
-        EXPECT_EQ(std::future_status::timeout, waiter.wait_for(30ms));
-        release();
+        std::promise<pid_t> id;
+        auto waiter = std::async(std::launch::async, [&] {
+            id.set_value(gettid());
+            return defaultServiceManager()->waitForService(kName);
+        });
+        WaitUntilAsleep(id.get_future());
+        UndeclareService("pkg.IEcho/default");
+        EXPECT_FALSE(defaultServiceManager()->isDeclared(kName));
+        EXPECT_EQ(std::future_status::timeout, waiter.wait_for(20ms));
+        if (served) {
+            Publish(new Echo);
+        } else {
+            ResetServiceManager();
+        }
         EXPECT_EQ(served, waiter.get() != nullptr);
-        EXPECT_EQ(served, defaultServiceManager()->isDeclared(kName));
     }
+}
+
+constexpr size_t kMost = 1024 * 1024 - 2 * 4096;
+
+/** Answers with as many bytes as it is asked for. */
+struct Bulk : Echo {
+    status_t onTransact(uint32_t, const Parcel& data, Parcel* reply, uint32_t) override {
+        ++calls;
+        onCall();
+        return reply->setDataSize(data.readInt32());
+    }
+};
+
+status_t CallBulk(const sp<IBinder>& binder, size_t send, size_t receive, Parcel* reply) {
+    Parcel data;
+    data.writeInt32(static_cast<int32_t>(receive));
+    data.setDataSize(send);
+    return binder->transact(IBinder::FIRST_CALL_TRANSACTION, data, reply);
+}
+
+status_t CallBulk(const sp<IBinder>& binder, size_t send, size_t receive) {
+    Parcel reply;
+    return CallBulk(binder, send, receive, &reply);
+}
+
+TEST_F(HostBinderTest, WhatIsLargerThanABufferFails) {
+    const sp<Bulk> service = new Bulk;
+    const sp<IBinder> proxy = Publish(service);
+    const struct {
+        size_t send, receive;
+        status_t expected;
+        int calls;
+    } cases[] = {
+            {kMost, 4, OK, 1},
+            {4, kMost, OK, 1},
+            {kMost, kMost, OK, 1},
+            {kMost + 4, 4, FAILED_TRANSACTION, 0},
+            {4, kMost + 4, FAILED_TRANSACTION, 1},
+    };
+    for (const auto& [send, receive, expected, calls] : cases) {
+        service->calls = 0;
+        Parcel reply;
+        EXPECT_EQ(expected, CallBulk(proxy, send, receive, &reply));
+        EXPECT_EQ(expected == OK ? receive : 0, reply.dataSize());
+        EXPECT_EQ(calls, service->calls) << send << " " << receive;
+    }
+    KillService(service);
+    EXPECT_EQ(DEAD_OBJECT, CallBulk(proxy, kMost + 4, 4)) << "death comes first";
+}
+
+TEST_F(HostBinderTest, TransactionsUnderWayShareABuffer) {
+    const sp<Bulk> service = new Bulk, other = new Bulk;
+    const sp<IBinder> proxy = Publish(service), otherProxy = Publish(other);
+    std::vector<status_t> nested;
+    service->onCall = [&] {
+        if (service->calls > 1) return;
+        nested = {CallBulk(proxy, kMost / 2, 4), CallBulk(proxy, kMost / 4, 4),
+                  CallBulk(otherProxy, kMost / 2, 4)};
+    };
+    const auto callAll = [&] {
+        service->calls = 0;
+        EXPECT_EQ(OK, CallBulk(proxy, kMost / 2 + 8, 4));
+        return nested;
+    };
+    EXPECT_EQ((std::vector<status_t>{FAILED_TRANSACTION, OK, OK}), callAll());
+    ShareProcess({service, other});
+    EXPECT_EQ((std::vector<status_t>{FAILED_TRANSACTION, OK, FAILED_TRANSACTION}), callAll());
+    EXPECT_EQ(OK, CallBulk(otherProxy, kMost, 4)) << "all given back";
+    {
+        Parcel kept;
+        EXPECT_EQ(OK, CallBulk(proxy, 4, kMost / 2 + 8, &kept));
+        EXPECT_EQ(FAILED_TRANSACTION, CallBulk(otherProxy, 4, kMost / 2));
+    }
+    EXPECT_EQ(OK, CallBulk(proxy, 4, kMost)) << "a reply takes its room until it is freed";
 }
 
 TEST_F(HostBinderTest, NothingIsLeaked) {
@@ -228,33 +507,96 @@ TEST(HostParcelTest, TruncatedOrForgedDataIsRefused) {
     EXPECT_EQ(1u, ints.size() * bytes.size());
 }
 
-TEST_F(HostBinderTest, NdkLinksAreKnownByTheirCookie) {
-    static const AIBinder_Class* const clazz = AIBinder_Class_define(
-            "pkg.INdk", [](void* args) { return args; },
-            [](void* userData) { *static_cast<bool*>(userData) = true; }, nullptr);
-    static std::atomic<void*> told;
-    AIBinder_DeathRecipient* const recipient =
-            AIBinder_DeathRecipient_new([](void* cookie) { told = cookie; });
-    bool destroyed = false;
-    int cookie, other;
-    ndk::SpAIBinder local(AIBinder_new(clazz, &destroyed));
-    EXPECT_EQ(STATUS_INVALID_OPERATION, AIBinder_linkToDeath(local.get(), recipient, &cookie));
-    ASSERT_EQ(EX_NONE, AServiceManager_addService(local.get(), "pkg.INdk/default"));
-    ndk::SpAIBinder remote(AServiceManager_waitForService("pkg.INdk/default"));
+class NdkBinderTest : public HostBinderTest {
+  protected:
+    NdkBinderTest() { ended = told = 0; }
+
+    /** An NDK service's proxy. */
+    static ndk::SpAIBinder Start() {
+        static const AIBinder_Class* const clazz = AIBinder_Class_define(
+                "pkg.INdk", [](void* args) { return args; }, [](void*) { ++ended; }, nullptr);
+        const ndk::SpAIBinder local(AIBinder_new(clazz, nullptr));
+        service = AIBinder_toPlatformBinder(local.get());
+        EXPECT_EQ(EX_NONE, AServiceManager_addService(local.get(), "pkg.INdk/default"));
+        return ndk::SpAIBinder(AServiceManager_waitForService("pkg.INdk/default"));
+    }
+    static void Kill() {
+        KillService(service);
+        EXPECT_TRUE(WaitForDeathDelivery(5s));
+    }
+    ~NdkBinderTest() override { service = nullptr; }
+
+    static inline sp<IBinder> service;
+    static inline std::atomic<int> ended, told;
+    int a = 0, b = 0;
+};
+
+TEST_F(NdkBinderTest, BinderAndCookieNameALinkUntilItsNotice) {
+    static std::atomic<void*> last;
+    AIBinder_DeathRecipient* const recipient = AIBinder_DeathRecipient_new([](void* cookie) {
+        ++told;
+        last = cookie;
+    });
+    ndk::SpAIBinder remote = Start();
     EXPECT_EQ(remote, ndk::SpAIBinder(AServiceManager_waitForService("pkg.INdk/default")));
-    sp<IBinder> service = AIBinder_toPlatformBinder(local.get());
-    EXPECT_EQ(STATUS_OK, AIBinder_linkToDeath(remote.get(), recipient, &cookie));
-    EXPECT_EQ(STATUS_NAME_NOT_FOUND, AIBinder_unlinkToDeath(remote.get(), recipient, &other));
-    EXPECT_EQ(1u, DeathLinkCount(service));
-    KillService(service);
-    EXPECT_TRUE(WaitForDeathDelivery(5s));
-    EXPECT_EQ(&cookie, told);
-    EXPECT_EQ(STATUS_DEAD_OBJECT, AIBinder_unlinkToDeath(remote.get(), recipient, &cookie));
+    for (void* cookie : {&a, &b, &b}) {
+        EXPECT_EQ(STATUS_OK, AIBinder_linkToDeath(remote.get(), recipient, cookie));
+    }
+    EXPECT_EQ(3u, DeathLinkCount(service));
+    EXPECT_EQ(STATUS_NAME_NOT_FOUND, AIBinder_unlinkToDeath(remote.get(), recipient, &told));
+    EXPECT_EQ(STATUS_OK, AIBinder_unlinkToDeath(remote.get(), recipient, &b));
+    EXPECT_EQ(STATUS_OK, AIBinder_unlinkToDeath(remote.get(), recipient, &a));
+    EXPECT_EQ(STATUS_NAME_NOT_FOUND, AIBinder_unlinkToDeath(remote.get(), recipient, &a));
+    Kill();
+    EXPECT_EQ(1, told);
+    EXPECT_EQ(&b, last);
+    EXPECT_EQ(STATUS_NAME_NOT_FOUND, AIBinder_unlinkToDeath(remote.get(), recipient, &b));
+    EXPECT_EQ(STATUS_DEAD_OBJECT, AIBinder_linkToDeath(remote.get(), recipient, &b));
     AIBinder_DeathRecipient_delete(recipient);
     AIBinder_DeathRecipient_delete(nullptr);
     service = nullptr;
-    local = remote = ndk::SpAIBinder();
-    EXPECT_TRUE(destroyed);
+    remote = ndk::SpAIBinder();
+    EXPECT_EQ(1, ended);
+}
+
+TEST_F(NdkBinderTest, ALinkBeforeTheObituaryGetsItsNotice) {
+    AIBinder_DeathRecipient* const recipient = AIBinder_DeathRecipient_new([](void*) { ++told; });
+    const ndk::SpAIBinder remote = Start();
+    KillService(service);
+    EXPECT_EQ(STATUS_OK, AIBinder_linkToDeath(remote.get(), recipient, &a));
+    EXPECT_TRUE(WaitForDeathDelivery(5s));
+    EXPECT_EQ(1, told);
+    EXPECT_EQ(STATUS_DEAD_OBJECT, AIBinder_linkToDeath(remote.get(), recipient, &a));
+    AIBinder_DeathRecipient_delete(recipient);
+}
+
+TEST_F(NdkBinderTest, ALinkEndsWithItsBinderOrItsRecipient) {
+    static AIBinder_DeathRecipient* recipient;
+    static ndk::SpAIBinder remote;
+    const auto link = [&](AIBinder_DeathRecipient_onBinderDied onBinderDied) {
+        recipient = AIBinder_DeathRecipient_new(onBinderDied);
+        EXPECT_EQ(STATUS_OK, AIBinder_linkToDeath(remote.get(), recipient, &a));
+    };
+    remote = Start();
+    const sp<IBinder> proxy = AIBinder_toPlatformBinder(remote.get());
+    link([](void*) { ++told; });
+    remote = ndk::SpAIBinder();
+    Kill();
+    EXPECT_EQ(0, told) << "the platform's proxy is held, but the AIBinder has gone";
+    AIBinder_DeathRecipient_delete(recipient);
+
+    remote = Start();
+    link([](void*) { ++told; });
+    AIBinder_DeathRecipient_delete(recipient);
+    EXPECT_EQ(0u, DeathLinkCount(service));
+    link([](void* cookie) {
+        ++told;
+        EXPECT_EQ(STATUS_DEAD_OBJECT, AIBinder_unlinkToDeath(remote.get(), recipient, cookie));
+        AIBinder_DeathRecipient_delete(recipient);
+        remote = ndk::SpAIBinder();
+    });
+    Kill();
+    EXPECT_EQ(1, told) << "both went during the notice";
 }
 
 }  // namespace

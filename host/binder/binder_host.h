@@ -6,25 +6,45 @@
 #include <chrono>
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace kalvorn::host {
 
 /** Declares a service such as "pkg.IFoo/default": isDeclared() is true from here on. */
 void DeclareService(const std::string& name);
 
-/** Takes a declaration back. Whoever waits for the service gets null; a registration stays. */
+/** Takes a declaration back. A registration stays, and whoever waits for the service goes on. */
 void UndeclareService(const std::string& name);
 
-/** Forgets all declarations and registrations. Whoever waits for a service gets null. */
+/**
+ * Forgets all declarations and registrations, and ends KeepDeadNames. Whoever waits for a service
+ * gets null: that is the host's way to end a wait, which on a device only the service ends.
+ */
 void ResetServiceManager();
 
 /**
- * Lets a service die as if its process had ended: its registrations go, transactions answer
- * DEAD_OBJECT (one that is under way included), and every death link is notified on a binder
- * thread. Does not wait for the notices. `local` is the service object itself, not a proxy, as
- * in all functions below. Killing it again does nothing.
+ * While `keep` is set, a service that dies stays registered, as it may for a moment on a device:
+ * look-ups answer with its proxy. Ending this drops the names of all dead services.
  */
+void KeepDeadNames(bool keep);
+
+/**
+ * Lets services die as if their one process had ended: transactions answer DEAD_OBJECT (those
+ * under way included) and the registrations are gone, for all of them, before the first notice of
+ * death comes. Then every linked proxy is told on a binder thread, several at once. Does not wait
+ * for the notices. `locals` are the service objects themselves, not proxies, as in all functions
+ * below. One that is dead already is passed over.
+ */
+void KillProcess(const std::vector<android::sp<android::IBinder>>& locals);
+
+/** Lets a service die that is alone in its process. */
 void KillService(const android::sp<android::IBinder>& local);
+
+/**
+ * Puts services into one process: the requests under way to them share its transaction buffer.
+ * Otherwise each has a process of its own. What does not fit fails with FAILED_TRANSACTION.
+ */
+void ShareProcess(const std::vector<android::sp<android::IBinder>>& locals);
 
 /** The next call of a method answers `status` without reaching the service; later ones reach it. */
 void FailNextTransaction(const android::sp<android::IBinder>& local, android::status_t status);

@@ -12,14 +12,15 @@ BinderThreads& BinderThreads::Get() {
     return *threads;
 }
 
-void BinderThreads::post(std::function<void()> task) {
+void BinderThreads::post(std::vector<std::function<void()>> tasks) {
     std::lock_guard<std::mutex> lock(mMutex);
-    mTasks.push_back(std::move(task));
-    if (mTasks.size() > mIdle && mThreads < kMaxThreads) {
+    for (std::function<void()>& task : tasks) mTasks.push_back(std::move(task));
+    // They wait for the lock, so that the first one gets no start over the last.
+    for (size_t idle = mIdle; idle < mTasks.size() && mThreads < kMaxThreads; ++idle) {
         ++mThreads;
         std::thread([this] { serve(); }).detach();
     }
-    mWork.notify_one();
+    mWork.notify_all();
 }
 
 bool BinderThreads::waitUntilIdle(std::chrono::milliseconds timeout) {

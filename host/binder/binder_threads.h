@@ -5,6 +5,7 @@
 #include <deque>
 #include <functional>
 #include <mutex>
+#include <vector>
 
 namespace kalvorn::host {
 
@@ -17,7 +18,8 @@ class BinderThreads {
   public:
     static BinderThreads& Get();
 
-    void post(std::function<void()> task);
+    /** The tasks start together, each on a thread of its own as far as there are threads. */
+    void post(std::vector<std::function<void()>> tasks);
 
     /** False if tasks are still waiting or running after `timeout`. */
     bool waitUntilIdle(std::chrono::milliseconds timeout);

@@ -3,15 +3,14 @@
 #include <binder/Parcel.h>
 #include <log/log.h>
 
-#include <algorithm>
+#include <functional>
 #include <utility>
+#include <vector>
 
 #include "binder_host.h"
 #include "binder_threads.h"
-#include "proxy_binder.h"
 #include "service_manager.h"
 
-using android::BBinder;
 using android::DEAD_OBJECT;
 using android::IBinder;
 using android::OK;
@@ -25,131 +24,91 @@ namespace {
 
 const char kServiceId = 0;
 
-void Replace(Parcel* target, const Parcel& source) {
-    target->freeData();
-    target->appendFrom(&source, 0, source.dataSize());
-    target->setDataPosition(0);
+using Holder = std::shared_ptr<LocalService>;
+
+void DeleteHolder(const void*, void* holder, void*) {
+    delete static_cast<Holder*>(holder);
 }
 
-/** The way to a service of this process: copies what crosses, and calls on the caller's thread. */
-class LocalLink : public ServiceLink {
-  public:
-    LocalLink(const sp<BBinder>& binder, LocalService* service)
-        : mBinder(binder), mService(*service) {}
-
-    bool isAlive() const override { return mService.isAlive(); }
-
-    status_t transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags) override {
-        const status_t admitted = mService.admit(code);
-        return admitted == OK ? deliver(code, data, reply, flags) : admitted;
-    }
-
-    status_t linkToDeath(const DeathLink& link) override { return mService.link(link); }
-    status_t unlinkToDeath(const DeathLink& link) override { return mService.unlink(link); }
-    void dropDeathLinks(const wp<IBinder>& who) override { mService.dropLinks(who); }
-
-  private:
-    status_t deliver(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags) {
-        Parcel request, answer;
-        Replace(&request, data);
-        const status_t status = mBinder->transact(code, request, &answer, flags);
-        if (!mService.isAlive()) return DEAD_OBJECT;
-        if (status == OK && reply != nullptr) Replace(reply, answer);
-        return status;
-    }
-
-    const sp<BBinder> mBinder;
-    LocalService& mService;
-};
-
-void Notify(const std::vector<DeathLink>& links) {
-    for (const DeathLink& link : links) {
-        const sp<IBinder::DeathRecipient> recipient = link.recipient.promote();
-        if (recipient != nullptr) recipient->binderDied(link.who);
-    }
+/** Where the one client process receives its replies. */
+const std::shared_ptr<TransactionBuffer>& ClientBuffer() {
+    static const auto* const buffer =
+            new std::shared_ptr<TransactionBuffer>(std::make_shared<TransactionBuffer>());
+    return *buffer;
 }
 
-bool IsLive(const DeathLink& link) {
-    return link.recipient.promote() != nullptr;
+/** The weak pointer keeps the proxy's memory until the notice has returned. */
+std::function<void()> NoticeFor(const wp<ProxyBinder>& proxy) {
+    return [proxy] { proxy.unsafe_get()->sendObituary(); };
 }
 
 }  // namespace
 
 sp<IBinder> RemoteView(const sp<IBinder>& binder) {
     if (binder == nullptr || binder->localBinder() == nullptr) return binder;
-    return LocalService::Of(binder).proxy();
+    return LocalService::Of(binder)->proxy();
 }
 
-LocalService& LocalService::Of(const sp<IBinder>& local) {
+bool IsServiceAlive(const sp<IBinder>& binder) {
+    return binder->localBinder() == nullptr ? binder->isBinderAlive()
+                                            : LocalService::Of(binder)->isAlive();
+}
+
+std::shared_ptr<LocalService> LocalService::Of(const sp<IBinder>& local) {
     static std::mutex mutex;
     LOG_ALWAYS_FATAL_IF(local == nullptr || local->localBinder() == nullptr,
                         "a local binder is needed");
     std::lock_guard<std::mutex> lock(mutex);
-    auto* service = static_cast<LocalService*>(local->findObject(&kServiceId));
-    if (service == nullptr) {
-        service = new LocalService(local->localBinder());
-        local->attachObject(&kServiceId, service, nullptr, [](const void*, void* object, void*) {
-            delete static_cast<LocalService*>(object);
-        });
+    auto* holder = static_cast<Holder*>(local->findObject(&kServiceId));
+    if (holder == nullptr) {
+        holder = new Holder(new LocalService(local->localBinder()));
+        local->attachObject(&kServiceId, holder, nullptr, DeleteHolder);
     }
-    return *service;
+    return *holder;
 }
 
 sp<IBinder> LocalService::proxy() {
     std::lock_guard<std::mutex> lock(mMutex);
-    sp<IBinder> proxy = mProxy.promote();
-    if (proxy == nullptr) {
-        proxy = new ProxyBinder(std::make_unique<LocalLink>(mBinder, this));
-        mProxy = proxy;
+    sp<IBinder> proxy;
+    if (mProxy != nullptr && mProxyRefs->attemptIncWeak(this)) {
+        proxy.force_set(mProxy);
+        mProxyRefs->decWeak(this);
+    } else {
+        mProxy = new ProxyBinder(shared_from_this());
+        mProxyRefs = mProxy->getWeakRefs();
+        proxy = mProxy;
     }
     return proxy;
 }
 
+void LocalService::forget(const ProxyBinder* proxy) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (mProxy == proxy) mProxy = nullptr;
+}
+
 bool LocalService::isAlive() const {
     std::lock_guard<std::mutex> lock(mMutex);
-    return mAlive;
+    return mState == State::kAlive;
 }
 
-status_t LocalService::admit(uint32_t code) {
-    std::lock_guard<std::mutex> lock(mMutex);
-    if (!mAlive) return DEAD_OBJECT;
-    // A ping or a question for the descriptor must not use up the failure.
-    return code <= IBinder::LAST_CALL_TRANSACTION ? std::exchange(mNextFailure, OK) : OK;
+size_t LocalService::deathLinks() const {
+    wp<ProxyBinder> linked;
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        if (mState == State::kAlive) linked = mRequester;
+    }
+    return linked == nullptr ? 0 : linked.unsafe_get()->livingRecipients();
 }
 
-status_t LocalService::link(const DeathLink& link) {
+bool LocalService::die() {
     std::lock_guard<std::mutex> lock(mMutex);
-    if (!mAlive) return DEAD_OBJECT;
-    if (mRefuseLinks) return android::INVALID_OPERATION;
-    mLinks.push_back(link);
-    return OK;
+    return std::exchange(mState, State::kDying) == State::kAlive;
 }
 
-status_t LocalService::unlink(const DeathLink& link) {
+wp<ProxyBinder> LocalService::announce() {
     std::lock_guard<std::mutex> lock(mMutex);
-    if (!mAlive) return DEAD_OBJECT;
-    auto found = std::find(mLinks.begin(), mLinks.end(), link);
-    if (found == mLinks.end()) return android::NAME_NOT_FOUND;
-    mLinks.erase(found);
-    return OK;
-}
-
-void LocalService::dropLinks(const wp<IBinder>& who) {
-    std::lock_guard<std::mutex> lock(mMutex);
-    mLinks.erase(std::remove_if(mLinks.begin(), mLinks.end(),
-                                [&](const DeathLink& link) { return link.who == who; }),
-                 mLinks.end());
-}
-
-std::vector<DeathLink> LocalService::links() const {
-    std::lock_guard<std::mutex> lock(mMutex);
-    return mLinks;
-}
-
-std::vector<DeathLink> LocalService::die() {
-    std::lock_guard<std::mutex> lock(mMutex);
-    mAlive = false;
-    return std::exchange(mLinks, {});
+    mState = State::kDead;
+    return std::exchange(mRequester, nullptr);
 }
 
 void LocalService::failNextTransaction(status_t status) {
@@ -162,25 +121,86 @@ void LocalService::refuseDeathLinks(bool refuse) {
     mRefuseLinks = refuse;
 }
 
+void LocalService::receiveInto(const std::shared_ptr<TransactionBuffer>& buffer) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    mBuffer = buffer;
+}
+
+/** OK, and the buffer for it, if the transaction may go to the service, else its answer. */
+status_t LocalService::admit(uint32_t code, std::shared_ptr<TransactionBuffer>* buffer) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (mState != State::kAlive) return DEAD_OBJECT;
+    *buffer = mBuffer;
+    // A ping or a question for the descriptor must not use up the failure.
+    return code <= IBinder::LAST_CALL_TRANSACTION ? std::exchange(mNextFailure, OK) : OK;
+}
+
+/** Copies what crosses, and calls on the caller's thread. */
+status_t LocalService::transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags) {
+    Parcel request, answer;
+    std::shared_ptr<TransactionBuffer> buffer;
+    status_t status = admit(code, &buffer);
+    if (status == OK) status = Receive(buffer, data, &request);
+    if (status != OK) return status;
+    status = mBinder->transact(code, request, &answer, flags);
+    if (!isAlive()) return DEAD_OBJECT;
+    if (status != OK || reply == nullptr) return status;
+    return Receive(ClientBuffer(), answer, reply);
+}
+
+bool LocalService::refusesDeathLinks() const {
+    std::lock_guard<std::mutex> lock(mMutex);
+    return mRefuseLinks;
+}
+
+void LocalService::requestDeathNotice(ProxyBinder* proxy) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (mState == State::kDead) {
+        BinderThreads::Get().post({NoticeFor(proxy)});
+    } else {
+        mRequester = proxy;
+    }
+}
+
+void LocalService::clearDeathNotice(const ProxyBinder* proxy) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (mRequester == proxy) mRequester = nullptr;
+}
+
+void KillProcess(const std::vector<sp<IBinder>>& locals) {
+    std::vector<std::shared_ptr<LocalService>> dying;
+    for (const sp<IBinder>& local : locals) {
+        const std::shared_ptr<LocalService> service = LocalService::Of(local);
+        if (service->die()) dying.push_back(service);
+    }
+    for (const sp<IBinder>& local : locals) RemoveRegistrations(local);
+    std::vector<std::function<void()>> notices;
+    for (const std::shared_ptr<LocalService>& service : dying) {
+        const wp<ProxyBinder> proxy = service->announce();
+        if (proxy != nullptr) notices.push_back(NoticeFor(proxy));
+    }
+    BinderThreads::Get().post(std::move(notices));
+}
+
 void KillService(const sp<IBinder>& local) {
-    std::vector<DeathLink> links = LocalService::Of(local).die();
-    // First, so that a recipient finds the name free.
-    RemoveRegistrations(local);
-    if (!links.empty()) BinderThreads::Get().post([links = std::move(links)] { Notify(links); });
+    KillProcess({local});
+}
+
+void ShareProcess(const std::vector<sp<IBinder>>& locals) {
+    const auto buffer = std::make_shared<TransactionBuffer>();
+    for (const sp<IBinder>& local : locals) LocalService::Of(local)->receiveInto(buffer);
 }
 
 void FailNextTransaction(const sp<IBinder>& local, status_t status) {
-    LocalService::Of(local).failNextTransaction(status);
+    LocalService::Of(local)->failNextTransaction(status);
 }
 
 void RefuseDeathLinks(const sp<IBinder>& local, bool refuse) {
-    LocalService::Of(local).refuseDeathLinks(refuse);
+    LocalService::Of(local)->refuseDeathLinks(refuse);
 }
 
 size_t DeathLinkCount(const sp<IBinder>& local) {
-    // Outside the service's lock: a recipient may end here, and its destructor call the service.
-    const std::vector<DeathLink> links = LocalService::Of(local).links();
-    return std::count_if(links.begin(), links.end(), IsLive);
+    return LocalService::Of(local)->deathLinks();
 }
 
 }  // namespace kalvorn::host

@@ -2,51 +2,71 @@
 
 #include <binder/Binder.h>
 
+#include <memory>
 #include <mutex>
-#include <vector>
 
+#include "proxy_binder.h"
 #include "service_link.h"
+#include "transaction_buffer.h"
 
 namespace kalvorn::host {
 
 /** What clients get for `binder`: a local object's proxy; a proxy and null stay what they are. */
 android::sp<android::IBinder> RemoteView(const android::sp<android::IBinder>& binder);
 
-/** What the driver would know of a service of this process. Belongs to the BBinder. */
-class LocalService {
+/** Whether the service has not been killed, whatever its proxy has heard of it. */
+bool IsServiceAlive(const android::sp<android::IBinder>& binder);
+
+/**
+ * What the driver would know of a service of this process. The service's BBinder and its proxy
+ * share it. Its lock is taken under a proxy's lock, never the other way round.
+ */
+class LocalService : public ServiceLink, public std::enable_shared_from_this<LocalService> {
   public:
     /** The same object as long as `local` lives. Aborts if it is not a local binder. */
-    static LocalService& Of(const android::sp<android::IBinder>& local);
+    static std::shared_ptr<LocalService> Of(const android::sp<android::IBinder>& local);
 
-    /** The one proxy of the service, made anew if clients have dropped it. */
+    /** The one proxy of the service, made anew if nobody refers to the last one any more. */
     android::sp<android::IBinder> proxy();
 
     bool isAlive() const;
+    size_t deathLinks() const;
 
-    /** OK if the transaction may reach the service, else what it answers. */
-    android::status_t admit(uint32_t code);
+    /** From here on transactions fail, but nobody hears of it yet. False if it was dead. */
+    bool die();
 
-    android::status_t link(const DeathLink& link);
-    android::status_t unlink(const DeathLink& link);
-    void dropLinks(const android::wp<android::IBinder>& who);
-    std::vector<DeathLink> links() const;
-
-    /** Marks the service dead; returns whom to notify: nobody the second time. */
-    std::vector<DeathLink> die();
+    /** Ends the silence after die(): returns the proxy to be told, null if none wants to be. */
+    android::wp<ProxyBinder> announce();
 
     void failNextTransaction(android::status_t status);
     void refuseDeathLinks(bool refuse);
+    void receiveInto(const std::shared_ptr<TransactionBuffer>& buffer);
+
+    void acquire(const ProxyBinder* proxy) override { mBinder->incStrong(proxy); }
+    void release(const ProxyBinder* proxy) override { mBinder->decStrong(proxy); }
+    void forget(const ProxyBinder* proxy) override;
+    android::status_t transact(uint32_t code, const android::Parcel& data, android::Parcel* reply,
+                               uint32_t flags) override;
+    bool refusesDeathLinks() const override;
+    void requestDeathNotice(ProxyBinder* proxy) override;
+    void clearDeathNotice(const ProxyBinder* proxy) override;
 
   private:
+    enum class State { kAlive, kDying, kDead };
+
     explicit LocalService(android::BBinder* binder) : mBinder(binder) {}
 
-    android::BBinder* const mBinder;
+    android::status_t admit(uint32_t code, std::shared_ptr<TransactionBuffer>* buffer);
+
+    android::BBinder* const mBinder;  // lives as long as the proxy is held
     mutable std::mutex mMutex;
-    android::wp<android::IBinder> mProxy;
-    bool mAlive = true;
+    ProxyBinder* mProxy = nullptr;
+    ProxyBinder::weakref_type* mProxyRefs = nullptr;
+    android::wp<ProxyBinder> mRequester;
+    State mState = State::kAlive;
     bool mRefuseLinks = false;
     android::status_t mNextFailure = android::OK;
-    std::vector<DeathLink> mLinks;
+    std::shared_ptr<TransactionBuffer> mBuffer = std::make_shared<TransactionBuffer>();
 };
 
 }  // namespace kalvorn::host

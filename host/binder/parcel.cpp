@@ -5,8 +5,16 @@
 #include <map>
 
 #include "local_service.h"
+#include "transaction_buffer.h"
 
 namespace android {
+
+/** The parcel's one friend: on the platform, too, it is what moves parcels between processes. */
+class IPCThreadState {
+  public:
+    static void* cookieOf(const Parcel& parcel) { return parcel.mOwnerCookie; }
+};
+
 namespace {
 
 constexpr int32_t kInterfaceHeader = B_PACK_CHARS('H', 'O', 'S', 'T');
@@ -14,10 +22,21 @@ constexpr int32_t kNull = -1;
 constexpr int32_t kNoBinder = 0;
 constexpr int32_t kBinder = B_PACK_CHARS('b', 'n', 'd', 'r');
 
+using kalvorn::host::TransactionBuffer;
+
 /** The bytes, and the binders that stand in them, by offset: references cannot be forged. */
 struct Contents {
+    ~Contents() { leaveBuffer(); }
+
+    void leaveBuffer() {
+        if (buffer != nullptr) buffer->give(taken);
+        buffer = nullptr;
+    }
+
     std::vector<uint8_t> bytes;
     std::map<size_t, sp<IBinder>> binders;
+    std::shared_ptr<TransactionBuffer> buffer;
+    size_t taken = 0;
 };
 
 /** The class is fixed by the platform; of its members only the cookie suits. */
@@ -96,6 +115,7 @@ status_t Parcel::setDataSize(size_t size) {
 
 void Parcel::freeData() {
     setDataSize(0);
+    ContentsOf(mOwnerCookie).leaveBuffer();
     mDataPos = 0;
 }
 
@@ -289,3 +309,22 @@ status_t Parcel::readParcelable(Parcelable* parcelable) const {
 }
 
 }  // namespace android
+
+namespace kalvorn::host {
+
+using namespace android;
+
+status_t Receive(const std::shared_ptr<TransactionBuffer>& buffer, const Parcel& source,
+                 Parcel* target) {
+    target->freeData();
+    const size_t size = (source.dataSize() + 7) & ~size_t{7};
+    if (!buffer->take(size)) return FAILED_TRANSACTION;
+    Contents& contents = ContentsOf(IPCThreadState::cookieOf(*target));
+    contents.buffer = buffer;
+    contents.taken = size;
+    const status_t status = target->appendFrom(&source, 0, source.dataSize());
+    target->setDataPosition(0);
+    return status;
+}
+
+}  // namespace kalvorn::host

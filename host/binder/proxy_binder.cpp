@@ -2,6 +2,10 @@
 
 #include <binder/Parcel.h>
 
+#include <algorithm>
+#include <utility>
+
+using android::DEAD_OBJECT;
 using android::OK;
 using android::Parcel;
 using android::sp;
@@ -12,11 +16,16 @@ using android::wp;
 
 namespace kalvorn::host {
 
+ProxyBinder::ProxyBinder(std::shared_ptr<ServiceLink> service) : mService(std::move(service)) {
+    extendObjectLifetime(OBJECT_LIFETIME_WEAK);
+}
+
 const String16& ProxyBinder::getInterfaceDescriptor() const {
     std::lock_guard<std::mutex> lock(mDescriptorMutex);
     if (mDescriptor.size() == 0) {
         Parcel data, reply;
-        if (mLink->transact(INTERFACE_TRANSACTION, data, &reply, 0) == OK) {
+        auto* const self = const_cast<ProxyBinder*>(this);
+        if (self->transact(INTERFACE_TRANSACTION, data, &reply, 0) == OK) {
             reply.readString16(&mDescriptor);
         }
     }
@@ -33,20 +42,42 @@ status_t ProxyBinder::dump(int, const Vector<String16>&) {
 }
 
 status_t ProxyBinder::transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags) {
-    return mLink->transact(code, data, reply, flags);
+    if (!mAlive) return DEAD_OBJECT;
+    const status_t status = mService->transact(code, data, reply, flags);
+    if (status == DEAD_OBJECT) mAlive = false;
+    return status;
 }
 
+// Whether the service lives makes no difference here: only the obituary ends the links.
 status_t ProxyBinder::linkToDeath(const sp<DeathRecipient>& recipient, void* cookie,
                                   uint32_t flags) {
     if (recipient == nullptr) return android::BAD_VALUE;
-    return mLink->linkToDeath({this, recipient, cookie, flags});
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (mObituarySent) return DEAD_OBJECT;
+    if (mService->refusesDeathLinks()) return android::INVALID_OPERATION;
+    mObituaries.push_back({recipient, cookie, flags});
+    if (mObituaries.size() == 1) mService->requestDeathNotice(this);
+    return OK;
 }
 
 status_t ProxyBinder::unlinkToDeath(const wp<DeathRecipient>& recipient, void* cookie,
                                     uint32_t flags, wp<DeathRecipient>* outRecipient) {
-    const status_t status = mLink->unlinkToDeath({this, recipient, cookie, flags});
-    if (status == OK && outRecipient != nullptr) *outRecipient = recipient;
-    return status;
+    // The cookie tells links apart only for a caller who no longer has the recipient.
+    const auto matches = [&](const Obituary& obituary) {
+        const bool known =
+                recipient == nullptr ? obituary.cookie == cookie : obituary.recipient == recipient;
+        return known && obituary.flags == flags;
+    };
+    wp<DeathRecipient> removed;  // let go when the lock is: it may be the recipient's end
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (mObituarySent) return DEAD_OBJECT;
+    const auto found = std::find_if(mObituaries.begin(), mObituaries.end(), matches);
+    if (found == mObituaries.end()) return android::NAME_NOT_FOUND;
+    removed = found->recipient;
+    mObituaries.erase(found);
+    if (mObituaries.empty()) mService->clearDeathNotice(this);
+    if (outRecipient != nullptr) *outRecipient = removed;
+    return OK;
 }
 
 void ProxyBinder::attachObject(const void* id, void* object, void* cookie,
@@ -60,6 +91,51 @@ void* ProxyBinder::findObject(const void* id) const {
 
 void ProxyBinder::detachObject(const void* id) {
     mAttached.detach(id);
+}
+
+/** With the lock held. */
+ProxyBinder::Obituaries ProxyBinder::takeObituaries() {
+    mService->clearDeathNotice(this);
+    return std::exchange(mObituaries, {});
+}
+
+void ProxyBinder::sendObituary() {
+    Obituaries obituaries;
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mAlive = false;
+        if (std::exchange(mObituarySent, true)) return;
+        obituaries = takeObituaries();
+    }
+    for (const Obituary& obituary : obituaries) {
+        const sp<DeathRecipient> recipient = obituary.recipient.promote();
+        if (recipient != nullptr) recipient->binderDied(this);
+    }
+}
+
+size_t ProxyBinder::livingRecipients() const {
+    Obituaries obituaries;
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        obituaries = mObituaries;
+    }
+    return std::count_if(obituaries.begin(), obituaries.end(), [](const Obituary& obituary) {
+        return obituary.recipient.promote() != nullptr;
+    });
+}
+
+void ProxyBinder::onLastStrongRef(const void*) {
+    Obituaries unlinked;
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        // Not if somebody has looked the service up in this moment, and perhaps linked.
+        if (getStrongCount() == 0) unlinked = takeObituaries();
+    }
+    mService->release(this);
+}
+
+bool ProxyBinder::onIncStrongAttempted(uint32_t, const void*) {
+    return false;
 }
 
 }  // namespace kalvorn::host

@@ -4,33 +4,35 @@
 
 namespace kalvorn::host {
 
-/** One recipient that wants to hear of a service's death, as linked on the proxy `who`. */
-struct DeathLink {
-    android::wp<android::IBinder> who;
-    android::wp<android::IBinder::DeathRecipient> recipient;
-    void* cookie;
-    uint32_t flags;
-
-    bool operator==(const DeathLink& other) const {
-        return who == other.who && recipient == other.recipient && cookie == other.cookie &&
-               flags == other.flags;
-    }
-};
+class ProxyBinder;
 
 /**
- * A proxy's way to its service, which may be anywhere; each proxy owns one. All functions may be
- * called on any thread; death notices come on a binder thread. Errors are as IBinder describes
- * them.
+ * A proxy's way to its service, which may be anywhere. All functions may be called on any thread;
+ * errors are as IBinder describes them.
  */
 class ServiceLink {
   public:
     virtual ~ServiceLink() = default;
-    virtual bool isAlive() const = 0;
+
+    /** The proxy has come to be held, or is held again: so is the service, which lives now. */
+    virtual void acquire(const ProxyBinder* proxy) = 0;
+
+    /** Nobody holds the proxy any more. */
+    virtual void release(const ProxyBinder* proxy) = 0;
+
+    /** The proxy's memory goes. */
+    virtual void forget(const ProxyBinder* proxy) = 0;
+
     virtual android::status_t transact(uint32_t code, const android::Parcel& data,
                                        android::Parcel* reply, uint32_t flags) = 0;
-    virtual android::status_t linkToDeath(const DeathLink& link) = 0;
-    virtual android::status_t unlinkToDeath(const DeathLink& link) = 0;
-    virtual void dropDeathLinks(const android::wp<android::IBinder>& who) = 0;
+
+    virtual bool refusesDeathLinks() const = 0;
+
+    /** Calls the proxy's sendObituary() on a binder thread when the service dies, or has died. */
+    virtual void requestDeathNotice(ProxyBinder* proxy) = 0;
+
+    /** Takes the request back. A notice that is on its way arrives all the same. */
+    virtual void clearDeathNotice(const ProxyBinder* proxy) = 0;
 };
 
 }  // namespace kalvorn::host

@@ -46,7 +46,7 @@ class ServiceManager : public IServiceManager {
         if (service == nullptr) return android::BAD_VALUE;
         sp<IBinder> replaced = service;
         std::lock_guard<std::mutex> lock(mMutex);
-        if (!RemoteView(service)->isBinderAlive()) return android::DEAD_OBJECT;
+        if (!IsServiceAlive(service)) return android::DEAD_OBJECT;
         std::swap(mEntries[name].service, replaced);
         mChanged.notify_all();
         return OK;
@@ -73,23 +73,38 @@ class ServiceManager : public IServiceManager {
 
     void undeclare(const String16& name) {
         std::lock_guard<std::mutex> lock(mMutex);
-        withdraw(&mEntries[name]);
+        mEntries[name].declared = false;
     }
 
     void remove(const sp<IBinder>& service) {
         std::lock_guard<std::mutex> lock(mMutex);
+        if (mKeepDead) return;
         for (auto& [name, entry] : mEntries) {
             if (entry.service == service) entry.service = nullptr;
+        }
+    }
+
+    void keepDead(bool keep) {
+        std::vector<sp<IBinder>> released;
+        std::lock_guard<std::mutex> lock(mMutex);
+        mKeepDead = keep;
+        if (keep) return;
+        for (auto& [name, entry] : mEntries) {
+            if (entry.service == nullptr || IsServiceAlive(entry.service)) continue;
+            released.push_back(std::exchange(entry.service, nullptr));
         }
     }
 
     void reset() {
         std::vector<sp<IBinder>> released;
         std::lock_guard<std::mutex> lock(mMutex);
+        mKeepDead = false;
         for (auto& [name, entry] : mEntries) {
             released.push_back(std::exchange(entry.service, nullptr));
-            withdraw(&entry);
+            entry.declared = false;
         }
+        ++mResets;
+        mChanged.notify_all();
     }
 
   protected:
@@ -99,22 +114,15 @@ class ServiceManager : public IServiceManager {
     /** Entries are never erased: whoever waits holds on to one. */
     struct Entry {
         bool declared = false;
-        int withdrawals = 0;
         sp<IBinder> service;
     };
 
-    void withdraw(Entry* entry) {
-        entry->declared = false;
-        ++entry->withdrawals;
-        mChanged.notify_all();
-    }
-
-    /** The service's proxy; null after `timeout`, or if the name is withdrawn. */
+    /** The service's proxy; null after `timeout`, or if everything is reset. */
     sp<IBinder> await(const String16& name, std::optional<std::chrono::seconds> timeout) const {
         std::unique_lock<std::mutex> lock(mMutex);
         const Entry& entry = mEntries[name];
-        const auto settled = [&entry, before = entry.withdrawals] {
-            return entry.service != nullptr || entry.withdrawals != before;
+        const auto settled = [this, &entry, before = mResets] {
+            return entry.service != nullptr || mResets != before;
         };
         if (timeout.has_value()) {
             mChanged.wait_for(lock, *timeout, settled);
@@ -129,6 +137,8 @@ class ServiceManager : public IServiceManager {
     mutable std::mutex mMutex;
     mutable std::condition_variable mChanged;
     mutable std::map<String16, Entry> mEntries;
+    bool mKeepDead = false;
+    int mResets = 0;
 };
 
 String16 Name(const std::string& name) {
@@ -147,6 +157,10 @@ void DeclareService(const std::string& name) {
 
 void UndeclareService(const std::string& name) {
     ServiceManager::Get()->undeclare(Name(name));
+}
+
+void KeepDeadNames(bool keep) {
+    ServiceManager::Get()->keepDead(keep);
 }
 
 void ResetServiceManager() {

@@ -4,7 +4,7 @@
 
 namespace kalvorn::host {
 
-/** Takes `service` out of the service manager, under whatever names it is registered. */
+/** Takes a dead service out of the service manager, unless that keeps the names of the dead. */
 void RemoveRegistrations(const android::sp<android::IBinder>& service);
 
 }  // namespace kalvorn::host

@@ -1,6 +1,6 @@
 #include <android/binder_libbinder.h>
 
-#include <mutex>
+#include <set>
 #include <utility>
 
 #include "ndk_binder.h"
@@ -46,11 +46,24 @@ class LocalObject : public AIBinder, public BBinder {
 class RemoteObject : public AIBinder {
   public:
     explicit RemoteObject(const sp<IBinder>& proxy) : AIBinder(nullptr), mProxy(proxy) {}
+    ~RemoteObject() override {
+        for (const wp<AIBinder_DeathRecipient>& linked : mRecipients) {
+            const sp<AIBinder_DeathRecipient> recipient = linked.promote();
+            if (recipient != nullptr) recipient->forgetAll(mProxy);
+        }
+    }
 
     sp<IBinder> platformBinder() override { return mProxy; }
 
+    void linkedTo(const wp<AIBinder_DeathRecipient>& recipient) override {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mRecipients.insert(recipient);
+    }
+
   private:
     const sp<IBinder> mProxy;
+    std::mutex mMutex;
+    std::set<wp<AIBinder_DeathRecipient>> mRecipients;
 };
 
 void DeleteAttached(const void*, void* attached, void*) {

@@ -8,6 +8,8 @@
 
 #include <atomic>
 #include <memory>
+#include <mutex>
+#include <vector>
 
 struct AIBinder_Class {
     const android::String16 descriptor;
@@ -22,6 +24,9 @@ struct AIBinder : public virtual android::RefBase {
     virtual android::sp<android::IBinder> platformBinder() = 0;
     virtual void* userData() { return nullptr; }
 
+    /** The recipient has a link to this binder, which ends with it. */
+    virtual void linkedTo(const android::wp<AIBinder_DeathRecipient>&) {}
+
     const AIBinder_Class* clazz() const { return mClass.load(); }
 
     /** Takes `clazz` as the class if there is none yet; false if there is another one. */
@@ -32,6 +37,35 @@ struct AIBinder : public virtual android::RefBase {
 
   private:
     std::atomic<const AIBinder_Class*> mClass;
+};
+
+/**
+ * A binder and a cookie together name a link. It is gone when its notice has been given, or when
+ * its AIBinder or this recipient goes: only these hold the notifier, which the platform's links
+ * refer to weakly. A notice under way keeps what it needs.
+ */
+struct AIBinder_DeathRecipient : public android::RefBase {
+    explicit AIBinder_DeathRecipient(AIBinder_DeathRecipient_onBinderDied onBinderDied)
+        : mOnBinderDied(onBinderDied) {}
+
+    binder_status_t link(const android::sp<android::IBinder>& binder, void* cookie);
+    binder_status_t unlink(const android::sp<android::IBinder>& binder, void* cookie);
+    void forget(const android::IBinder::DeathRecipient* notifier);
+    void forgetAll(const android::sp<android::IBinder>& binder);
+
+  private:
+    struct Link {
+        android::wp<android::IBinder> who;
+        void* cookie;
+        android::sp<android::IBinder::DeathRecipient> notifier;
+    };
+
+    template <typename Predicate>
+    std::vector<Link> take(size_t most, Predicate matches);
+
+    const AIBinder_DeathRecipient_onBinderDied mOnBinderDied;
+    std::mutex mMutex;
+    std::vector<Link> mLinks;
 };
 
 struct AIBinder_Weak {
