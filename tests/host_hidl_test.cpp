@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <future>
 #include <mutex>
 #include <string>
@@ -78,6 +79,16 @@ struct Disowning11 : Service11 {
     }
 };
 
+/** A service that answers look-ups with a failed call. */
+struct Failing11 : Service11 {
+    Return<void> interfaceChain(interfaceChain_cb callback) override {
+        ++asked;
+        return status.isOk() ? Service11::interfaceChain(callback) : status;
+    }
+    Status status;
+    std::atomic<int> asked = 0;
+};
+
 /** Writes down what arrives, as "name instance preexisting" or "died cookie". */
 class Listener : public IServiceNotification, public hidl_death_recipient {
   public:
@@ -121,6 +132,55 @@ class HostHidlTest : public ::testing::Test {
         ResetHidlRegistry();
         EXPECT_TRUE(WaitForHidlDelivery(5s));
     }
+};
+
+bool Eventually(const std::function<bool()>& condition) {
+    const auto end = std::chrono::steady_clock::now() + 20s;
+    while (!condition() && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(1ms);
+    }
+    return condition();
+}
+
+/** A look-up on a thread of its own, which waits from the start. A failed test does not hang. */
+class Waiter {
+  public:
+    explicit Waiter(const std::string& name)
+        : mFound(std::async(std::launch::async, [name] { return IExtended::getService(name); })) {
+        EXPECT_TRUE(Eventually([] { return HidlWaiterCount() == 1; }));
+    }
+    ~Waiter() { ResetHidlRegistry(); }
+
+    sp<IExtended> found() {
+        const bool ended = mFound.wait_for(20s) == std::future_status::ready;
+        EXPECT_TRUE(ended);
+        return ended ? mFound.get() : nullptr;
+    }
+
+  private:
+    std::future<sp<IExtended>> mFound;
+};
+
+/** Keeps the HIDL thread busy, so that what is posted meanwhile stays queued. */
+class BusyHidlThread {
+  public:
+    BusyHidlThread() {
+        mListener->mOnRegistration = [this] {
+            mBusy.set_value();
+            mDone.get_future().wait();
+        };
+        IServiceNotification::registerForNotifications("busy", mListener);
+        EXPECT_EQ(::android::OK, (new Service10)->registerAsService("busy"));
+        EXPECT_EQ(std::future_status::ready, mBusy.get_future().wait_for(20s));
+    }
+    ~BusyHidlThread() {
+        mDone.set_value();
+        mListener->heard();
+    }
+
+  private:
+    const sp<Listener> mListener = new Listener;
+    std::promise<void> mBusy, mDone;
 };
 
 Status Failed() {
@@ -199,30 +259,81 @@ TEST_F(HostHidlTest, GetServiceWaitsForADeclaredServiceOnly) {
     DeclareHidlService(kExtended, "x");
     EXPECT_EQ(nullptr, IExtended::tryGetService("x"));
 
-    auto late = std::async(std::launch::async, [] { return IExtended::getService("x"); });
-    EXPECT_EQ(std::future_status::timeout, late.wait_for(20ms));
+    Waiter late("x");
     const sp<IExtended> service = new Service11;
     EXPECT_EQ(::android::OK, service->registerAsService("x"));
-    EXPECT_EQ(service, late.get());
+    EXPECT_EQ(service, late.found());
     EXPECT_EQ(nullptr, IServiceNotification::tryGetService("x")) << "the parent is not declared";
     DeclareHidlService(kBase, "x");
     EXPECT_EQ(service, IServiceNotification::getService("x"));
 }
 
-TEST_F(HostHidlTest, UndeclaringAndResettingReleaseWaiters) {
-    const auto reset = [] {
-        ResetHidlRegistry();
-        DeclareHidlService(kBase, "x");
-    };
-    const auto undeclare = [] { UndeclareHidlService(kBase, "x"); };
-    for (auto* release : {+undeclare, +reset}) {
-        DeclareHidlService(kBase, "x");
-        auto waiter = std::async(std::launch::async,
-                                 [] { return IServiceNotification::getService("x"); });
-        EXPECT_EQ(std::future_status::timeout, waiter.wait_for(20ms));
-        release();
-        EXPECT_EQ(nullptr, waiter.get());
+TEST_F(HostHidlTest, OnlyTheServiceOrAResetEndsAWait) {
+    DeclareHidlService(kExtended, "x");
+    {
+        Waiter waiter("x");
+        UndeclareHidlService(kExtended, "x");
+        EXPECT_EQ(nullptr, IExtended::getService("x")) << "asked after the withdrawal";
+        const sp<IExtended> service = new Service11;
+        EXPECT_EQ(::android::OK, service->registerAsService("x"));
+        EXPECT_EQ(service, waiter.found());
     }
+    DeclareHidlService(kExtended, "x");
+    Waiter waiter("x");
+    ResetHidlRegistry();
+    DeclareHidlService(kExtended, "x");
+    EXPECT_EQ(nullptr, waiter.found());
+}
+
+TEST_F(HostHidlTest, AServiceFoundDeadCountsAsNotThereYet) {
+    DeclareHidlService(kExtended, "x");
+    const sp<Failing11> failing = new Failing11;
+    EXPECT_EQ(::android::OK, failing->registerAsService("x"));
+    failing->status = Status::fromStatusT(::android::FAILED_TRANSACTION);
+    EXPECT_EQ(nullptr, IExtended::getService("x")) << "a cast that fails otherwise ends the wait";
+
+    failing->status = Status::fromStatusT(::android::DEAD_OBJECT);
+    EXPECT_EQ(nullptr, IExtended::tryGetService("x"));
+    failing->asked = 0;
+    const auto start = std::chrono::steady_clock::now();
+    Waiter waiter("x");
+    std::this_thread::sleep_for(20ms);
+    const auto seconds = (std::chrono::steady_clock::now() - start) / 1s;
+    EXPECT_LE(failing->asked, 2 + seconds) << "it waits before it looks again";
+    const sp<IExtended> living = new Service11;
+    EXPECT_EQ(::android::OK, living->registerAsService("x"));
+    EXPECT_EQ(living, waiter.found());
+}
+
+TEST_F(HostHidlTest, ADeadServicesNameMayStayForAWhile) {
+    const auto registered = [] {
+        const sp<Listener> listener = new Listener;
+        IExtended::registerForNotifications("x", listener);
+        return !listener->heard().empty();
+    };
+    DeclareHidlService(kExtended, "x");
+    KeepDeadHidlNames(true);
+    for (const bool replaced : {true, false}) {
+        const sp<IExtended> dying = new Service11;
+        EXPECT_EQ(::android::OK, dying->registerAsService("x"));
+        KillHidlService(dying);
+        EXPECT_TRUE(registered());
+        EXPECT_EQ(nullptr, IExtended::tryGetService("x"));
+        const sp<IExtended> next = new Service11;
+        if (replaced) {
+            EXPECT_EQ(::android::OK, next->registerAsService("x"));
+        }
+        KeepDeadHidlNames(false);
+        EXPECT_EQ(replaced, registered());
+        EXPECT_EQ(replaced ? next : nullptr, IExtended::tryGetService("x"));
+        KillHidlService(next);
+        KeepDeadHidlNames(true);
+    }
+    ResetHidlRegistry();
+    const sp<IExtended> last = new Service11;
+    EXPECT_EQ(::android::OK, last->registerAsService("x"));
+    KillHidlService(last);
+    EXPECT_FALSE(registered()) << "a reset ends it";
 }
 
 TEST_F(HostHidlTest, NotificationsTellNewFromPresent) {
@@ -261,7 +372,8 @@ TEST_F(HostHidlTest, CallbacksComeOneAtATimeAndInOrder) {
     EXPECT_EQ(::android::OK, service->registerAsService("x"));
     EXPECT_TRUE(service->linkToDeath(other, 1));
     KillHidlService(service);
-    EXPECT_FALSE(WaitForHidlDelivery(20ms));
+    EXPECT_TRUE(Eventually([] { return HidlWaiterCount() == 1; }));
+    EXPECT_FALSE(WaitForHidlDelivery(0ms));
     EXPECT_EQ(1, entered);
     EXPECT_EQ(nullptr, other->mDied.promote());
     EXPECT_EQ(::android::OK, (new Service11)->registerAsService("late"));
@@ -295,6 +407,63 @@ TEST_F(HostHidlTest, EveryLinkOfADeadServiceIsDelivered) {
     EXPECT_FALSE(service->unlinkToDeath(recipient));
     EXPECT_EQ(nullptr, IServiceNotification::tryGetService("x"));
     EXPECT_NE(::android::OK, service->registerAsService("x"));
+}
+
+TEST_F(HostHidlTest, LinksChangeUntilTheObituaryIsOut) {
+    const sp<Listener> first = new Listener, second = new Listener;
+    const sp<Service10> service = new Service10, unheard = new Service10;
+    for (const uint64_t cookie : {1, 2, 3}) EXPECT_TRUE(service->linkToDeath(first, cookie));
+    EXPECT_TRUE(service->linkToDeath(second, 4));
+    EXPECT_TRUE(unheard->linkToDeath(second, 5));
+    first->mOnDeath = [&] {
+        EXPECT_FALSE(service->unlinkToDeath(first));
+        EXPECT_FALSE(service->unlinkToDeath(second)) << "not yet told, but too late";
+        EXPECT_FALSE(service->linkToDeath(second, 6));
+    };
+    {
+        const BusyHidlThread busy;
+        KillHidlProcess({service, unheard});
+        EXPECT_TRUE(service->unlinkToDeath(first)) << "the youngest";
+        EXPECT_TRUE(service->unlinkToDeath(second));
+        EXPECT_FALSE(service->unlinkToDeath(second)) << "it had one link";
+        EXPECT_TRUE(service->linkToDeath(second, 7));
+        EXPECT_TRUE(unheard->unlinkToDeath(second));
+    }
+    EXPECT_EQ((Lines{"died 1", "died 2"}), first->heard());
+    EXPECT_EQ(Lines{"died 7"}, second->heard());
+    for (const auto& dead : {service, unheard}) {
+        EXPECT_FALSE(dead->linkToDeath(second, 8));
+        EXPECT_FALSE(dead->unlinkToDeath(second));
+        EXPECT_EQ(0u, HidlDeathLinkCount(dead));
+    }
+}
+
+TEST_F(HostHidlTest, ALinkToTheDeadBringsTheObituary) {
+    const sp<Listener> recipient = new Listener;
+    const sp<Service10> service = new Service10;
+    KillHidlService(service);
+    EXPECT_TRUE(service->linkToDeath(recipient, 1));
+    EXPECT_EQ(Lines{"died 1"}, recipient->heard());
+    EXPECT_FALSE(service->linkToDeath(recipient, 2));
+    EXPECT_EQ(Lines{}, recipient->heard());
+}
+
+TEST_F(HostHidlTest, AProcessIsDeadBeforeTheFirstNotice) {
+    DeclareHidlService(kBase, "a");
+    const sp<Listener> recipient = new Listener;
+    const sp<Service10> a = new Service10, b = new Service10;
+    EXPECT_EQ(::android::OK, a->registerAsService("a"));
+    EXPECT_TRUE(b->linkToDeath(recipient, 1));
+    EXPECT_TRUE(a->linkToDeath(recipient, 2));
+    const size_t queued = HidlDeliveryCount();
+    KillHidlProcess({b, nullptr, a, b}, [&] {
+        EXPECT_TRUE(a->ping().isDeadObject());
+        EXPECT_TRUE(b->ping().isDeadObject());
+        EXPECT_EQ(nullptr, IServiceNotification::tryGetService("a"));
+        EXPECT_EQ(queued, HidlDeliveryCount());
+    });
+    EXPECT_EQ((Lines{"died 1", "died 2"}), recipient->heard());
+    EXPECT_EQ(queued + 2, HidlDeliveryCount());
 }
 
 TEST_F(HostHidlTest, CastsFollowTheInterfaceChain) {

@@ -8,8 +8,14 @@ namespace kalvorn::host::hidl_runtime {
 void HidlThread::post(Delivery delivery) {
     const std::lock_guard<std::mutex> lock(mMutex);
     mQueue.push_back(std::move(delivery));
+    ++mPosted;
     if (!std::exchange(mStarted, true)) std::thread(&HidlThread::run, this).detach();
     mChanged.notify_all();
+}
+
+size_t HidlThread::posted() {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return mPosted;
 }
 
 void HidlThread::clear() {

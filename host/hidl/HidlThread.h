@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <deque>
 #include <functional>
 #include <mutex>
@@ -19,6 +20,9 @@ class HidlThread {
 
     void post(Delivery delivery);
 
+    /** How many deliveries were posted so far. */
+    size_t posted();
+
     /** Drops what has not started yet. */
     void clear();
 
@@ -31,6 +35,7 @@ class HidlThread {
     std::mutex mMutex;
     std::condition_variable mChanged;
     std::deque<Delivery> mQueue;
+    size_t mPosted = 0;
     bool mStarted = false;
     bool mBusy = false;
 };

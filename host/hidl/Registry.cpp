@@ -1,6 +1,7 @@
 #include <hidl/HostInterface.h>
 #include <hidl/hidl_host.h>
 
+#include <chrono>
 #include <condition_variable>
 #include <map>
 #include <mutex>
@@ -38,11 +39,22 @@ struct DeathLink {
     uint64_t cookie;
 };
 
+/** A service's one notice of its death, which tells all links at once. */
+enum class Obituary { kNone, kQueued, kOut };
+
 struct Life {
     wp<IBase> service;  // keeps the identity from being used for another object
     bool dead = false;
     bool refusesLinks = false;
+    Obituary obituary = Obituary::kNone;
     std::vector<DeathLink> links;
+
+    /** True if the obituary has to be posted now: not before somebody wants to be told. */
+    bool queueObituary() {
+        if (!dead || links.empty() || obituary != Obituary::kNone) return false;
+        obituary = Obituary::kQueued;
+        return true;
+    }
 };
 
 /**
@@ -53,6 +65,9 @@ struct Registry {
     std::mutex mutex;
     std::condition_variable changed;
     int resets = 0;
+    int registrations = 0;
+    size_t waiters = 0;
+    bool keepsDeadNames = false;
     std::set<ServiceName> declared;
     std::map<ServiceName, sp<IBase>> services;
     std::vector<Listener> listeners;
@@ -61,6 +76,8 @@ struct Registry {
 
     Life& lifeOf(const IBase* service);
     const Life* knownLifeOf(const IBase* service) const;
+    bool isDead(const IBase* service) const;
+    void dropDeadNames(std::vector<sp<IBase>>* dropped);
 };
 
 /** Never destroyed: its threads and late static objects may still need it. */
@@ -80,6 +97,22 @@ const Life* Registry::knownLifeOf(const IBase* service) const {
     return found == lives.end() ? nullptr : &found->second;
 }
 
+bool Registry::isDead(const IBase* service) const {
+    const Life* life = knownLifeOf(service);
+    return life != nullptr && life->dead;
+}
+
+void Registry::dropDeadNames(std::vector<sp<IBase>>* dropped) {
+    for (auto entry = services.begin(); entry != services.end();) {
+        if (isDead(entry->second.get())) {
+            dropped->push_back(std::move(entry->second));
+            entry = services.erase(entry);
+        } else {
+            ++entry;
+        }
+    }
+}
+
 void PostRegistration(const sp<IServiceNotification>& listener, const ServiceName& name,
                       bool preexisting) {
     TheRegistry().thread.post([=] {
@@ -88,10 +121,24 @@ void PostRegistration(const sp<IServiceNotification>& listener, const ServiceNam
     });
 }
 
-void PostDeath(const wp<IBase>& service, const DeathLink& link) {
-    TheRegistry().thread.post([=] {
-        const sp<hidl_death_recipient> recipient = link.recipient.promote();
-        if (recipient != nullptr) recipient->serviceDied(link.cookie, service);
+/** From here on the links cannot be taken back, and no new one is made. */
+std::vector<DeathLink> TakeLinksForObituary(const IBase* service) {
+    Registry& registry = TheRegistry();
+    const std::lock_guard<std::mutex> lock(registry.mutex);
+    Life& life = registry.lifeOf(service);
+    life.obituary = Obituary::kOut;
+    return std::exchange(life.links, {});
+}
+
+/** Reaches nobody when no client holds the service any more, as links go with the last proxy. */
+void PostObituary(const wp<IBase>& dead) {
+    TheRegistry().thread.post([dead] {
+        const sp<IBase> service = dead.promote();
+        if (service == nullptr) return;
+        for (const DeathLink& link : TakeLinksForObituary(service.get())) {
+            const sp<hidl_death_recipient> recipient = link.recipient.promote();
+            if (recipient != nullptr) recipient->serviceDied(link.cookie, service);
+        }
     });
 }
 
@@ -126,17 +173,57 @@ hidl_vec<hidl_string> ExtendChain(const char* descriptor, const hidl_vec<hidl_st
     return extended;
 }
 
-sp<IBase> FindService(const char* descriptor, const std::string& instance, bool wait) {
-    Registry& registry = TheRegistry();
-    const ServiceName name(descriptor, instance);
-    std::unique_lock<std::mutex> lock(registry.mutex);
-    const int resets = registry.resets;
-    while (registry.resets == resets && registry.declared.count(name) != 0) {
-        const auto found = registry.services.find(name);
-        if (found != registry.services.end()) return found->second;
-        if (!wait) break;
-        registry.changed.wait(lock);
+namespace {
+
+sp<IBase> Registered(const ServiceName& name) {
+    const std::lock_guard<std::mutex> lock(TheRegistry().mutex);
+    const auto found = TheRegistry().services.find(name);
+    return found == TheRegistry().services.end() ? nullptr : found->second;
+}
+
+/** One look-up, which goes on until it is answered; a declaration counts as it was at first. */
+class LookUp {
+  public:
+    explicit LookUp(const ServiceName& name) {
+        const std::lock_guard<std::mutex> lock(mRegistry.mutex);
+        mDeclared = mRegistry.declared.count(name) != 0;
+        mResets = mRegistry.resets;
+        mRegistrations = mRegistry.registrations;
     }
+
+    bool isDeclared() const { return mDeclared; }
+
+    /** Until there is cause to look again: a registration, or a second. False after a reset. */
+    bool wait() {
+        std::unique_lock<std::mutex> lock(mRegistry.mutex);
+        ++mRegistry.waiters;
+        mRegistry.changed.wait_for(lock, std::chrono::seconds(1), [this] {
+            return mRegistry.registrations != mRegistrations || mRegistry.resets != mResets;
+        });
+        --mRegistry.waiters;
+        mRegistrations = mRegistry.registrations;
+        return mRegistry.resets == mResets;
+    }
+
+  private:
+    Registry& mRegistry = TheRegistry();
+    bool mDeclared;
+    int mResets, mRegistrations;
+};
+
+}  // namespace
+
+sp<IBase> FindService(const char* descriptor, const std::string& instance, bool wait) {
+    const ServiceName name(descriptor, instance);
+    LookUp lookUp(name);
+    if (!lookUp.isDeclared()) return nullptr;
+    do {
+        const sp<IBase> found = Registered(name);
+        const Return<bool> castable = Implements(found, descriptor);
+        if (found != nullptr && !castable.isDeadObject()) {
+            return castable.isOk() && castable ? found : nullptr;
+        }
+    } while (wait && lookUp.wait());
     return nullptr;
 }
 
@@ -147,10 +234,7 @@ sp<IBase> FindService(const char* descriptor, const std::string& instance, bool 
     std::vector<std::pair<sp<IServiceNotification>, ServiceName>> messages;
     {
         const std::lock_guard<std::mutex> lock(registry.mutex);
-        const Life* life = registry.knownLifeOf(service.get());
-        if (descriptors.empty() || (life != nullptr && life->dead)) {
-            return ::android::UNKNOWN_ERROR;
-        }
+        if (descriptors.empty() || registry.isDead(service.get())) return ::android::UNKNOWN_ERROR;
         for (const std::string& descriptor : descriptors) {
             const ServiceName name(descriptor, instance);
             replaced.push_back(std::exchange(registry.services[name], service));
@@ -158,6 +242,7 @@ sp<IBase> FindService(const char* descriptor, const std::string& instance, bool 
                 if (entry.hears(name)) messages.emplace_back(entry.listener, name);
             }
         }
+        ++registry.registrations;
         registry.changed.notify_all();
     }
     for (const auto& [listener, name] : messages) PostRegistration(listener, name, false);
@@ -183,12 +268,18 @@ bool AddListener(const char* descriptor, const std::string& instance,
 
 namespace {
 
-bool AddDeathLink(const IBase* service, const DeathLink& link) {
+/** A dead service takes links as long as its obituary can still tell them. */
+bool AddDeathLink(IBase* service, const DeathLink& link) {
     Registry& registry = TheRegistry();
-    const std::lock_guard<std::mutex> lock(registry.mutex);
-    Life& life = registry.lifeOf(service);
-    if (life.dead || life.refusesLinks) return false;
-    life.links.push_back(link);
+    bool post;
+    {
+        const std::lock_guard<std::mutex> lock(registry.mutex);
+        Life& life = registry.lifeOf(service);
+        if (life.obituary == Obituary::kOut || life.refusesLinks) return false;
+        life.links.push_back(link);
+        post = life.queueObituary();
+    }
+    if (post) PostObituary(service);
     return true;
 }
 
@@ -223,7 +314,6 @@ Return<void> AnswerCall(const IBase* service, const Callback& callback, const An
 
 }  // namespace hidl_runtime
 
-using hidl_runtime::DeathLink;
 using hidl_runtime::Life;
 using hidl_runtime::Registry;
 using hidl_runtime::TheRegistry;
@@ -236,30 +326,41 @@ void DeclareHidlService(const std::string& descriptor, const std::string& instan
 void UndeclareHidlService(const std::string& descriptor, const std::string& instance) {
     const std::lock_guard<std::mutex> lock(TheRegistry().mutex);
     TheRegistry().declared.erase({descriptor, instance});
-    TheRegistry().changed.notify_all();
 }
 
-void KillHidlService(HidlService service) {
-    if (service == nullptr) return;
+void KillHidlProcess(const std::vector<HidlService>& services,
+                     const std::function<void()>& killTheRest) {
     Registry& registry = TheRegistry();
-    std::vector<DeathLink> links;
+    std::vector<HidlService> mourned, dropped;  // let go of after the lock is released
     {
         const std::lock_guard<std::mutex> lock(registry.mutex);
-        Life& life = registry.lifeOf(service.get());
-        life.dead = true;
-        links.swap(life.links);
-        // Our own reference keeps the object alive while these go.
-        for (auto entry = registry.services.begin(); entry != registry.services.end();) {
-            entry = entry->second == service ? registry.services.erase(entry) : std::next(entry);
+        for (const HidlService& service : services) {
+            if (service == nullptr) continue;
+            Life& life = registry.lifeOf(service.get());
+            life.dead = true;
+            if (life.queueObituary()) mourned.push_back(service);
         }
+        if (!registry.keepsDeadNames) registry.dropDeadNames(&dropped);
     }
-    for (const DeathLink& link : links) hidl_runtime::PostDeath(service, link);
+    if (killTheRest) killTheRest();
+    for (const HidlService& service : mourned) hidl_runtime::PostObituary(service);
+}
+
+void KillHidlService(const HidlService& service) {
+    KillHidlProcess({service});
+}
+
+void KeepDeadHidlNames(bool keep) {
+    Registry& registry = TheRegistry();
+    std::vector<HidlService> dropped;
+    const std::lock_guard<std::mutex> lock(registry.mutex);
+    registry.keepsDeadNames = keep;
+    if (!keep) registry.dropDeadNames(&dropped);
 }
 
 bool IsHidlServiceDead(const ::android::hidl::base::V1_0::IBase* service) {
     const std::lock_guard<std::mutex> lock(TheRegistry().mutex);
-    const Life* life = TheRegistry().knownLifeOf(service);
-    return life != nullptr && life->dead;
+    return TheRegistry().isDead(service);
 }
 
 void RefuseHidlDeathLinks(const HidlService& service, bool refuse) {
@@ -280,6 +381,15 @@ size_t HidlNotificationCount(const std::string& descriptor) {
     return count;
 }
 
+size_t HidlWaiterCount() {
+    const std::lock_guard<std::mutex> lock(TheRegistry().mutex);
+    return TheRegistry().waiters;
+}
+
+size_t HidlDeliveryCount() {
+    return TheRegistry().thread.posted();
+}
+
 bool WaitForHidlDelivery(std::chrono::milliseconds timeout) {
     return TheRegistry().thread.waitIdle(timeout);
 }
@@ -288,16 +398,22 @@ void ResetHidlRegistry() {
     Registry& registry = TheRegistry();
     decltype(registry.services) services;  // destroyed after the lock is released
     decltype(registry.listeners) listeners;
+    std::vector<HidlService> held;  // the dead that clients hold still have to be known as dead
     {
         const std::lock_guard<std::mutex> lock(registry.mutex);
         ++registry.resets;
+        registry.keepsDeadNames = false;
         registry.declared.clear();
         services.swap(registry.services);
         listeners.swap(registry.listeners);
-        for (auto life = registry.lives.begin(); life != registry.lives.end();) {
-            life->second.links.clear();
-            life->second.refusesLinks = false;
-            life = life->second.dead ? std::next(life) : registry.lives.erase(life);
+        for (auto entry = registry.lives.begin(); entry != registry.lives.end();) {
+            Life& life = entry->second;
+            life.links.clear();
+            life.refusesLinks = false;
+            // A queued obituary goes with the messages, so the dead take no links any more.
+            life.obituary = hidl_runtime::Obituary::kOut;
+            held.push_back(life.dead ? life.service.promote() : nullptr);
+            entry = held.back() != nullptr ? std::next(entry) : registry.lives.erase(entry);
         }
         registry.changed.notify_all();
     }

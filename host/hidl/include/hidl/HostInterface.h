@@ -28,7 +28,10 @@ using ::android::hidl::manager::V1_0::IServiceNotification;
 /** Whether the interface chain of `service` names `descriptor`; false for null. */
 Return<bool> Implements(const sp<IBase>& service, const char* descriptor);
 
-/** The service under that name, or null; `wait`: until it is there, if it is declared. */
+/**
+ * The living service under that name, or null when it is no `descriptor`. With `wait`, a declared
+ * service is waited for; one that turns out to be dead counts as not there yet.
+ */
 sp<IBase> FindService(const char* descriptor, const std::string& instance, bool wait);
 
 ::android::status_t RegisterService(const sp<IBase>& service, const std::string& instance);
@@ -49,15 +52,10 @@ Return<sp<Interface>> Cast(const sp<IBase>& service, bool emitError) {
     return castable ? sp<Interface>(dynamic_cast<Interface*>(service.get())) : sp<Interface>();
 }
 
-/** A service that dies between look-up and cast counts as not there yet. */
 template <typename Interface>
 sp<Interface> GetService(const std::string& instance, bool wait) {
-    for (;;) {
-        const sp<IBase> found = FindService(Interface::descriptor, instance, wait);
-        const Return<sp<Interface>> cast = Cast<Interface>(found, /*emitError=*/true);
-        if (cast.isOk()) return cast;
-        if (!wait) return nullptr;
-    }
+    const sp<IBase> found = FindService(Interface::descriptor, instance, wait);
+    return sp<Interface>(dynamic_cast<Interface*>(found.get()));
 }
 
 }  // namespace kalvorn::host::hidl_runtime

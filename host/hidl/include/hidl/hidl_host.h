@@ -4,7 +4,9 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <string>
+#include <vector>
 
 /**
  * Control of the host's HIDL services: what the manifest, init and the kernel decide on a device.
@@ -21,15 +23,29 @@ using HidlService = ::android::sp<::android::hidl::base::V1_0::IBase>;
  */
 void DeclareHidlService(const std::string& descriptor, const std::string& instance);
 
-/** Takes a declaration back; whoever waits for the service gets null. */
+/** Takes a declaration back; whoever waits for the service already goes on waiting. */
 void UndeclareHidlService(const std::string& descriptor, const std::string& instance);
 
 /**
- * Lets a service die: it is unregistered, its IBase calls answer DEAD_OBJECT, and every death link
- * is delivered on a HIDL thread. The object stays dead for good, as a process does; a restarted
- * service is a new object. Clients that hold it keep it in memory. Null or dead: nothing happens.
+ * Lets services die as one process: all are dead before the first notice is queued. They are
+ * unregistered, their IBase calls answer DEAD_OBJECT, and each has one obituary, which tells its
+ * death links on the HIDL thread. Until that begins links can be taken back and are still made,
+ * after it neither. The objects stay dead for good, as a process does; a restarted service is a new
+ * object. Clients that hold one keep it in memory. Null or dead: nothing happens. `killTheRest`
+ * runs before the first notice: for what else, beside HIDL services, dies with the process.
  */
-void KillHidlService(HidlService service);
+void KillHidlProcess(const std::vector<HidlService>& services,
+                     const std::function<void()>& killTheRest = nullptr);
+
+/** The same for a process of one service. */
+void KillHidlService(const HidlService& service);
+
+/**
+ * While set, dead services stay registered, as a service manager that has not heard of the death
+ * yet may leave them for a moment: look-ups find them, and notice that they are dead. Switching it
+ * off drops their names.
+ */
+void KeepDeadHidlNames(bool keep);
 
 /** True once the service was killed; a simulated service then answers with a failed Return. */
 bool IsHidlServiceDead(const ::android::hidl::base::V1_0::IBase* service);
@@ -43,6 +59,12 @@ size_t HidlDeathLinkCount(const HidlService& service);
 /** How many registerForNotifications() calls are in force for the descriptor. */
 size_t HidlNotificationCount(const std::string& descriptor);
 
+/** How many getService() calls wait for their service now. */
+size_t HidlWaiterCount();
+
+/** How many notifications and obituaries were ever queued. */
+size_t HidlDeliveryCount();
+
 /**
  * Waits until no notification and no death is under way or outstanding, those included that the
  * callbacks themselves bring about. False when the time is up; pointless within a callback.
@@ -51,8 +73,10 @@ bool WaitForHidlDelivery(std::chrono::milliseconds timeout);
 
 /**
  * Back to an empty registry: declarations, services, listeners, death links and undelivered
- * messages go, waiters get null. Callbacks that run already run on, so WaitForHidlDelivery()
- * belongs behind it; both belong before the end of a process whose statics the callbacks use.
+ * messages go, dead names are dropped at once again. Waiters get null: this is the host's own end,
+ * on a device nothing but the service ends their wait. Callbacks that run already run on, so
+ * WaitForHidlDelivery() belongs behind it; both belong before the end of a process whose statics
+ * the callbacks use.
  */
 void ResetHidlRegistry();
 
