@@ -145,15 +145,15 @@ TEST_F(DeathTest, ARestartNeverFallsBack) {
 }
 
 TEST_F(DeathTest, ACallKeepsItsServiceOverATeardown) {
-    LoadWith(kHidl, "light");
+    LoadWith(kHidl, "touch");
     int alive = -1;
     device.OnCall([&] {
-        device.At(kHidl, "light").Undeclare();
-        device.At(kHidl, "light").Kill();
+        device.At(kHidl, "touch").Undeclare();
+        device.At(kHidl, "touch").Kill();
         native_hidl::ExitKvManager();
         alive = Device::LiveServices();
     });
-    EXPECT_EQ("0", java::Call("nativeSetLedAlwaysOnStatus", {1, 2}));
+    EXPECT_EQ("0", java::Call("nativeGetCapacitanceTestResult", {1}));
     EXPECT_EQ(1, alive);
 }
 

@@ -104,14 +104,14 @@ TEST_F(DisplayTest, EveryGeneralScene) {
 // clang-format off
 TEST_F(DisplayTest, AnswersOfTheServices) {
     Run({
-            {kHidl, "display", "nativeDisplayTest", {"red"}, {{"displayTest", Fault::kNoCallback}},
+            {kHidl, "display", "nativeDisplayTest", {"red"}, {{"displayTest", Fault::kDeadObject}},
              {"display.displayTest(2, 2)"},
              {"I DisplayTestByHidl", "E DisplayTest scene = 2\n"}, "\"\""},
             {kHidl, "display@1.0", "nativeDisplayTest", {"blue"}, {{"displayTest", {0, "blue on"}}},
              {"display.displayTest(2, 4)"},
              {"I DisplayTestByHidl", "E DisplayTest scene = 4\n"}, "\"blue on\""},
             {kHidl, "display_factory", "nativeDisplayGeneralTest", {"vertical_scene4"},
-             {{"displayGeneralTest", Fault::kNoCallback}},
+             {{"displayGeneralTest", Fault::kDeadObject}},
              {"display_factory.displayGeneralTest(2, 22)"},
              {"I DisplayGeneralTestByHidl", "E DisplayTest scene = 22\n"}, "\"\""},
     });
@@ -140,7 +140,7 @@ TEST_F(DisplayTest, Hertz) {
              {"chip.startHertzTest()"},
              {"I StartHertzTestByHidl", "D StartHertzTest resultCode:6, parameters carried:90:144"},
              "\"90:144\""},
-            {kHidl, "chip", "nativeStartHertzTest", {}, {{"startHertzTest", Fault::kNoCallback}},
+            {kHidl, "chip", "nativeStartHertzTest", {}, {{"startHertzTest", Fault::kDeadObject}},
              {"chip.startHertzTest()"},
              {"I StartHertzTestByHidl", "D StartHertzTest resultCode:0, parameters carried:"},
              "\"\""},
@@ -203,7 +203,7 @@ TEST_F(DisplayTest, FrameRateConfigurationOverHidl) {
              "null"},
             // The code of the switch still stands when nothing comes after it.
             {kHidl, "display", "nativeGetScreenFpsConfigByScenes", {4},
-             {{"getDisplayFpsConfig", Fault::kNoCallback}},
+             {{"getDisplayFpsConfig", Fault::kDeadObject}},
              {"display.setDisplayFps(4)", "display.getDisplayFpsConfig()"},
              {"I GetScreenFpsConfigByScenesByHidl", "I setDisplayFps, freqIndex: 4, ret: 0",
               "I getDisplayFpsConfig, fpsConfig: "},

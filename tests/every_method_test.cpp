@@ -384,8 +384,7 @@ TEST_F(EveryMethodTest, WithACallThatFails) {
             const char* expected = backend == kAidl ? row.aidlFails : row.hidlFails;
             if (expected == nullptr) continue;                                  // ends the process
             if (backend == kHidl && std::string(expected) == "null") continue;  // two calls, below
-            for (const Fault fault : {Fault::kTransport, Fault::kNoCallback}) {
-                if (backend == kAidl && fault == Fault::kNoCallback) continue;
+            for (const Fault fault : {Fault::kTransport, Fault::kDeadObject}) {
                 LoadWith(backend, row.service);
                 SCOPED_TRACE(Trace(backend, row));
                 for (const std::string& method : Split(row.asks)) device.Script(method, fault);
@@ -398,7 +397,7 @@ TEST_F(EveryMethodTest, WithACallThatFails) {
 
 // The second call's result starts from the first one's, which was 0.
 TEST_F(EveryMethodTest, HidlFrameRateReadThatFails) {
-    for (const Fault fault : {Fault::kTransport, Fault::kNoCallback}) {
+    for (const Fault fault : {Fault::kTransport, Fault::kDeadObject}) {
         LoadWith(kHidl, "display");
         device.Script("getDisplayFpsConfig", fault);
         EXPECT_EQ("\"\"", java::Call("nativeGetScreenFpsConfigByScenes", {1}));

@@ -20,7 +20,7 @@ TEST_F(PeripheralsTest, TouchPanel) {
               "E zantor_tp_capacitance_test  capacitanceTestResult = short\n"},
              "-3"},
             {kHidl, "touch", "nativeGetCapacitanceTestResult", {5},
-             {{"zantor_tp_capacitance_test", Fault::kNoCallback}},
+             {{"zantor_tp_capacitance_test", Fault::kDeadObject}},
              {"touch.zantor_tp_capacitance_test(5)"},
              {"E GetCapacitanceTestResultByHidl", "E zantor_tp_capacitance_test ret = 0\n",
               "E zantor_tp_capacitance_test  capacitanceTestResult = \n"},
@@ -85,7 +85,7 @@ TEST_F(PeripheralsTest, SensorParameters) {
               "main cmd = -2, sub cmd = 3, length = 4"},
              "\"0.5,0.7\""},
             {kHidl, "sensors", "nativeGetSensorPara", {1, -2, 3, 4},
-             {{"handleSensorPara", Fault::kNoCallback}}, {"sensors.handleSensorPara(1, -2, 3, 4)"},
+             {{"handleSensorPara", Fault::kDeadObject}}, {"sensors.handleSensorPara(1, -2, 3, 4)"},
              {"I GetSensorParaByHidl",
               "D handleSensorPara ret = -1, testResultArray = , sensor id = 1, "
               "main cmd = -2, sub cmd = 3, length = 4"},

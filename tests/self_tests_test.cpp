@@ -314,11 +314,11 @@ TEST_F(SelfTestsTest, CodesComeBackAsTheyAre) {
     });
 }
 
-/** A HIDL method whose service returns without an answer: code 0 and empty texts stand. */
+/** A HIDL method whose service never gives an answer: code 0 and empty texts stand. */
 Case Unanswered(const char* method, const std::vector<java::Arg>& args, const char* asked,
                 const std::string& call, const std::vector<std::string>& log,
                 const std::string& result) {
-    return {kHidl, "factory", method, args, {{asked, Fault::kNoCallback}}, {"factory." + call},
+    return {kHidl, "factory", method, args, {{asked, Fault::kDeadObject}}, {"factory." + call},
             log, result};
 }
 

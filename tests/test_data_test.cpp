@@ -72,7 +72,7 @@ TEST_F(TestDataTest, Reads) {
              {"I GetControlFlagByHidl", "D GetControlFlag, flagID is 3",
               "D GetControlFlag resultCode:-1, flagResult:on"},
              "\"on\""},
-            {kHidl, "factory", "nativeGetControlFlag", {3}, {{"getControlFlag", Fault::kNoCallback}},
+            {kHidl, "factory", "nativeGetControlFlag", {3}, {{"getControlFlag", Fault::kDeadObject}},
              {"factory.getControlFlag(3, 1024)"},
              {"I GetControlFlagByHidl", "D GetControlFlag, flagID is 3",
               "D GetControlFlag resultCode:0, flagResult:"},

@@ -19,6 +19,7 @@
 
 #include "device/big_data_text.h"
 #include "device/device.h"
+#include "device/objects.h"
 
 namespace kalvorn::device {
 
@@ -39,8 +40,7 @@ Answer Ask(const string& service, const string& method, Answer usual, const Args
 }
 
 Status Outcome(const Answer& answer) {
-    return answer.fault == Fault::kTransport ? Status::fromStatusT(android::FAILED_TRANSACTION)
-                                             : Status::ok();
+    return Status::fromStatusT(ErrorOf(answer.fault));
 }
 
 Status Reply(const Answer& answer, int32_t* code) {
@@ -327,9 +327,7 @@ using SessionCallback = ::aidl::android::hardware::biometrics::fingerprint::ISes
 using ndk::ScopedAStatus;
 
 ScopedAStatus NdkOutcome(const Answer& answer) {
-    return answer.fault == Fault::kTransport
-                   ? ScopedAStatus(AStatus_fromStatus(STATUS_FAILED_TRANSACTION))
-                   : ScopedAStatus::ok();
+    return ScopedAStatus(AStatus_fromStatus(ErrorOf(answer.fault)));
 }
 
 class Session : public ndk_fingerprint::BnSession, Counted {
@@ -367,24 +365,11 @@ class AidlService : public Service {
     void Declare() override { host::DeclareService(mName); }
     void Undeclare() override { host::UndeclareService(mName); }
     void Start() override {
-        mBinders = NewBinders();
-        android::defaultServiceManager()->addService(android::String16(mName.c_str()), mBinders[0]);
+        const std::vector<sp<IBinder>> binders = NewBinders();
+        host::ShareProcess(binders);
+        Run(std::make_shared<Objects>(Objects{binders, {}}));
+        android::defaultServiceManager()->addService(android::String16(mName.c_str()), binders[0]);
     }
-    void Kill() override {
-        // The registered binder first: whoever is told of another's death finds it gone.
-        for (const auto& binder : mBinders) host::KillService(binder);
-        Forget();
-    }
-    void Forget() override { mBinders.clear(); }
-    void RefuseDeathLinks() override {
-        for (const auto& binder : mBinders) host::RefuseDeathLinks(binder, true);
-    }
-    size_t DeathLinks() const override {
-        size_t links = 0;
-        for (const auto& binder : mBinders) links += host::DeathLinkCount(binder);
-        return links;
-    }
-    bool IsRunning() const override { return !mBinders.empty(); }
 
   protected:
     /** The binder to register, then others of the same process. */
@@ -392,7 +377,6 @@ class AidlService : public Service {
 
   private:
     const string mName;
-    std::vector<sp<IBinder>> mBinders;
 };
 
 template <typename Implementation>

@@ -3,6 +3,13 @@
 #include <binder_host.h>
 #include <hidl/hidl_host.h>
 
+#include <algorithm>
+#include <chrono>
+#include <stdexcept>
+#include <utility>
+
+#include "device/objects.h"
+
 namespace kalvorn::device {
 
 std::atomic<int> Counted::sLive{0};
@@ -39,6 +46,15 @@ const std::vector<std::string>& Device::Services() {
 }
 
 namespace {
+
+bool Contains(const std::vector<std::string>& names, const std::string& name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+/** A service's name without its revision. */
+std::string BaseName(const std::string& service) {
+    return service.substr(0, service.find('@'));
+}
 
 bool IsHidlInMixed(const std::string& service) {
     return service == "sensors" || service == "light" || service == "touch";
@@ -82,11 +98,104 @@ size_t Device::DeathLinks(Backend backend, const std::string& service) const {
 void Device::Start(Backend backend, const std::string& service) {
     At(backend, service).Declare();
     At(backend, service).Start();
+    ShareProcess(ServicesWith(service));
 }
 
+bool Device::GroupProcesses(const std::string& grouping) {
+    std::vector<Process> shared;
+    if (grouping == "one") {
+        shared = {Services()};
+    } else if (grouping == "device") {
+        shared = {{"display", "display_factory"},
+                  {"touch", "sensors", "light"},
+                  {"radio", "sim"},
+                  {"chip", "satellite"}};
+    } else if (grouping != "each") {
+        return false;
+    }
+    {
+        const std::lock_guard lock(mLock);
+        mShared = std::move(shared);
+        mKilled.clear();
+    }
+    for (const std::string& service : Services()) ShareProcess(ServicesWith(service));
+    return true;
+}
+
+std::vector<std::string> Device::ServicesWith(const std::string& service) const {
+    const std::string name = BaseName(service);
+    if (!Contains(Services(), name)) throw std::out_of_range(service);
+    const std::lock_guard lock(mLock);
+    for (const Process& process : mShared) {
+        if (Contains(process, name)) return process;
+    }
+    return {name};
+}
+
+std::vector<Device::Member> Device::MembersOf(const Process& process) const {
+    std::vector<Member> members;
+    for (const Backend backend : {Backend::kAidl, Backend::kHidl}) {
+        for (const auto& [name, service] : ServicesOf(backend)) {
+            if (Contains(process, BaseName(name))) members.push_back({backend, name});
+        }
+    }
+    return members;
+}
+
+/** The calls under way of a process have to do with one buffer for them all. */
+void Device::ShareProcess(const Process& process) const {
+    Objects objects;
+    for (const Member& member : MembersOf(process)) {
+        if (const auto running = At(member.backend, member.name).Running()) objects.Add(*running);
+    }
+    host::ShareProcess(objects.binders);
+}
+
+void Device::KillProcess(const std::string& service) {
+    const Process process = ServicesWith(service);
+    Objects dying;
+    std::vector<Member> killed;
+    for (const Member& member : MembersOf(process)) {
+        const auto running = At(member.backend, member.name).Forget();
+        if (running == nullptr) continue;
+        dying.Add(*running);
+        killed.push_back(member);
+    }
+    if (killed.empty()) return;
+    {
+        const std::lock_guard lock(mLock);
+        mKilled[process.front()] = std::move(killed);
+    }
+    dying.Kill();
+}
+
+void Device::RestartProcess(const std::string& service) {
+    std::vector<Member> killed;
+    const std::string first = ServicesWith(service).front();
+    {
+        const std::lock_guard lock(mLock);
+        killed.swap(mKilled[first]);
+    }
+    for (const Member& member : killed) {
+        if (!IsRunning(member.backend, member.name)) Start(member.backend, member.name);
+    }
+}
+
+// Idle at once: the binder threads are seen idle while no HIDL delivery is under way, nor one came
+// since the HIDL thread was seen idle.
 bool Device::Settle(int milliseconds) {
-    const std::chrono::milliseconds timeout(milliseconds);
-    return host::WaitForDeathDelivery(timeout) && host::WaitForHidlDelivery(timeout);
+    using Clock = std::chrono::steady_clock;
+    const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
+    const auto left = [end] {
+        const auto time = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+        return std::max(time, std::chrono::milliseconds(0));
+    };
+    for (;;) {
+        const size_t deliveries = host::HidlDeliveryCount();
+        if (!host::WaitForHidlDelivery(left()) || !host::WaitForDeathDelivery(left())) return false;
+        if (host::HidlDeliveryCount() == deliveries) return true;
+        if (Clock::now() > end) return false;
+    }
 }
 
 void Device::Script(const std::string& method, Answer answer) {
@@ -99,15 +208,25 @@ std::vector<std::string> Device::TakeCalls() {
     return std::exchange(mCalls, {});
 }
 
+void Device::RecordCalls(bool record) {
+    const std::lock_guard lock(mLock);
+    mRecordsCalls = record;
+}
+
 void Device::OnCall(std::function<void()> observer) {
     const std::lock_guard lock(mLock);
     mObserver = std::move(observer);
 }
 
 Answer Device::Ask(const std::string& method, const std::string& call, Answer usual) {
+    std::function<void()> observer;
+    {
+        const std::lock_guard lock(mLock);
+        if (mRecordsCalls) mCalls.push_back(call);
+        observer = mObserver;
+    }
+    if (observer) observer();  // it may kill, or look at the calls
     const std::lock_guard lock(mLock);
-    mCalls.push_back(call);
-    if (mObserver) mObserver();
     std::deque<Answer>& scripted = mScript[method];
     if (scripted.empty()) return usual;
     Answer answer = std::move(scripted.front());
@@ -122,7 +241,9 @@ void Device::Reset() {
     for (const ServiceMap* services : {&mAidl, &mHidl}) {
         for (const auto& [name, service] : *services) service->Forget();
     }
+    GroupProcesses("each");
     const std::lock_guard lock(mLock);
+    mRecordsCalls = true;
     mScript.clear();
     mCalls.clear();
     mObserver = nullptr;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utils/Errors.h>
+
 #include <atomic>
 #include <cstdint>
 #include <deque>
@@ -21,9 +23,21 @@ enum class Backend { kAidl, kHidl };
 
 enum class Fault {
     kNone,
-    kTransport,   // the call fails on its way back; the caller's values stay as they were
-    kNoCallback,  // HIDL only: the service returns without calling the result callback
+    /** The call fails on its way back; the caller's values stay as they were. */
+    kTransport,
+    /**
+     * The call fails as when the service's process ends within it, which a HIDL stub brings about
+     * when its service returns without having called the result callback. Only the call: the death
+     * itself would log, at any time, among the lines of the call. It is for KillProcess().
+     */
+    kDeadObject,
 };
+
+/** What a call with this fault answers. */
+inline android::status_t ErrorOf(Fault fault) {
+    if (fault == Fault::kNone) return android::OK;
+    return fault == Fault::kTransport ? android::FAILED_TRANSACTION : android::DEAD_OBJECT;
+}
 
 /** What a method answers; a method without one of the values ignores it. */
 struct Answer {
@@ -52,7 +66,9 @@ class Store {
     std::map<int32_t, std::string> mTexts;
 };
 
-/** One service over one backend; it runs at most one process at a time. */
+struct Objects;
+
+/** One service over one backend; it runs from its start until it is killed or forgotten. */
 class Service {
   public:
     virtual ~Service() = default;
@@ -60,12 +76,23 @@ class Service {
     virtual void Undeclare() = 0;
     /** A new service object, registered. */
     virtual void Start() = 0;
-    virtual void Kill() = 0;
-    /** Lets go of the object without a death. */
-    virtual void Forget() = 0;
-    virtual void RefuseDeathLinks() = 0;
-    virtual size_t DeathLinks() const = 0;
-    virtual bool IsRunning() const = 0;
+
+    /** The service dies alone, whatever its process holds besides. */
+    void Kill();
+    /** Lets go of what runs, without a death, and returns it; null when nothing runs. */
+    std::shared_ptr<const Objects> Forget();
+    std::shared_ptr<const Objects> Running() const;
+    bool IsRunning() const { return Running() != nullptr; }
+    void RefuseDeathLinks();
+    size_t DeathLinks() const;
+
+  protected:
+    /** What runs from now on; returns what ran before. */
+    std::shared_ptr<const Objects> Run(std::shared_ptr<const Objects> objects);
+
+  private:
+    mutable std::mutex mLock;
+    std::shared_ptr<const Objects> mObjects;
 };
 
 using ServiceMap = std::map<std::string, std::unique_ptr<Service>>;
@@ -93,6 +120,22 @@ class Device {
     void Start(Backend backend, const std::string& service);
 
     /**
+     * Puts services into processes: "each" has its own (as on an empty device), all share "one", or
+     * as on a "device", where some share one. What a process holds over the two backends dies
+     * together. False for another name.
+     */
+    bool GroupProcesses(const std::string& grouping);
+
+    /** The services in the process of this one, itself included. */
+    std::vector<std::string> ServicesWith(const std::string& service) const;
+
+    /** Kills all that runs in the process of a service; all of it is dead before any notice. */
+    void KillProcess(const std::string& service);
+
+    /** Declares and starts what ran in the process of a service when it was killed. */
+    void RestartProcess(const std::string& service);
+
+    /**
      * The service itself, to declare it and start it late, to kill it, or to refuse death links.
      * Throws std::out_of_range for a service that the backend does not have.
      */
@@ -102,7 +145,10 @@ class Device {
     bool IsRunning(Backend backend, const std::string& service) const;
     size_t DeathLinks(Backend backend, const std::string& service) const;
 
-    /** Waits until every death and registration has been handled; false when that takes longer. */
+    /**
+     * Waits until every death and registration has been handled, and those that they brought about
+     * on the other backend's threads; false when that takes longer.
+     */
     static bool Settle(int milliseconds = 5000);
 
     /** Queues an answer for the next call of a method, "readNv" say, on any service. */
@@ -111,10 +157,13 @@ class Device {
     /** The calls since the last time, as "aidl factory.writeNv(7, \"abc\")". */
     std::vector<std::string> TakeCalls();
 
+    /** Whether calls are recorded, as on an empty device; millions of them would take memory. */
+    void RecordCalls(bool record);
+
     /** Called, on the calling thread, as a call reaches a service. */
     void OnCall(std::function<void()> observer);
 
-    /** An empty device: no services, declarations, script, calls, observer or stored texts. */
+    /** An empty device: no services, declarations, groups, script, calls, observer or texts. */
     void Reset();
 
     /** Simulated service objects in memory, dead ones that somebody still holds included. */
@@ -127,10 +176,21 @@ class Device {
   private:
     Device();
 
+    struct Member {
+        Backend backend;
+        std::string name;
+    };
+    using Process = std::vector<std::string>;
+
     const ServiceMap& ServicesOf(Backend backend) const;
+    std::vector<Member> MembersOf(const Process& process) const;
+    void ShareProcess(const Process& process) const;
 
     const ServiceMap mAidl, mHidl;
     mutable std::mutex mLock;
+    std::vector<Process> mShared;                        // the processes of several services
+    std::map<std::string, std::vector<Member>> mKilled;  // by the first service of the process
+    bool mRecordsCalls = true;
     std::map<std::string, std::deque<Answer>> mScript;
     std::vector<std::string> mCalls;
     std::function<void()> mObserver;

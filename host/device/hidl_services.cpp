@@ -15,6 +15,7 @@
 
 #include "device/big_data_text.h"
 #include "device/device.h"
+#include "device/objects.h"
 
 namespace kalvorn::device {
 
@@ -30,28 +31,30 @@ using android::hidl::base::V1_0::IBase;
 using std::string;
 using namespace vendor::zantor::hardware;
 
+/** What a process's buffer for its calls holds; a call's texts are about its size. */
+constexpr size_t kTransactionLimit = 1024 * 1024 - 2 * 4096;
+
 template <typename... Args>
 Answer Ask(const IBase* self, const string& service, const string& method, Answer usual,
            const Args&... args) {
-    if (host::IsHidlServiceDead(self)) return Fault::kTransport;
-    return Device::Get().Ask(method,
-                             "hidl " + service + "." + method + "(" + ShowAll(args...) + ")",
-                             std::move(usual));
-}
-
-Status TransportFailure() {
-    return Status::fromStatusT(android::FAILED_TRANSACTION);
+    const string call = "hidl " + service + "." + method + "(" + ShowAll(args...) + ")";
+    if (host::IsHidlServiceDead(self)) return Fault::kDeadObject;
+    if (call.size() > kTransactionLimit) return Fault::kTransport;
+    Answer answer = Device::Get().Ask(method, call, std::move(usual));
+    if (host::IsHidlServiceDead(self)) return Fault::kDeadObject;
+    if (answer.text.size() + answer.detail.size() > kTransactionLimit) return Fault::kTransport;
+    return answer;
 }
 
 Return<int32_t> Reply(const Answer& answer) {
-    if (answer.fault == Fault::kTransport) return TransportFailure();
+    if (answer.fault != Fault::kNone) return Status::fromStatusT(ErrorOf(answer.fault));
     return answer.code;
 }
 
 template <typename Callback, typename... Values>
 Return<void> Deliver(const Answer& answer, const Callback& callback, const Values&... values) {
-    if (answer.fault == Fault::kTransport) return TransportFailure();
-    if (answer.fault == Fault::kNone) callback(values...);
+    if (answer.fault != Fault::kNone) return Status::fromStatusT(ErrorOf(answer.fault));
+    callback(values...);
     return Void();
 }
 
@@ -312,25 +315,14 @@ class HidlService : public Service {
     void Undeclare() override { host::UndeclareHidlService(Interface::descriptor, mInstance); }
     void Start() override {
         const sp<Implementation> service = new Implementation;
-        mService = service;
+        Run(std::make_shared<Objects>(Objects{{}, {service}}));
         if (service->registerAsService(mInstance) != android::OK) {
             throw std::runtime_error("cannot register " + string(Interface::descriptor));
         }
     }
-    void Kill() override {
-        host::KillHidlService(mService);
-        Forget();
-    }
-    void Forget() override { mService.clear(); }
-    void RefuseDeathLinks() override { host::RefuseHidlDeathLinks(mService, true); }
-    size_t DeathLinks() const override {
-        return mService == nullptr ? 0 : host::HidlDeathLinkCount(mService);
-    }
-    bool IsRunning() const override { return mService != nullptr; }
 
   private:
     const string mInstance;
-    sp<IBase> mService;
 };
 
 template <typename Interface, typename Implementation>
