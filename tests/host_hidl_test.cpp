@@ -142,14 +142,18 @@ bool Eventually(const std::function<bool()>& condition) {
     return condition();
 }
 
-/** A look-up on a thread of its own, which waits from the start. A failed test does not hang. */
-class Waiter {
+/** A look-up on a thread of its own, so that a failed test does not hang. */
+class Search {
   public:
-    explicit Waiter(const std::string& name)
-        : mFound(std::async(std::launch::async, [name] { return IExtended::getService(name); })) {
-        EXPECT_TRUE(Eventually([] { return HidlWaiterCount() == 1; }));
+    explicit Search(const std::string& name)
+        : mFound(std::async(std::launch::async, [name] { return IExtended::getService(name); })) {}
+    ~Search() {
+        if (mFound.valid()) ResetHidlRegistry();
     }
-    ~Waiter() { ResetHidlRegistry(); }
+
+    bool waits() const {
+        return Eventually([] { return HidlWaiterCount() == 1; });
+    }
 
     sp<IExtended> found() {
         const bool ended = mFound.wait_for(20s) == std::future_status::ready;
@@ -259,7 +263,8 @@ TEST_F(HostHidlTest, GetServiceWaitsForADeclaredServiceOnly) {
     DeclareHidlService(kExtended, "x");
     EXPECT_EQ(nullptr, IExtended::tryGetService("x"));
 
-    Waiter late("x");
+    Search late("x");
+    EXPECT_TRUE(late.waits());
     const sp<IExtended> service = new Service11;
     EXPECT_EQ(::android::OK, service->registerAsService("x"));
     EXPECT_EQ(service, late.found());
@@ -271,18 +276,21 @@ TEST_F(HostHidlTest, GetServiceWaitsForADeclaredServiceOnly) {
 TEST_F(HostHidlTest, OnlyTheServiceOrAResetEndsAWait) {
     DeclareHidlService(kExtended, "x");
     {
-        Waiter waiter("x");
+        Search search("x");
+        EXPECT_TRUE(search.waits());
         UndeclareHidlService(kExtended, "x");
         EXPECT_EQ(nullptr, IExtended::getService("x")) << "asked after the withdrawal";
         const sp<IExtended> service = new Service11;
         EXPECT_EQ(::android::OK, service->registerAsService("x"));
-        EXPECT_EQ(service, waiter.found());
+        EXPECT_EQ(service, search.found());
     }
-    DeclareHidlService(kExtended, "x");
-    Waiter waiter("x");
     ResetHidlRegistry();
     DeclareHidlService(kExtended, "x");
-    EXPECT_EQ(nullptr, waiter.found());
+    Search search("x");
+    EXPECT_TRUE(search.waits());
+    ResetHidlRegistry();
+    DeclareHidlService(kExtended, "x");
+    EXPECT_EQ(nullptr, search.found());
 }
 
 TEST_F(HostHidlTest, AServiceFoundDeadCountsAsNotThereYet) {
@@ -290,19 +298,20 @@ TEST_F(HostHidlTest, AServiceFoundDeadCountsAsNotThereYet) {
     const sp<Failing11> failing = new Failing11;
     EXPECT_EQ(::android::OK, failing->registerAsService("x"));
     failing->status = Status::fromStatusT(::android::FAILED_TRANSACTION);
-    EXPECT_EQ(nullptr, IExtended::getService("x")) << "a cast that fails otherwise ends the wait";
+    EXPECT_EQ(nullptr, Search("x").found()) << "a cast that fails otherwise ends the wait";
 
     failing->status = Status::fromStatusT(::android::DEAD_OBJECT);
     EXPECT_EQ(nullptr, IExtended::tryGetService("x"));
     failing->asked = 0;
     const auto start = std::chrono::steady_clock::now();
-    Waiter waiter("x");
+    Search search("x");
+    EXPECT_TRUE(search.waits());
     std::this_thread::sleep_for(20ms);
     const auto seconds = (std::chrono::steady_clock::now() - start) / 1s;
     EXPECT_LE(failing->asked, 2 + seconds) << "it waits before it looks again";
     const sp<IExtended> living = new Service11;
     EXPECT_EQ(::android::OK, living->registerAsService("x"));
-    EXPECT_EQ(living, waiter.found());
+    EXPECT_EQ(living, search.found());
 }
 
 TEST_F(HostHidlTest, ADeadServicesNameMayStayForAWhile) {
