@@ -86,7 +86,13 @@ Lines WithoutReinit(Lines lines) {
     return lines;
 }
 
-class ConnectionsTest : public LibraryTest {};
+class ConnectionsTest : public LibraryTest {
+  protected:
+    void TearDown() override {
+        native_aidl::g_aidlFingerprint.reset();  // survives an unload when it has no session
+        LibraryTest::TearDown();
+    }
+};
 
 TEST_F(ConnectionsTest, EachServiceIsDecidedSeparatelyAndInOrder) {
     for (const char* profile : {"aidl", "hidl", "mixed", "bare"}) {
