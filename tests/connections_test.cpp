@@ -1,11 +1,28 @@
+#include <android/binder_manager.h>
 #include <binder/IServiceManager.h>
+#include <dlfcn.h>
 
-#include <chrono>
+#include <future>
 #include <thread>
 
 #include "aidl/services.h"
 #include "harness.h"
 #include "hidl/services.h"
+
+namespace {
+
+std::function<void()> g_onDeclarationAsked;
+
+}  // namespace
+
+// Tells a test how far the fingerprint's connector has come.
+extern "C" bool AServiceManager_isDeclared(const char* instance) {
+    static const auto next = reinterpret_cast<decltype(&AServiceManager_isDeclared)>(
+            dlsym(RTLD_NEXT, "AServiceManager_isDeclared"));
+    const bool isDeclared = next(instance);
+    if (g_onDeclarationAsked) g_onDeclarationAsked();
+    return isDeclared;
+}
 
 namespace {
 
@@ -58,6 +75,11 @@ constexpr ServiceTexts kTexts[] = {
         {"satellite", "I InitChipSrvSat", "E g_aidlChipSat is null", "I g_aidlChipSat linkToDeath",
          nullptr, nullptr, nullptr},
 };
+
+const ServiceTexts& TextsOf(const std::string& service) {
+    return *std::find_if(std::begin(kTexts), std::end(kTexts),
+                         [&](const ServiceTexts& texts) { return texts.name == service; });
+}
 
 /** The lines of a load: what each service does on a device that runs these services. */
 Lines LoadLines(const Device& device) {
@@ -163,18 +185,25 @@ TEST_F(ConnectionsTest, ARefusedDeathLinkGoesUnnoticed) {
 
 // A declared service is waited for, however late it registers.
 TEST_F(ConnectionsTest, ALateServiceHoldsUpTheLoad) {
-    for (const Backend backend : {kAidl, kHidl}) {
-        for (const char* service : {"light", "fingerprint"}) {
-            SCOPED_TRACE(service);
+    for (const char* service : {"light", "fingerprint"}) {
+        const ServiceTexts& texts = TextsOf(service);
+        for (const Backend backend : {kAidl, kHidl}) {
+            SCOPED_TRACE(texts.name);
             Unload();
             device.Reset();
             device.At(backend, service).Declare();
+            std::promise<void> started;
+            OnLine([&, start = backend == kAidl ? texts.aidlStart
+                                                : texts.hidlStart](const std::string& line) {
+                if (line == start) started.set_value();
+            });
             std::atomic<bool> loaded{false};
             std::thread loader([&] {
                 Load();
                 loaded = true;
             });
-            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            started.get_future().wait();
+            OnLine(nullptr);
             EXPECT_FALSE(loaded);
             device.Start(backend, service);
             loader.join();
@@ -192,6 +221,7 @@ TEST_F(ConnectionsTest, UnloadReleasesEveryServiceAndLoadTakesThemAgain) {
         const auto light = native_aidl::g_aidlLight;
         const auto interface = native_aidl::g_aidlFingerprint;
         const auto session = native_aidl::g_aidlFingerprintSession;
+        const auto notifier = native_aidl::g_deathNotifier;
         Unload();
         EXPECT_EQ((Lines{"I JNI_onUnLoad", "E ExitKvNativeManager", "I ExitKvManager by aidl",
                          "D ExitKvManager by hidl"}),
@@ -202,6 +232,7 @@ TEST_F(ConnectionsTest, UnloadReleasesEveryServiceAndLoadTakesThemAgain) {
         }
         Load();
         EXPECT_EQ(LoadLines(device), WithoutReinit(TakeLog()));
+        EXPECT_EQ(notifier, native_aidl::g_deathNotifier);
         Unload();
         device.Reset();
     }
@@ -234,10 +265,13 @@ TEST_F(ConnectionsTest, ARefusedSessionIsNotAskedForAgain) {
 
 TEST_F(ConnectionsTest, AFingerprintServiceThatNeverComes) {
     device.At(kAidl, "fingerprint").Declare();
+    std::promise<void> foundDeclared;
+    g_onDeclarationAsked = [&] { foundDeclared.set_value(); };
     std::thread loader([] { EXPECT_EQ(0, native_aidl::InitFingerprintService()); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    foundDeclared.get_future().wait();
     device.At(kAidl, "fingerprint").Undeclare();
     loader.join();
+    g_onDeclarationAsked = nullptr;
     EXPECT_EQ("E Could not connect to declared sensors AIDL HAL", TakeLastLine());
 }
 

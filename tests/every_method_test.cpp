@@ -386,19 +386,55 @@ TEST_F(EveryMethodTest, HidlFrameRateReadThatFails) {
 }
 
 TEST_F(EveryMethodTest, HidlValueOfAFailedCallEndsTheProcess) {
-    const struct {
-        const char* service;
-        const char* method;
-        std::vector<java::Arg> args;
-        const char* asks;
-    } cases[] = {
-            {"factory", "nativeWriteNvValue", {"v", 1}, "writeNv"},
-            {"display", "nativeGetScreenFpsConfigByScenes", {1}, "setDisplayFps"},
+    const auto expectEnd = [this](const Row& row, const std::string& asks) {
+        LoadWith(kHidl, row.service);
+        device.Script(asks, Fault::kTransport);
+        EXPECT_DEATH(java::Call(row.method, row.args), "value of a failed call") << row.method;
     };
-    for (const auto& c : cases) {
-        LoadWith(kHidl, c.service);
-        device.Script(c.asks, Fault::kTransport);
-        EXPECT_DEATH(java::Call(c.method, c.args), "value of a failed call");
+    for (const Row& row : kRows) {
+        if (row.hidlAbsentLines == nullptr) continue;
+        if (row.hidlFails == kEnds) expectEnd(row, Split(row.asks)[0]);
+        if (row.asks == std::string("getDisplayFpsConfig")) expectEnd(row, "setDisplayFps");
+    }
+}
+
+std::string Replaced(std::string text, int from, int to) {
+    const std::string shown = java::Show(from);
+    for (size_t at = text.find(shown); at != std::string::npos; at = text.find(shown)) {
+        text.replace(at, shown.size(), java::Show(to));
+    }
+    return text;
+}
+
+// Whatever becomes of a small integer becomes of any other: no call, line or result cuts it.
+TEST_F(EveryMethodTest, IntegersStayWhole) {
+    const int small[] = {111, 112, 113, 114, 115};
+    const int large[] = {1900000001, -1900000002, 1900000003, -1900000004, -1900000005};
+    for (const Row& row : kRows) {
+        // They send bytes, and a text of a few digits of each number.
+        if (row.asks == std::string("setFlashLight") || row.asks == std::string("writeOemInfo")) {
+            continue;
+        }
+        for (const Backend backend : BackendsOf(row)) {
+            SCOPED_TRACE(Trace(backend, row));
+            const auto outcome = [&](const int(&numbers)[5]) {
+                LoadWith(backend, row.service);
+                Args args = row.args;
+                for (size_t i = 0; i < args.size(); i++) {
+                    if (std::holds_alternative<int>(args[i])) args[i] = numbers[i];
+                }
+                for (const std::string& asked : Split(row.asks)) {
+                    device.Script(asked, {numbers[4], "text"});
+                }
+                std::string all = java::Call(row.method, args);
+                for (const std::string& call : device.TakeCalls()) all += "\n" + call;
+                for (const std::string& line : TakeLog()) all += "\n" + line;
+                return all;
+            };
+            std::string expected = outcome(small);
+            for (size_t i = 0; i < 5; i++) expected = Replaced(expected, small[i], large[i]);
+            EXPECT_EQ(expected, outcome(large));
+        }
     }
 }
 
@@ -460,7 +496,7 @@ TEST_F(EveryMethodTest, KeepsItsServiceOverATeardown) {
                 SCOPED_TRACE(line < log.size() ? log[line] : "while it calls");
                 LoadWith(backend, row.service);
                 if (line < log.size()) {
-                    OnLine([line] {
+                    OnLine([line](const std::string&) {
                         if (LinesLogged() == static_cast<int>(line) + 1) Unload();
                     });
                 } else {

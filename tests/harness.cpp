@@ -10,7 +10,7 @@ namespace {
 
 std::mutex g_logLock;
 std::vector<std::string> g_log;
-std::function<void()> g_onLine;
+std::function<void(const std::string&)> g_onLine;
 thread_local bool t_unnoticed = false;
 
 void CaptureLog(const __android_logger_data* data, const char* message) {
@@ -19,13 +19,14 @@ void CaptureLog(const __android_logger_data* data, const char* message) {
         return;
     }
     if (t_unnoticed) return;
-    std::function<void()> observer;
+    const std::string line = std::string(1, "??VDIWEF"[data->priority]) + " " + message;
+    std::function<void(const std::string&)> observer;
     {
         const std::lock_guard lock(g_logLock);
-        g_log.push_back(std::string(1, "??VDIWEF"[data->priority]) + " " + message);
+        g_log.push_back(line);
         observer = g_onLine;
     }
-    if (observer) Unnoticed(observer);
+    if (observer) Unnoticed([&] { observer(line); });
 }
 
 JavaVM* StartVm() {
@@ -284,7 +285,7 @@ void Unnoticed(const std::function<void()>& action) {
     t_unnoticed = false;
 }
 
-void OnLine(std::function<void()> observer) {
+void OnLine(std::function<void(const std::string& line)> observer) {
     const std::lock_guard lock(g_logLock);
     g_onLine = std::move(observer);
 }

@@ -103,7 +103,7 @@ int LinesLogged();
 /** Does this without a trace in the log. */
 void Unnoticed(const std::function<void()>& action);
 /** Called, unnoticed, after each line on the thread that logs it, until the test ends. */
-void OnLine(std::function<void()> observer);
+void OnLine(std::function<void(const std::string& line)> observer);
 
 /**
  * The library's entry points: of the sources linked into kalvorn_tests, or of the built library
