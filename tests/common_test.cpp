@@ -17,9 +17,11 @@ class CommonTest : public LibraryTest {};
 
 TEST_F(CommonTest, WritesTwoDigitsAByteAndNothingElse) {
     const char bytes[] = "\x01\x23\x45\x67\x89\xab\xcd\xef\x00\x0f\xa5\xff";
-    char text[] = "--------------------------";
-    EXPECT_EQ(0, ConvertBinToString(bytes, 12, text, 24));
-    EXPECT_STREQ("0123456789abcdef000fa5ff--", text);
+    for (const unsigned int room : {24u, 25u, 26u}) {
+        char text[] = "--------------------------";
+        EXPECT_EQ(0, ConvertBinToString(bytes, 12, text, room));
+        EXPECT_STREQ("0123456789abcdef000fa5ff--", text);
+    }
     EXPECT_EQ(std::vector<std::string>{}, TakeLog());
 }
 

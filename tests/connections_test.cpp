@@ -62,6 +62,11 @@ constexpr ServiceTexts kTexts[] = {
          nullptr, nullptr, nullptr},
 };
 
+const ServiceTexts& TextsOf(const std::string& service) {
+    return *std::find_if(std::begin(kTexts), std::end(kTexts),
+                         [&](const ServiceTexts& texts) { return texts.name == service; });
+}
+
 /** The lines of a load: what each service does on a device that runs these services. */
 Lines LoadLines(const Device& device) {
     Lines lines{"I JNI_OnLoad", "E InitKvNativeManager"};
@@ -89,7 +94,13 @@ Lines WithoutReinit(Lines lines) {
     return lines;
 }
 
-class ConnectionsTest : public LibraryTest {};
+class ConnectionsTest : public LibraryTest {
+  protected:
+    void TearDown() override {
+        native_aidl::g_aidlFingerprint.reset();  // survives an unload when it has no session
+        LibraryTest::TearDown();
+    }
+};
 
 TEST_F(ConnectionsTest, EachServiceIsDecidedSeparatelyAndInOrder) {
     for (const char* profile : {"aidl", "hidl", "mixed", "bare"}) {
@@ -160,18 +171,25 @@ TEST_F(ConnectionsTest, ARefusedDeathLinkGoesUnnoticed) {
 
 // A declared service is waited for, however late it registers.
 TEST_F(ConnectionsTest, ALateServiceHoldsUpTheLoad) {
-    for (const Backend backend : {kAidl, kHidl}) {
-        for (const char* service : {"light", "fingerprint"}) {
-            SCOPED_TRACE(service);
+    for (const char* service : {"light", "fingerprint"}) {
+        const ServiceTexts& texts = TextsOf(service);
+        for (const Backend backend : {kAidl, kHidl}) {
+            SCOPED_TRACE(texts.name);
             Unload();
             device.Reset();
             device.At(backend, service).Declare();
+            std::promise<void> started;
+            OnLine([&, start = backend == kAidl ? texts.aidlStart
+                                                : texts.hidlStart](const std::string& line) {
+                if (line == start) started.set_value();
+            });
             std::atomic<bool> loaded{false};
             std::thread loader([&] {
                 Load();
                 loaded = true;
             });
-            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            started.get_future().wait();
+            OnLine(nullptr);
             EXPECT_FALSE(loaded);
             device.Start(backend, service);
             loader.join();
@@ -189,6 +207,7 @@ TEST_F(ConnectionsTest, UnloadReleasesEveryServiceAndLoadTakesThemAgain) {
         const auto light = native_aidl::g_aidlLight;
         const auto interface = native_aidl::g_aidlFingerprint;
         const auto session = native_aidl::g_aidlFingerprintSession;
+        const auto notifier = native_aidl::g_deathNotifier;
         Unload();
         EXPECT_EQ((Lines{"I JNI_onUnLoad", "E ExitKvNativeManager", "I ExitKvManager by aidl",
                          "D ExitKvManager by hidl"}),
@@ -199,6 +218,7 @@ TEST_F(ConnectionsTest, UnloadReleasesEveryServiceAndLoadTakesThemAgain) {
         }
         Load();
         EXPECT_EQ(LoadLines(device), WithoutReinit(TakeLog()));
+        EXPECT_EQ(notifier, native_aidl::g_deathNotifier);
         Unload();
         device.Reset();
     }

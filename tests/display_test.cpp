@@ -201,6 +201,12 @@ TEST_F(DisplayTest, FrameRateConfigurationOverHidl) {
              {"I GetScreenFpsConfigByScenesByHidl", "I setDisplayFps, freqIndex: 4, ret: 0",
               "E get display fps config failed, ret: -2"},
              "null"},
+            {kHidl, "display", "nativeGetScreenFpsConfigByScenes", {4},
+             {{"getDisplayFpsConfig", {1, "60,90"}}},
+             {"display.setDisplayFps(4)", "display.getDisplayFpsConfig()"},
+             {"I GetScreenFpsConfigByScenesByHidl", "I setDisplayFps, freqIndex: 4, ret: 0",
+              "E get display fps config failed, ret: 1"},
+             "null"},
             // The code of the switch still stands when nothing comes after it.
             {kHidl, "display", "nativeGetScreenFpsConfigByScenes", {4},
              {{"getDisplayFpsConfig", Fault::kDeadObject}},

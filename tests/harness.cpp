@@ -4,29 +4,29 @@
 #include <string.h>
 
 #include <mutex>
-
-#include "aidl/services.h"
-#include "jni/dispatch.h"
-
-// Makes the virtual machine take the library for one that is linked into this program, so that
-// KvNativeInterface finds it and the tests decide when it is loaded.
-// NOLINTNEXTLINE(bugprone-reserved-identifier)
-extern "C" JNIEXPORT jint JNICALL JNI_OnLoad__kalvorn(JavaVM*, void*) {
-    return JNI_VERSION_1_8;
-}
+#include <sstream>
 
 namespace {
 
 std::mutex g_logLock;
 std::vector<std::string> g_log;
+std::function<void(const std::string&)> g_onLine;
+thread_local bool t_unnoticed = false;
 
 void CaptureLog(const __android_logger_data* data, const char* message) {
     if (strcmp(data->tag, "KalvornNative") != 0) {
         __android_log_stderr_logger(data, message);
         return;
     }
-    const std::lock_guard lock(g_logLock);
-    g_log.push_back(std::string(1, "??VDIWEF"[data->priority]) + " " + message);
+    if (t_unnoticed) return;
+    const std::string line = std::string(1, "??VDIWEF"[data->priority]) + " " + message;
+    std::function<void(const std::string&)> observer;
+    {
+        const std::lock_guard lock(g_logLock);
+        g_log.push_back(line);
+        observer = g_onLine;
+    }
+    if (observer) Unnoticed([&] { observer(line); });
 }
 
 // The virtual machine's own, whatever a test puts in their place.
@@ -36,8 +36,10 @@ JavaVM* StartVm() {
     static char classPath[] = "-Djava.class.path=" KALVORN_CLASS_PATH;
     static char check[] = "-Xcheck:jni";
     static char heap[] = "-Xmx256m";
-    JavaVMOption options[] = {{classPath, nullptr}, {check, nullptr}, {heap, nullptr}};
-    JavaVMInitArgs args{JNI_VERSION_1_8, 3, options, JNI_FALSE};
+    static char libraryPath[] = "-Djava.library.path=" KALVORN_LIBRARY_PATH;
+    JavaVMOption options[] = {
+            {classPath, nullptr}, {check, nullptr}, {heap, nullptr}, {libraryPath, nullptr}};
+    JavaVMInitArgs args{JNI_VERSION_1_8, 4, options, JNI_FALSE};
     JavaVM* vm = nullptr;
     JNIEnv* env = nullptr;
     if (JNI_CreateJavaVM(&vm, reinterpret_cast<void**>(&env), &args) != JNI_OK) abort();
@@ -45,9 +47,13 @@ JavaVM* StartVm() {
     return vm;
 }
 
-const char* SignatureOf(const std::string& method) {
-    for (const JNINativeMethod& row : kMethods) {
-        if (method == row.name) return row.signature;
+/** Of one of the application's native methods, as the Java class declares it. */
+std::string SignatureOf(const std::string& method) {
+    static const std::string declared = java::DeclaredNatives();
+    std::istringstream lines(declared);
+    for (std::string line; std::getline(lines, line);) {
+        const size_t end = line.find('(');
+        if (line.substr(0, end) == method) return line.substr(end);
     }
     abort();
 }
@@ -89,6 +95,17 @@ JNIEnv* Env() {
         vm->AttachCurrentThreadAsDaemon(reinterpret_cast<void**>(&env), nullptr);
     }
     return env;
+}
+
+std::string DeclaredNatives() {
+    const LocalFrame frame;
+    JNIEnv* env = Env();
+    jclass clazz = env->FindClass("NativeMethods");
+    jmethodID list = env->GetStaticMethodID(clazz, "list", "()Ljava/lang/String;");
+    jobject listed = env->CallStaticObjectMethod(clazz, list);
+    EXPECT_FALSE(env->ExceptionCheck());
+    const std::string shown = Show(static_cast<jstring>(listed));
+    return shown.substr(1, shown.size() - 2);
 }
 
 jstring String(const char* modifiedUtf8) {
@@ -174,19 +191,17 @@ std::string Call(const std::string& method, const std::vector<Arg>& args) {
 }
 
 std::string StaticField(const char* name) {
-    Env()->PushLocalFrame(8);
+    const LocalFrame frame;
     jfieldID id = Env()->GetStaticFieldID(KvNativeInterface(), name, "Ljava/lang/String;");
     std::string shown =
             Show(static_cast<jstring>(Env()->GetStaticObjectField(KvNativeInterface(), id)));
-    Env()->PopLocalFrame(nullptr);
     return shown;
 }
 
 void SetStaticField(const char* name, const char* text) {
-    Env()->PushLocalFrame(8);
+    const LocalFrame frame;
     jfieldID id = Env()->GetStaticFieldID(KvNativeInterface(), name, "Ljava/lang/String;");
     Env()->SetStaticObjectField(KvNativeInterface(), id, String(text));
-    Env()->PopLocalFrame(nullptr);
 }
 
 namespace {
@@ -232,6 +247,7 @@ void CountArrays() {
     g_counting.ReleaseByteArrayElements = [](JNIEnv* env, jbyteArray array, jbyte* elements,
                                              jint mode) {
         if (mode != JNI_COMMIT) g_use.bytesReleased++;
+        if (mode == JNI_ABORT) g_use.bytesAborted++;
         g_functions->ReleaseByteArrayElements(env, array, elements, mode);
     };
     g_counting.NewIntArray = [](JNIEnv* env, jsize length) {
@@ -310,28 +326,28 @@ int LinesLogged() {
     return static_cast<int>(g_log.size());
 }
 
-jint Load() {
-    java::Env()->PushLocalFrame(8);
-    const jint version = JNI_OnLoad(java::Vm(), nullptr);
-    java::Env()->PopLocalFrame(nullptr);
-    return version;
+void Unnoticed(const std::function<void()>& action) {
+    t_unnoticed = true;
+    action();
+    t_unnoticed = false;
 }
 
-void Unload() {
-    JNI_OnUnload(java::Vm(), nullptr);
+void OnLine(std::function<void(const std::string& line)> observer) {
+    const std::lock_guard lock(g_logLock);
+    g_onLine = std::move(observer);
 }
 
 void LibraryTest::SetUp() {
-    java::Env();
     __android_log_set_logger(CaptureLog);
     __android_log_set_minimum_priority(ANDROID_LOG_VERBOSE);
     device.Reset();
+    java::Application();  // the first one loads the library
     TakeLog();
 }
 
 void LibraryTest::TearDown() {
+    OnLine(nullptr);
     Unload();
-    native_aidl::g_aidlFingerprint.reset();  // survives an unload when it has no session
     device.Reset();
 }
 

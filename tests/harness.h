@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <jni.h>
 
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
@@ -19,6 +20,15 @@ JavaVM* Vm();
 /** Of the calling thread, which is attached when it is not yet. */
 JNIEnv* Env();
 
+/** Frees the local references that the calling thread makes within its scope. */
+class LocalFrame {
+  public:
+    LocalFrame() { Env()->PushLocalFrame(64); }
+    ~LocalFrame() { Env()->PopLocalFrame(nullptr); }
+    LocalFrame(const LocalFrame&) = delete;
+    LocalFrame& operator=(const LocalFrame&) = delete;
+};
+
 using Bytes = std::vector<int8_t>;
 
 /** An object of a big-data class with these fields; a text of null is a null String. */
@@ -29,6 +39,9 @@ struct Object {
 
 /** A Java argument: an int, a String, null, a byte[] or an object. */
 using Arg = std::variant<int, const char*, std::nullptr_t, Bytes, Object>;
+
+/** The name and descriptor of each native method of KvNativeInterface, a line each, in order. */
+std::string DeclaredNatives();
 
 jstring String(const char* modifiedUtf8);
 jobject NewObject(const Object& object);
@@ -54,7 +67,7 @@ void SetStaticField(const char* name, const char* text);
 /** How often the library took and gave back what has to be given back, since Count began. */
 struct JniUse {
     int textsTaken, textsReleased;
-    int bytesTaken, bytesReleased;
+    int bytesTaken, bytesReleased, bytesAborted;  // the aborted ones count as released too
     int intsTaken, intsReleased, intsCommitted;
 };
 
@@ -100,8 +113,15 @@ std::vector<std::string> TakeLog();
 /** The last of them; "none" when there is none. */
 std::string TakeLastLine();
 int LinesLogged();
+/** Does this without a trace in the log. */
+void Unnoticed(const std::function<void()>& action);
+/** Called, unnoticed, after each line on the thread that logs it, until the test ends. */
+void OnLine(std::function<void(const std::string& line)> observer);
 
-/** Both backends' connectors, run as on a load of the library; the log is left for TakeLog(). */
+/**
+ * The library's entry points: of the sources linked into kalvorn_tests, or of the built library
+ * that kalvorn_library_tests loads. The log is left for TakeLog().
+ */
 jint Load();
 void Unload();
 
@@ -112,6 +132,7 @@ class LibraryTest : public testing::Test {
     void TearDown() override;
 
     Device& device = Device::Get();
+    const java::LocalFrame frame;
 
     /** An empty device with one service, and the library loaded on it; the log is emptied. */
     void LoadWith(Backend backend, const std::string& service);

@@ -1,5 +1,3 @@
-#include "jni/local_methods.h"
-
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -61,31 +59,27 @@ extern "C" void* dlopen(const char* path, int mode) {
 namespace {
 
 TEST_F(LocalMethodsTest, SendCommandMcu) {
-    g_javaVm = nullptr;
-    Run({{kAidl,
-          "",
-          "nativeSendCommandMcu",
-          {1, 2, java::Bytes(5)},
-          {},
-          {},
-          {"I g_iextShb register resultRegister:1 , 2, 5"},
-          "0"}});
-    EXPECT_EQ(java::Vm(), g_javaVm);
-    g_javaVm = nullptr;
-    Run({{kAidl, "", "nativeSendCommandMcu", {1, 2, nullptr}, {}, {}, {"E data is null"}, "0"}});
-    EXPECT_EQ(java::Vm(), g_javaVm);
+    Run({
+            {kAidl,
+             "",
+             "nativeSendCommandMcu",
+             {100001, -100002, java::Bytes(5)},
+             {},
+             {},
+             {"I g_iextShb register resultRegister:100001 , -100002, 5"},
+             "0"},
+            {kAidl, "", "nativeSendCommandMcu", {1, 2, nullptr}, {}, {}, {"E data is null"}, "0"},
+    });
 }
 
 TEST_F(LocalMethodsTest, UnregisterCallback) {
     LoadWithProfile("aidl");
-    EXPECT_EQ("0", java::Call("nativeUnregisterCallback", {7, 909090909}));
+    EXPECT_EQ("0", java::Call("nativeUnregisterCallback", {-100007, 909090909}));
     EXPECT_THAT(device.TakeCalls(), IsEmpty());
     const std::vector<std::string> log = TakeLog();
-    EXPECT_THAT(log,
-                ElementsAre(MatchesRegex("I UnregisterCallback, result: 7 , serviceId: -?[0-9]+")));
+    EXPECT_THAT(log, ElementsAre(MatchesRegex(
+                             "I UnregisterCallback, result: -100007 , serviceId: -?[0-9]+")));
     EXPECT_THAT(log, testing::Not(testing::Contains(HasSubstr("909090909"))));
-    UnregisterCallback(java::Env(), 4660, -7);  // as the VM calls it, by a known reference
-    EXPECT_THAT(TakeLog(), ElementsAre("I UnregisterCallback, result: -7 , serviceId: 4660"));
 }
 
 class RecoveryTest : public LibraryTest {
@@ -150,12 +144,15 @@ TEST_F(RecoveryTest, MissingPartitionIsNotMade) {
 TEST_F(RecoveryTest, ShortWriteFails) {
     rlimit usual{};
     ASSERT_EQ(0, getrlimit(RLIMIT_FSIZE, &usual));
-    const rlimit small{100, usual.rlim_max};  // the signal that comes with it, the VM ignores
-    ASSERT_EQ(0, setrlimit(RLIMIT_FSIZE, &small));
-    const std::string seen = Write(mPartition);
-    ASSERT_EQ(0, setrlimit(RLIMIT_FSIZE, &usual));
-    EXPECT_EQ("-1|E Write misc to recovery fail.", seen);
-    EXPECT_EQ("boot-recovery" + std::string(87, '\0') + std::string(2048 - 100, 'o'), Content());
+    const std::string record = "boot-recovery" + std::string(499, '\0');
+    for (const size_t taken : {1u, 13u, 100u, 511u}) {
+        const rlimit small{taken, usual.rlim_max};  // the signal that comes with it, the VM ignores
+        ASSERT_EQ(0, setrlimit(RLIMIT_FSIZE, &small));
+        const std::string seen = Write(mPartition);
+        ASSERT_EQ(0, setrlimit(RLIMIT_FSIZE, &usual));
+        EXPECT_EQ("-1|E Write misc to recovery fail.", seen) << taken;
+        EXPECT_EQ(record.substr(0, taken) + std::string(2048 - taken, 'o'), Content());
+    }
 }
 
 TEST_F(RecoveryTest, RefusedWriteFails) {

@@ -31,15 +31,15 @@ TEST_F(PeripheralsTest, TouchPanel) {
 // The flash light takes bytes: signed ones over AIDL, unsigned ones over HIDL.
 TEST_F(PeripheralsTest, Camera) {
     Run({
-            {kAidl, "camera", "nativeSetFlashLight", {256, -1}, {{"setFlashLight", {300}}},
+            {kAidl, "camera", "nativeSetFlashLight", {256, -1}, {{"setFlashLight", {300000}}},
              {"camera.setFlashLight(0, -1)"},
-             {"E SetFlashLightByAidl", "I set flash light values = 300\n"}, "300"},
+             {"E SetFlashLightByAidl", "I set flash light values = 300000\n"}, "300000"},
             {kAidl, "camera", "nativeSetFlashLight", {127, 128}, {{"setFlashLight", {-7}}},
              {"camera.setFlashLight(127, -128)"},
              {"E SetFlashLightByAidl", "I set flash light values = -7\n"}, "-7"},
-            {kHidl, "camera", "nativeSetFlashLight", {256, -1}, {{"setFlashLight", {300}}},
+            {kHidl, "camera", "nativeSetFlashLight", {256, -1}, {{"setFlashLight", {300000}}},
              {"camera.setFlashLight(0, 255)"},
-             {"E SetFlashLightByHidl", "E set flash light value = 300\n"}, "300"},
+             {"E SetFlashLightByHidl", "E set flash light value = 300000\n"}, "300000"},
             {kHidl, "camera", "nativeSetFlashLight", {127, 128}, {{"setFlashLight", {-7}}},
              {"camera.setFlashLight(127, 128)"},
              {"E SetFlashLightByHidl", "E set flash light value = -7\n"}, "-7"},

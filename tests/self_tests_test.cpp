@@ -102,6 +102,8 @@ TEST_F(SelfTestsTest, Soc) {
             Soc(kHidl, "cpu", {0, ""}, {hidlDefault}, "success:value=0"),
             Soc(kAidl, "cpu", {0, "t"}, {}, "t"),
             Soc(kHidl, "cpu", {0, "t"}, {}, "t"),
+            Soc(kAidl, "cpu", {1, ""}, {}, ""),
+            Soc(kHidl, "cpu", {1, ""}, {}, ""),
             Soc(kAidl, "cpu", {2, ""}, {}, ""),
             Soc(kHidl, "cpu", {2, ""}, {}, ""),
             Soc(kAidl, "cpu", {-1, ""}, {}, ""),
@@ -127,6 +129,8 @@ TEST_F(SelfTestsTest, Ddr) {
                    "get ddr result fail"),
             Memory(kAidl, "ddr", "start", {1, "t"}, {}, "t"),
             Memory(kHidl, "ddr", "start", {1, "t"}, {}, "t"),
+            Memory(kAidl, "ddr", "start", {-2, "t"}, {}, "t"),
+            Memory(kHidl, "ddr", "start", {-2, "t"}, {}, "t"),
     });
 }
 
@@ -145,6 +149,8 @@ TEST_F(SelfTestsTest, Emmc) {
                    "get emmc result fail"),
             Memory(kAidl, "emmc", "x", {2, "t"}, {}, "t"),
             Memory(kHidl, "emmc", "x", {2, "t"}, {}, "t"),
+            Memory(kAidl, "emmc", "x", {-2, "t"}, {}, "t"),
+            Memory(kHidl, "emmc", "x", {-2, "t"}, {}, "t"),
     });
 }
 
@@ -195,6 +201,18 @@ TEST_F(SelfTestsTest, I2cPublishesItsDetail) {
               "E succeed to get i2c checking info"},
              "\"pass\""},
     }, "old value", "0x38 \xed\xa0\xbd\xed\xb8\x80");
+    RunWithFields({
+            {kAidl, "factory", "nativeI2cTest", {}, {{"i2cTest", {-2, "pass", "0x38"}}},
+             {"factory.i2cTest(1024)"},
+             {"E I2cTestByAidl", "I i2c test values = -2, checkResult = pass, out = 0x38\n",
+              "I Succeed to get i2c checking info"},
+             "\"pass\""},
+            {kHidl, "factory@1.0", "nativeI2cTest", {}, {{"i2cTest", {-2, "pass", "0x38"}}},
+             {"factory.i2cTest(1024)"},
+             {"E I2cTestByHidl", "E i2c test value = -2, checkResult = pass, out = 0x38\n",
+              "E succeed to get i2c checking info"},
+             "\"pass\""},
+    }, "old value", "0x38");
     RunWithFields({
             {kAidl, "factory", "nativeI2cTest", {}, {{"i2cTest", {-1, "pass", "0x38"}}},
              {"factory.i2cTest(1024)"},
@@ -346,6 +364,8 @@ TEST_F(SelfTestsTest, UnansweredHidlCalls) {
             Unanswered("nativeGetSocInfo", {"s"}, "getSocInfo", "getSocInfo(\"s\")",
                        {"E GetSocInfoByHidl", "E get soc info value = 0, testScene = s, out = \n"},
                        "\"\""),
+            Unanswered("nativeGetBoardName", {}, "getVersionName", "getVersionName()",
+                       {"E GetBoardNameByHidl", "E get version out = \n"}, "\"\""),
             Unanswered("nativeFpgaTest", {"s"}, "fpgaTest", "fpgaTest(\"s\", 1024)",
                        {"E FpgaTestByHidl", "E fpga test value = 0, testScene = s, out = \n"},
                        "\"\""),

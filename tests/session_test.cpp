@@ -45,7 +45,7 @@ TEST_F(SessionTest, StationAndCycle) {
     for (const Backend backend : {kAidl, kHidl}) {
         Run({
                 Cycle(backend, 7, 9, "0709", 0),
-                Cycle(backend, 12, 345, "12345", 5),
+                Cycle(backend, 12, 345, "12345", 500005),
                 Cycle(backend, 5, -3, "05-3", -1),
                 // The cycle is written over whatever the station has from its third character on.
                 Cycle(backend, 123, 4, "1204", 0),
@@ -274,6 +274,11 @@ TEST_F(SessionTest, FactoryCommand) {
             {kAidl, "factory", "nativeSetCommand", {"a", "b"}, {{"setCommand", {-1, "t"}}}, call,
              {"I NativeSetCommandByAidl", "I nativeSetCommand, a b\n",
               "I nativeSetCommand, resultCode -1\n"},
+             fail},
+            {kHidl, "factory@1.0", "nativeSetCommand", {"a", "b"}, {{"setCommand", {-2, "t"}}},
+             call,
+             {"I NativeSetCommandByHidl", "E NativeSetCommand, a b\n",
+              "E NativeSetCommand, resultCode -2\n"},
              fail},
             {kHidl, "factory@1.0", "nativeSetCommand", {"a", "b"},
              {{"setCommand", Fault::kDeadObject}}, call,

@@ -44,7 +44,19 @@ TEST_F(TestDataTest, Reads) {
              {"factory.readNv(5)"},
              {"E ReadNvByHidl", "E ReadNv value = -1, result = abc", "E nv read fail"},
              "null"},
-            // The kv info takes any code but 0 for a failure.
+            {kHidl, "factory", "nativeGetTestResult", {7}, {{"getTestResult", Fault::kDeadObject}},
+             {"factory.getTestResult(7)"},
+             {"E GetTestResultByHidl", "E get test result = 0, id = 7, out = \n",
+              "E get test result success"},
+             "\"\""},
+            {kHidl, "factory", "nativeReadNvValue", {5}, {{"readNv", Fault::kDeadObject}},
+             {"factory.readNv(5)"},
+             {"E ReadNvByHidl", "E ReadNv value = 0, result = ", "D nv read success"},
+             "\"\""},
+            {kHidl, "factory", "nativeGetKvInfoFromOem", {9}, {{"readNv", Fault::kDeadObject}},
+             {"factory.readNv(9)"},
+             {"E GetKvInfoFromOemByHidl", "D get kv info = , result = 0"},
+             "\"\""},
             {kAidl, "factory", "nativeGetKvInfoFromOem", {9}, {{"readNv", {0, "kv"}}},
              {"factory.readNv(9)"},
              {"E GetKvInfoFromOemByAidl", "I Get kv info = kv, result = 0"},
@@ -53,14 +65,6 @@ TEST_F(TestDataTest, Reads) {
              {"factory.readNv(9)"},
              {"E GetKvInfoFromOemByHidl", "D get kv info = kv, result = 0"},
              "\"kv\""},
-            {kAidl, "factory", "nativeGetKvInfoFromOem", {9}, {{"readNv", {5, "kv"}}},
-             {"factory.readNv(9)"},
-             {"E GetKvInfoFromOemByAidl", "I Get kv info = kv, result = 5"},
-             "null"},
-            {kHidl, "factory", "nativeGetKvInfoFromOem", {9}, {{"readNv", {5, "kv"}}},
-             {"factory.readNv(9)"},
-             {"E GetKvInfoFromOemByHidl", "D get kv info = kv, result = 5"},
-             "null"},
             // A flag comes back whatever the code.
             {kAidl, "factory", "nativeGetControlFlag", {3}, {{"getControlFlag", {-1, "on"}}},
              {"factory.getControlFlag(3, 1024)"},
@@ -92,11 +96,6 @@ TEST_F(TestDataTest, Writes) {
              {"factory.setTestResult(7, \"ok\")"},
              {"E SetTestResultByAidl", "I Set test result = -2, id = 7, nvValue = ok\n"},
              "-2"},
-            {kHidl, "factory", "nativeSetTestResult", {"ok", 7}, {{"setTestResult", {-2}}},
-             {"factory.setTestResult(7, \"ok\")"},
-             {"E SetTestResultByHidl", "E set test result = -2, id = 7, nvValue = ok\n",
-              "E set test result success"},
-             "-2"},
             {kHidl, "factory", "nativeSetTestResult", {"ok", 7}, {{"setTestResult", {-1}}},
              {"factory.setTestResult(7, \"ok\")"},
              {"E SetTestResultByHidl", "E set test result = -1, id = 7, nvValue = ok\n",
@@ -106,10 +105,6 @@ TEST_F(TestDataTest, Writes) {
              {"factory.writeNv(8, \"v\")"},
              {"E WriteNvByAidl", "I writeNv values = -1, nvValues = v"},
              "-1"},
-            {kHidl, "factory", "nativeWriteNvValue", {"v", 8}, {{"writeNv", {-2}}},
-             {"factory.writeNv(8, \"v\")"},
-             {"E WriteNvByHidl", "E WriteNv value = -2, nvValue = v", "E nv write success"},
-             "-2"},
             {kHidl, "factory", "nativeWriteNvValue", {"v", 8}, {{"writeNv", {-1}}},
              {"factory.writeNv(8, \"v\")"},
              {"E WriteNvByHidl", "E WriteNv value = -1, nvValue = v", "E nv write fail"},
@@ -142,15 +137,51 @@ TEST_F(TestDataTest, Writes) {
     // clang-format on
 }
 
-TEST_F(TestDataTest, OnlyMinusOneFailsARead) {
-    for (const Backend backend : {kAidl, kHidl}) {
-        LoadWith(backend, "factory");
-        for (const int code : {-2, 1}) {
-            device.Script("getTestResult", {code, "text"});
-            device.Script("readNv", {code, "text"});
-            EXPECT_EQ("\"text\"", java::Call("nativeGetTestResult", {7}));
-            EXPECT_EQ("\"text\"", java::Call("nativeReadNvValue", {7}));
-        }
+// A failure is -1 alone, for the kv info anything but 0.
+TEST_F(TestDataTest, CodesBesideTheSpecialOnes) {
+    for (const int code : {-2, 1, 2}) {
+        const std::string shown = std::to_string(code);
+        const std::vector<std::string> nv{"factory.writeNv(8, \"v\")"};
+        // clang-format off
+        Run({
+                {kAidl, "factory", "nativeGetTestResult", {7}, {{"getTestResult", {code, "t"}}},
+                 {"factory.getTestResult(7)"},
+                 {"E GetTestResultByAidl", "I Get test result = " + shown + ", id = 7, out = t\n",
+                  "I Get test result success"},
+                 "\"t\""},
+                {kHidl, "factory", "nativeGetTestResult", {7}, {{"getTestResult", {code, "t"}}},
+                 {"factory.getTestResult(7)"},
+                 {"E GetTestResultByHidl", "E get test result = " + shown + ", id = 7, out = t\n",
+                  "E get test result success"},
+                 "\"t\""},
+                {kAidl, "factory", "nativeReadNvValue", {5}, {{"readNv", {code, "t"}}},
+                 {"factory.readNv(5)"},
+                 {"E ReadNvByAidl", "I ReadNv values = " + shown + ", result = t",
+                  "I Nv read success"},
+                 "\"t\""},
+                {kHidl, "factory", "nativeReadNvValue", {5}, {{"readNv", {code, "t"}}},
+                 {"factory.readNv(5)"},
+                 {"E ReadNvByHidl", "E ReadNv value = " + shown + ", result = t",
+                  "D nv read success"},
+                 "\"t\""},
+                {kAidl, "factory", "nativeGetKvInfoFromOem", {9}, {{"readNv", {code, "t"}}},
+                 {"factory.readNv(9)"},
+                 {"E GetKvInfoFromOemByAidl", "I Get kv info = t, result = " + shown}, "null"},
+                {kHidl, "factory", "nativeGetKvInfoFromOem", {9}, {{"readNv", {code, "t"}}},
+                 {"factory.readNv(9)"},
+                 {"E GetKvInfoFromOemByHidl", "D get kv info = t, result = " + shown}, "null"},
+                {kHidl, "factory", "nativeSetTestResult", {"ok", 7}, {{"setTestResult", {code}}},
+                 {"factory.setTestResult(7, \"ok\")"},
+                 {"E SetTestResultByHidl",
+                  "E set test result = " + shown + ", id = 7, nvValue = ok\n",
+                  "E set test result success"},
+                 shown},
+                {kHidl, "factory", "nativeWriteNvValue", {"v", 8}, {{"writeNv", {code}}}, nv,
+                 {"E WriteNvByHidl", "E WriteNv value = " + shown + ", nvValue = v",
+                  "E nv write success"},
+                 shown},
+        });
+        // clang-format on
     }
 }
 

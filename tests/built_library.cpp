@@ -1,0 +1,25 @@
+// KvNativeInterface loads the built library here, as it does in an application.
+
+#include <dlfcn.h>
+
+#include "harness.h"
+
+namespace {
+
+template <typename Function>
+Function* EntryPoint(const char* name) {
+    static void* library = dlopen(KALVORN_LIBRARY_PATH "/lib_kalvorn.so", RTLD_NOW | RTLD_NOLOAD);
+    if (library == nullptr) abort();  // another one, or none, has been loaded
+    return reinterpret_cast<Function*>(dlsym(library, name));
+}
+
+}  // namespace
+
+jint Load() {
+    const java::LocalFrame frame;  // as the virtual machine has one for the call
+    return EntryPoint<decltype(JNI_OnLoad)>("JNI_OnLoad")(java::Vm(), nullptr);
+}
+
+void Unload() {
+    EntryPoint<decltype(JNI_OnUnload)>("JNI_OnUnload")(java::Vm(), nullptr);
+}

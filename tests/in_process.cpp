@@ -1,0 +1,20 @@
+// The library's sources are linked into this program: its internals can be tested, and the tests
+// decide when it is loaded.
+
+#include "harness.h"
+
+// Makes the virtual machine take the library for one that is linked into this program, so that
+// KvNativeInterface finds it.
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
+extern "C" JNIEXPORT jint JNICALL JNI_OnLoad__kalvorn(JavaVM*, void*) {
+    return JNI_VERSION_1_8;
+}
+
+jint Load() {
+    const java::LocalFrame frame;  // as the virtual machine has one for the call
+    return JNI_OnLoad(java::Vm(), nullptr);
+}
+
+void Unload() {
+    JNI_OnUnload(java::Vm(), nullptr);
+}

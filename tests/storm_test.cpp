@@ -1,0 +1,214 @@
+// Deaths that come together, back to back, with and without calls under way: nothing crashes, every
+// call gets an answer that it may get, and at rest every service is held and linked exactly once.
+// A few seconds here; KALVORN_STORM=1 in the environment plays the long version, with progress.
+#include <android/log.h>
+#include <binder_host.h>
+#include <gmock/gmock.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdio>
+#include <functional>
+#include <random>
+#include <thread>
+
+#include "aidl/services.h"
+#include "harness.h"
+#include "hidl/services.h"
+
+namespace {
+
+using std::chrono::microseconds;
+using std::chrono::seconds;
+using std::chrono::steady_clock;
+
+const bool g_long = getenv("KALVORN_STORM") != nullptr;
+
+class StormTest : public LibraryTest {
+  protected:
+    void SetUp() override {
+        LibraryTest::SetUp();
+        // Millions of lines: they are formatted as ever, and dropped.
+        __android_log_set_logger([](const __android_logger_data*, const char*) {});
+    }
+
+    void TearDown() override {
+        Unload();
+        native_aidl::g_aidlFingerprint.reset();  // a partial connection survives the unload
+        LibraryTest::TearDown();
+    }
+
+    void Connect(const char* profile, const char* grouping) {
+        Unload();
+        native_aidl::g_aidlFingerprint.reset();
+        device.Reset();
+        device.RecordCalls(false);
+        ASSERT_TRUE(device.StartProfile(profile));
+        ASSERT_TRUE(device.GroupProcesses(grouping));
+        ASSERT_EQ(JNI_VERSION_1_4, Load());
+        ASSERT_TRUE(Device::Settle());
+    }
+
+    /**
+     * One process dies and comes back. When is left to chance: before the library has heard of the
+     * death, in the middle of its restarts, or after them; and so is how long its names stay.
+     */
+    void Die(const char* service) {
+        kalvorn::host::KeepDeadNames(Chance(2));
+        device.KillProcess(service);
+        Pause();
+        kalvorn::host::KeepDeadNames(false);
+        Pause();
+        device.RestartProcess(service);
+        Pause();
+    }
+
+    bool Chance(int oneIn) { return random_() % oneIn == 0; }
+
+    void Pause() {
+        if (Chance(2)) return;
+        std::this_thread::sleep_for(microseconds(random_() % 300));
+    }
+
+    void Progress(const char* what, int run, int runs, int deaths) const {
+        if (!g_long) return;
+        fprintf(stderr, "%s%s, run %d of %d, %d deaths\033[K%s", isatty(2) ? "\r" : "", what,
+                run + 1, runs, deaths, isatty(2) ? "" : "\n");
+    }
+
+    /** At rest: all services connected, each with its one death link. */
+    void ExpectWhole(Backend backend, bool fingerprintMayBePartial) {
+        ASSERT_TRUE(Device::Settle(30000));
+        for (const std::string& service : Device::Services()) {
+            if (!device.IsRunning(backend, service)) continue;
+            const size_t links = device.DeathLinks(backend, service);
+            if (service == "fingerprint" && fingerprintMayBePartial && links == 0) {
+                EXPECT_NE(nullptr, native_aidl::g_aidlFingerprint);
+                continue;
+            }
+            EXPECT_EQ(1u, links) << service;
+        }
+    }
+
+  private:
+    std::minstd_rand random_{20261121};
+};
+
+TEST_F(StormTest, ProcessesDieTogether) {
+    const struct {
+        const char* grouping;
+        const char* dying;
+        const char* what;
+    } processes[] = {{"device", "display", "2 services"},
+                     {"device", "light", "3 services"},
+                     {"one", "factory", "13 services"}};
+    const int runs = g_long ? 20 : 1;
+    const int deaths = g_long ? 2000 : 200;
+    for (const auto& process : processes) {
+        SCOPED_TRACE(process.what);
+        for (int run = 0; run < runs; run++) {
+            ASSERT_NO_FATAL_FAILURE(Connect("aidl", process.grouping));
+            for (int death = 0; death < deaths; death++) {
+                Die(process.dying);
+                if (death % 100 == 99) Progress(process.what, run, runs, death + 1);
+            }
+            ASSERT_NO_FATAL_FAILURE(ExpectWhole(kAidl, true));
+        }
+    }
+}
+
+/** A call, and all that it may answer while services die: the last ones when its service is gone.
+ */
+struct StormCall {
+    const char* method;
+    std::vector<java::Arg> args;
+    std::vector<std::string> answers;
+};
+
+const std::string kInvalid = "\"INVALID_SERVICE\"";
+
+const std::vector<StormCall> kAidlCalls = {
+        {"nativeGetTestResult", {7}, {"\"PASS\"", "\"\"", kInvalid}},
+        {"nativeLockOrReleaseBigCpu", {1}, {"0", "-1", "-9999"}},
+        {"nativeGetManufactureMode", {}, {"1", "-1", "-9999"}},
+        {"nativeGetSensorSelfTestResult", {1}, {"1", "0", "-9999"}},
+        {"nativeGetPowerState", {"charge"}, {"\"charging\"", "\"\"", kInvalid}},
+        {"sendCmdToFingerprintHalNative", {5, nullptr}, {"0", "-1", "-9999"}},
+        {"nativeSetTestItemName", {"a", "b"}, {"{0, 0}", "{0, -1}", "{-1, -1}", "{-9999, -9999}"}},
+        {"nativeSetLedAlwaysOnStatus", {1, 2}, {"0", "-9999"}},
+};
+
+// Over HIDL a returned value of a failed call ends the process, as the runtime wants it; these take
+// their results from callbacks.
+const std::vector<StormCall> kHidlCalls = {
+        {"nativeGetTestResult", {7}, {"\"PASS\"", "\"\"", kInvalid}},
+        {"nativeGetControlFlag", {4}, {"\"on\"", "\"\"", kInvalid}},
+        {"nativeGetSensorPara", {1, 2, 3, 4}, {"\"0.01,0.02,9.81\"", "\"\"", kInvalid}},
+        {"nativeGetPowerState", {"charge"}, {"\"charging\"", "\"\"", kInvalid}},
+        {"nativeStartHertzTest", {}, {"\"60-120\"", "\"\"", kInvalid}},
+        {"nativeGetCapacitanceTestResult", {1}, {"0", "-9999"}},
+        {"nativeGetBoardName", {}, {"\"KV-MAIN-V3\"", "\"\"", kInvalid}},
+};
+
+/** Threads that call without pause, each through all calls again and again. */
+class Callers {
+  public:
+    explicit Callers(const std::vector<StormCall>& calls) : calls_(calls) {
+        for (size_t i = 0; i < 8; i++) threads_.emplace_back([this, i] { Run(i); });
+    }
+    ~Callers() {
+        stop_ = true;
+        for (std::thread& thread : threads_) thread.join();
+        EXPECT_GT(served_, 0) << "no call met its service";
+    }
+
+  private:
+    void Run(size_t first) {
+        for (size_t i = first; !stop_; i++) {
+            const StormCall& call = calls_[i % calls_.size()];
+            const std::string answer = java::Call(call.method, call.args);
+            EXPECT_THAT(call.answers, testing::Contains(answer)) << call.method;
+            if (answer == call.answers[0]) served_++;
+        }
+        java::Vm()->DetachCurrentThread();
+    }
+
+    const std::vector<StormCall>& calls_;
+    std::atomic<bool> stop_{false};
+    std::atomic<int> served_{0};
+    std::vector<std::thread> threads_;
+};
+
+TEST_F(StormTest, JavaCallsWhileServicesDie) {
+    const struct {
+        Backend backend;
+        const char* profile;
+        const char* grouping;
+        const std::vector<StormCall>& calls;
+    } cases[] = {{kAidl, "aidl", "each", kAidlCalls},
+                 {kAidl, "aidl", "device", kAidlCalls},
+                 {kAidl, "aidl", "one", kAidlCalls},
+                 {kHidl, "hidl", "each", kHidlCalls},
+                 {kHidl, "hidl", "one", kHidlCalls}};
+    const int runs = g_long ? 20 : 1;
+    const int deaths = g_long ? 200 : 50;
+    for (const auto& c : cases) {
+        const std::string what = std::string(c.profile) + ", processes: " + c.grouping + ", calls";
+        SCOPED_TRACE(what);
+        for (int run = 0; run < runs; run++) {
+            ASSERT_NO_FATAL_FAILURE(Connect(c.profile, c.grouping));
+            device.results.Write(7, "PASS", {});
+            device.flags.Write(4, "on", {});
+            {
+                const Callers callers(c.calls);
+                const char* const dying[] = {"factory", "sensors", "power", "fingerprint", "light"};
+                for (int death = 0; death < deaths; death++) Die(dying[death % std::size(dying)]);
+            }
+            Progress(what.c_str(), run, runs, deaths);
+            ASSERT_NO_FATAL_FAILURE(ExpectWhole(c.backend, true));
+        }
+    }
+}
+
+}  // namespace
