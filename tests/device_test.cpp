@@ -21,7 +21,6 @@ using android::wp;
 using android::hardware::hidl_string;
 using android::hardware::Return;
 using android::hardware::Void;
-using kalvorn::device::Answer;
 using kalvorn::device::Backend;
 using kalvorn::device::Device;
 using kalvorn::device::Fault;
@@ -222,9 +221,9 @@ TEST_F(DeviceTest, DiesWhileItIsCalledAndLookedAt) {
     ASSERT_TRUE(device.StartProfile("mixed"));
     device.Start(kAidl, "light");
     std::atomic<bool> done = false;
-    std::vector<std::thread> callers;
-    for (int i = 0; i < 4; i++) {
-        callers.emplace_back([&] {
+    std::vector<std::thread> callers(4);
+    for (std::thread& caller : callers) {
+        caller = std::thread([&] {
             while (!done) {
                 const sp<AidlLight> aidl = FindAidlLight();
                 int32_t ret = -1;
