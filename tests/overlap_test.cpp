@@ -20,8 +20,9 @@ class OverlapTest : public LibraryTest {
   protected:
     /** Does this once, after that line. */
     static void After(const std::string& line, const std::function<void()>& action) {
-        OnLine([=, done = false](const std::string& logged) mutable {
-            if (logged == line && !std::exchange(done, true)) action();
+        const auto done = std::make_shared<bool>(false);
+        OnLine([=](const std::string& logged) {
+            if (logged == line && !std::exchange(*done, true)) action();
         });
     }
 
