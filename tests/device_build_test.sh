@@ -29,6 +29,14 @@ check_source_lists() {
     expect_none "Sources that are there (<) and in CMakeLists.txt (>)" "$(diff <(echo "$there") <(echo "$host"))"
 }
 
+check_linker_flags() {
+    local device host
+    device=$(sed 's,//.*,,' Android.bp | grep -oE '"-Wl,-z,[^"]+"' | tr -d '"' | sort)
+    host=$(ninja -C "$build" -t commands lib_kalvorn.so | tail -n 1 | grep -oE -- '-Wl,-z,[^ ]+' | sort)
+    expect_none "Linker flags in Android.bp (<) and in CMakeLists.txt (>)" \
+        "$(diff <(echo "$device") <(echo "$host"))"
+}
+
 # What device code may name in its own #include lines: itself, and what every device has.
 own='"(aidl|common|hidl|jni)/[a-z_]+\.(h|inc)"'
 platform='<([a-z_]+|(dlfcn|fcntl|stddef|stdint|string|unistd)\.h|jni\.h
@@ -69,6 +77,7 @@ check_include_closure() {
 
 expect_none "bpfmt would change Android.bp" "$(bpfmt -d Android.bp 2>&1)"
 check_source_lists
+check_linker_flags
 check_include_lines
 check_include_closure
 exit "$failed"
