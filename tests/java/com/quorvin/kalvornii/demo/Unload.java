@@ -31,7 +31,7 @@ final class Unload {
 
     /** Through a class loader that is garbage once this returns. */
     private static Object loadAndAskBoardName() throws Exception {
-        // Of the class only the place is asked; it is not initialised, or this loader had the library.
+        // The class is only asked where it is; initialised, it would load the library itself.
         URL classes = KvNativeInterface.class.getProtectionDomain().getCodeSource().getLocation();
         ClassLoader loader =
                 new URLClassLoader(new URL[] {classes}, ClassLoader.getPlatformClassLoader());
