@@ -68,11 +68,19 @@ check_include_closure() {
     deps=$(ninja -C "$build" -t deps $objects 2>&1 | grep -v '^ninja: Entering')
     expect_none "Objects whose headers are not known" \
         "$(grep -vE '^(    .*)?$' <<<"$deps" | any_but '.*\(VALID\)')"
-    headers=$(sed -n 's/^    //p' <<<"$deps" | sed -E "s,^([^/]),$build/\1," | xargs realpath -ms | sort -u)
-    [ "$(grep -cxE "$source/(aidl|hidl)/services\.h" <<<"$headers")" = 2 ] ||
+    headers=$(sed -n 's/^    //p' <<<"$deps" | (cd "$build" && xargs -d '\n' realpath -ms --) |
+        below "$build" BUILD | below "$source" SOURCE | sort -u)
+    [ "$(grep -cxE "SOURCE/(aidl|hidl)/services\.h" <<<"$headers")" = 2 ] ||
         expect_none "These cannot be all headers" "$headers"
-    expect_none "The device code reaches" "$(grep -E "^($source|$build)/" <<<"$headers" |
-        any_but "$build/host/[a-z]+/gen/.*|$source/build/arm-tree/.*|$source/(aidl|common|hidl|jni)/.*|$source/($stand_ins)")"
+    expect_none "The device code reaches" "$(grep -E "^(SOURCE|BUILD)/" <<<"$headers" |
+        any_but "BUILD/host/[a-z]+/gen/.*|SOURCE/build/arm-tree/.*|SOURCE/(aidl|common|hidl|jni)/.*|SOURCE/($stand_ins)")"
+}
+
+# below FOLDER NAME: its input's paths, those in the folder with the name in its place.
+below() {
+    folder="$1/" awk -v name="$2/" '
+        index($0, ENVIRON["folder"]) == 1 { $0 = name substr($0, length(ENVIRON["folder"]) + 1) }
+        { print }'
 }
 
 expect_none "bpfmt would change Android.bp" "$(bpfmt -d Android.bp 2>&1)"
