@@ -1,11 +1,21 @@
 #!/bin/bash
-# Configures and builds a preset into build/<preset>; quiet unless something fails.
+# Configures a preset in build/PRESET and builds it, or the given targets; quiet unless something
+# fails: build.sh PRESET [TARGET...]
 set -euo pipefail
 cd "$(dirname "$0")/.."
 preset=$1
-mkdir -p "build/$preset"
-log=build/$preset/build.log
-if [ ! -f "build/$preset/build.ninja" ]; then
+build=build/$preset
+log=$build/build.log
+
+# A build tree names its source folder everywhere, so it is of no use after a move.
+configured=$(sed -n 's/^CMAKE_HOME_DIRECTORY:INTERNAL=//p' "$build/CMakeCache.txt" 2>/dev/null || true)
+if [ -n "$configured" ] && ! [ "$configured" -ef . ]; then
+    echo "$build was made for $configured: building it anew." >&2
+    rm -rf "$build"
+fi
+
+mkdir -p "$build"
+if [ ! -f "$build/build.ninja" ]; then
     cmake --preset "$preset" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
 fi
-ninja -C "build/$preset" >"$log" 2>&1 || { grep -vE '^\[|^ninja: Entering' "$log" >&2; exit 1; }
+ninja -C "$build" "${@:2}" >"$log" 2>&1 || { grep -vE '^\[|^ninja: Entering' "$log" >&2; exit 1; }

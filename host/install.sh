@@ -7,7 +7,7 @@ set -euo pipefail
 declare -A lists=(
     [host]="aidl android-libbase-dev android-liblog-dev android-libutils-dev
         android-platform-frameworks-native-headers blueprint-tools clang-format clang-tidy cmake g++
-        hidl-gen libgmock-dev libgtest-dev libsafec-dev ninja-build openjdk-17-jdk-headless pkg-config"
+        hidl-gen libgmock-dev libgtest-dev libsafec-dev ninja-build openjdk-17-jdk-headless"
     [arm]="g++-arm-linux-gnueabihf mmdebstrap qemu-user-static"
     [fuzz]="android-liblog-dev clang libclang-rt-14-dev"
 )

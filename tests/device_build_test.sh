@@ -29,6 +29,14 @@ check_source_lists() {
     expect_none "Sources that are there (<) and in CMakeLists.txt (>)" "$(diff <(echo "$there") <(echo "$host"))"
 }
 
+check_linker_flags() {
+    local device host
+    device=$(sed 's,//.*,,' Android.bp | grep -oE '"-Wl,-z,[^"]+"' | tr -d '"' | sort)
+    host=$(ninja -C "$build" -t commands lib_kalvorn.so | tail -n 1 | grep -oE -- '-Wl,-z,[^ ]+' | sort)
+    expect_none "Linker flags in Android.bp (<) and in CMakeLists.txt (>)" \
+        "$(diff <(echo "$device") <(echo "$host"))"
+}
+
 # What device code may name in its own #include lines: itself, and what every device has.
 own='"(aidl|common|hidl|jni)/[a-z0-9_]+\.(h|inc)"'
 platform='<([a-z_]+|(dlfcn|fcntl|stddef|stdint|string|unistd)\.h|jni\.h
@@ -60,15 +68,24 @@ check_include_closure() {
     deps=$(ninja -C "$build" -t deps $objects 2>&1 | grep -v '^ninja: Entering')
     expect_none "Objects whose headers are not known" \
         "$(grep -vE '^(    .*)?$' <<<"$deps" | any_but '.*\(VALID\)')"
-    headers=$(sed -n 's/^    //p' <<<"$deps" | sed -E "s,^([^/]),$build/\1," | xargs realpath -ms | sort -u)
-    [ "$(grep -cxE "$source/(aidl|hidl)/services\.h" <<<"$headers")" = 2 ] ||
+    headers=$(sed -n 's/^    //p' <<<"$deps" | (cd "$build" && xargs -d '\n' realpath -ms --) |
+        below "$build" BUILD | below "$source" SOURCE | sort -u)
+    [ "$(grep -cxE "SOURCE/(aidl|hidl)/services\.h" <<<"$headers")" = 2 ] ||
         expect_none "These cannot be all headers" "$headers"
-    expect_none "The device code reaches" "$(grep -E "^($source|$build)/" <<<"$headers" |
-        any_but "$build/host/[a-z]+/gen/.*|$source/build/arm-tree/.*|$source/(aidl|common|hidl|jni)/.*|$source/($stand_ins)")"
+    expect_none "The device code reaches" "$(grep -E "^(SOURCE|BUILD)/" <<<"$headers" |
+        any_but "BUILD/host/[a-z]+/gen/.*|SOURCE/build/arm-tree/.*|SOURCE/(aidl|common|hidl|jni)/.*|SOURCE/($stand_ins)")"
+}
+
+# below FOLDER NAME: its input's paths, those in the folder with the name in its place.
+below() {
+    folder="$1/" awk -v name="$2/" '
+        index($0, ENVIRON["folder"]) == 1 { $0 = name substr($0, length(ENVIRON["folder"]) + 1) }
+        { print }'
 }
 
 expect_none "bpfmt would change Android.bp" "$(bpfmt -d Android.bp 2>&1)"
 check_source_lists
+check_linker_flags
 check_include_lines
 check_include_closure
 exit "$failed"

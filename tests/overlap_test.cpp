@@ -39,25 +39,34 @@ class OverlapTest : public LibraryTest {
 };
 
 // The connector has published and not yet linked when a teardown takes the service from it.
+// Somebody holds the proxy besides, so its links do not end with it.
 TEST_F(OverlapTest, ATeardownBeforeTheLinkLeavesNoLink) {
+    android::sp<native_aidl::ILight> light;
+    std::shared_ptr<native_aidl::ISession> session;
     const struct {
         Backend backend;
         const char* service;
         const char* line;
+        std::function<void()> takeCopy;
         void (*teardown)();
         void (*connect)();
     } cases[] = {
-            {kAidl, "light", "I g_aidlLight linkToDeath", native_aidl::ExitKvManager,
+            {kAidl, "light", "I g_aidlLight linkToDeath",
+             [&] { light = held::Copy(native_aidl::g_aidlLight); }, native_aidl::ExitKvManager,
              [] { native_aidl::InitLight(); }},
             {kAidl, "fingerprint", "I g_aidlFingerprintSession linkToDeath",
+             [&] { session = held::Copy(native_aidl::g_aidlFingerprintSession); },
              native_aidl::ExitKvManager, [] { native_aidl::InitFingerprintService(); }},
-            {kHidl, "light", "D g_light linkToDeath", native_hidl::ExitKvManager,
+            {kHidl, "light", "D g_light linkToDeath", [] {}, native_hidl::ExitKvManager,
              native_hidl::InitLight},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.line);
         device.Start(c.backend, c.service);
-        After(c.line, c.teardown);
+        After(c.line, [&] {
+            c.takeCopy();
+            c.teardown();
+        });
         c.connect();
         EXPECT_EQ(0u, device.DeathLinks(c.backend, c.service));
         c.connect();

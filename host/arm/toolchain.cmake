@@ -15,11 +15,10 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-set(ENV{PKG_CONFIG_LIBDIR} ${CMAKE_SYSROOT}/usr/lib/arm-linux-gnueabihf/pkgconfig:${CMAKE_SYSROOT}/usr/share/pkgconfig)
-set(ENV{PKG_CONFIG_SYSROOT_DIR} ${CMAKE_SYSROOT})
 
 set(JRE_HOME ${CMAKE_SYSROOT}/usr/lib/jvm/java-17-openjdk-armhf)
 set(JAVA ${CMAKE_CROSSCOMPILING_EMULATOR} ${JRE_HOME}/bin/java)
 set(JVM_LIBRARY ${JRE_HOME}/lib/server/libjvm.so)
-# By its full path: see make_tree.sh on what the emulator hides from the loader.
-set(CMAKE_BUILD_RPATH ${JRE_HOME}/lib/server)
+# By its full path: see make_tree.sh on what the emulator hides from the loader. From build/arm, for the
+# linker's options are split at the commas of a path.
+set(CMAKE_BUILD_RPATH $ORIGIN/../arm-tree/usr/lib/jvm/java-17-openjdk-armhf/lib/server)

@@ -2,12 +2,15 @@
 // lines on the way to the screen.
 #include <android/log.h>
 #include <jni.h>
+#include <stdlib.h>
 #include <string.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <mutex>
-#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -20,7 +23,9 @@ using kalvorn::device::Answer;
 using kalvorn::device::Backend;
 using kalvorn::device::Device;
 
-constexpr size_t kColumns = 100;
+constexpr int kUsualColumns = 80;
+constexpr int kLeastColumns = 60;  // the leads and tables of the session need as much
+constexpr int kMostColumns = 500;
 constexpr const char* kNoTime = "         ";
 
 const auto g_start = std::chrono::steady_clock::now();
@@ -30,6 +35,20 @@ std::thread::id g_application;
 // While the application is inside a call, what that thread logs waits for the line of the call.
 thread_local bool t_holding = false;
 thread_local std::vector<std::string> t_held;
+
+/** Those that COLUMNS names, else the terminal's. */
+size_t Columns() {
+    static const int columns = [] {
+        const char* named = getenv("COLUMNS");
+        const long number = named == nullptr ? 0 : strtol(named, nullptr, 10);
+        if (number > 0) return static_cast<int>(std::min<long>(number, kMostColumns));
+        winsize size{};
+        if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
+            return int{size.ws_col};
+        return kUsualColumns;
+    }();
+    return static_cast<size_t>(std::clamp(columns, kLeastColumns, kMostColumns));
+}
 
 double Seconds() {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - g_start).count();
@@ -55,13 +74,13 @@ size_t LineLength(const std::string& text, size_t width) {
     return blank == std::string::npos || blank == 0 ? width : blank;
 }
 
-/** Lead and text as lines of at most kColumns; lines after the first are indented by the lead. */
+/** Lead and text as lines of at most Columns(); lines after the first are indented by the lead. */
 std::string Wrap(const std::string& lead, std::string text, const std::string& style) {
     std::string lines;
     const char* end = g_colour && !style.empty() ? "\033[0m\n" : "\n";
     std::string indent = lead;
     do {
-        const size_t length = LineLength(text, kColumns - lead.size());
+        const size_t length = LineLength(text, Columns() - lead.size());
         lines += (g_colour ? style : "") + indent + text.substr(0, length) + end;
         indent.assign(lead.size(), ' ');
         const size_t next = text.find_first_not_of(' ', length);
@@ -111,11 +130,18 @@ std::string Text(JNIEnv* env, jstring text) {
 }
 
 bool Holds(Backend backend, const std::string& service) {
-    try {
-        return Device::Get().At(backend, service).DeathLinks() > 0;
-    } catch (const std::out_of_range&) {
-        return false;  // a service that this backend does not have
-    }
+    return Device::Get().DeathLinks(backend, service) > 0;
+}
+
+bool Runs(Backend backend, const std::string& service) {
+    return Device::Get().IsRunning(backend, service);
+}
+
+/** The name of the first backend of which that is true. */
+jstring BackendWhere(bool (*is)(Backend, const std::string&), JNIEnv* env, jstring service) {
+    const std::string name = Text(env, service);
+    if (is(Backend::kAidl, name)) return env->NewStringUTF("AIDL");
+    return env->NewStringUTF(is(Backend::kHidl, name) ? "HIDL" : "none");
 }
 
 Backend BackendNamed(const std::string& name) {
@@ -152,9 +178,11 @@ SIMULATED_DEVICE(jobjectArray, services)(JNIEnv* env, jclass) {
 
 // The library watches each service that it holds, so the death link tells who holds it.
 SIMULATED_DEVICE(jstring, holder)(JNIEnv* env, jclass, jstring service) {
-    const std::string name = Text(env, service);
-    if (Holds(Backend::kAidl, name)) return env->NewStringUTF("AIDL");
-    return env->NewStringUTF(Holds(Backend::kHidl, name) ? "HIDL" : "none");
+    return BackendWhere(Holds, env, service);
+}
+
+SIMULATED_DEVICE(jstring, runs)(JNIEnv* env, jclass, jstring service) {
+    return BackendWhere(Runs, env, service);
 }
 
 SIMULATED_DEVICE(void, kill)(JNIEnv* env, jclass, jstring backend, jstring service) {
@@ -181,6 +209,10 @@ SIMULATED_DEVICE(void, showReceived)(JNIEnv*, jclass) {
 
 SIMULATED_DEVICE(void, forgetReceived)(JNIEnv*, jclass) {
     Device::Get().TakeCalls();
+}
+
+SIMULATED_DEVICE(jint, columns)(JNIEnv*, jclass) {
+    return static_cast<jint>(Columns());
 }
 
 SIMULATED_DEVICE(jdouble, seconds)(JNIEnv*, jclass) {

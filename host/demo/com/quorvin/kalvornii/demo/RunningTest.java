@@ -1,5 +1,7 @@
 package com.quorvin.kalvornii.demo;
 
+import static java.nio.charset.StandardCharsets.US_ASCII;
+
 import com.quorvin.kalvornii.BigDataOperation;
 import com.quorvin.kalvornii.BigDataValue;
 import java.io.IOException;
@@ -9,6 +11,7 @@ import java.util.Arrays;
 import java.util.HexFormat;
 import java.util.List;
 import java.util.Map;
+import java.util.Set;
 import java.util.function.Supplier;
 
 /** A running test on the simulated device, from the load of the library to the end of ageing. */
@@ -18,52 +21,87 @@ public final class RunningTest {
     private static final String BOARD = "KV7A0042";
 
     private final Session session;
+    private final Session.Service factory;
+    private final Session.Service display;
+    private final Session.Service touch;
+    private final Session.Service sensors;
+    private final Session.Service power;
+    private final Session.Service light;
+    private final Session.Service camera;
+    private final Session.Service radio;
+    private final Session.Service displayFactory;
+    private final Session.Service fingerprint;
+    private final Session.Service chip;
+    private final Session.Service sim;
+    private final Session.Service satellite;
+    private final Session.Service library;
 
     private RunningTest(Session session) {
         this.session = session;
+        factory = session.service("factory");
+        display = session.service("display");
+        touch = session.service("touch");
+        sensors = session.service("sensors");
+        power = session.service("power");
+        light = session.service("light");
+        camera = session.service("camera");
+        radio = session.service("radio");
+        displayFactory = session.service("display_factory");
+        fingerprint = session.service("fingerprint");
+        chip = session.service("chip");
+        sim = session.service("sim");
+        satellite = session.service("satellite");
+        library = session.library();
     }
 
     /**
      * Plays the session on the device named by the first argument; the colour is on when
-     * KALVORN_COLOUR is set, and the file KALVORN_MISC is the misc partition.
+     * KALVORN_COLOUR is set, and the file KALVORN_MISC is the misc partition. Ends with 1 when
+     * something did not come as the session expects it.
      */
     public static void main(String[] arguments) throws IOException {
         boolean colour = System.getenv("KALVORN_COLOUR") != null;
         if (!SimulatedDevice.start(arguments[0], colour)) {
             throw new IllegalArgumentException("no device " + arguments[0]);
         }
+        boolean asExpected;
         try {
             legend(arguments[0]);
-            new RunningTest(load()).play();
+            Session.chapter("The library loads and connects the services");
+            SimulatedDevice.print(Session.time(), "System.loadLibrary(\"_kalvorn\")", Session.BOLD);
+            asExpected = new RunningTest(new Session()).play();
         } finally {
             SimulatedDevice.stop();
         }
+        if (!asExpected) System.exit(1);
     }
+
+    private static final Map<String, String> DEVICES = Map.of(
+            "aidl", "every service over AIDL",
+            "hidl", "the eleven services that HIDL has",
+            "mixed", "sensors, light and touch over HIDL, no satellite chip, the rest over AIDL",
+            "bare", "no service at all");
 
     private static void legend(String device) {
-        SimulatedDevice.print("", "Running test on the device \"" + device + "\"", Session.BOLD);
+        SimulatedDevice.print("", "Running test on the device \"" + device + "\": "
+                + DEVICES.get(device), Session.BOLD);
         Session.blank();
-        SimulatedDevice.print("seconds  ", "call(arguments)" + " ".repeat(41) + "= result", "");
-        Session.say("    I  what the library logs during the call: Debug, Info, Warning or Error");
-        Session.say("       (much is logged at error priority that is none)");
-        Session.say("  ~ W  what it logs on another thread than the test's");
-        Session.say("    -> what reached the service");
+        SimulatedDevice.print("seconds  ", Session.beside("call(arguments)", "result"), "");
+        note("    I  ", "what the library logs during the call: Debug, Info, Warning or Error; "
+                + "much is logged at error priority that is none");
+        note("  ~ W  ", "what it logs on another thread than the test's");
+        note("    -> ", "what reached the service, where that says more than the call");
+        note("  ** ", "what happens to the device, and what the library made of it");
+        note("  !! ", "what should not be; the demo then ends with a failure");
     }
 
-    private static Session load() {
-        Session.chapter("The library loads and connects the services");
-        SimulatedDevice.print(Session.time(), "System.loadLibrary(\"_kalvorn\")", Session.BOLD);
-        Session session = new Session();
-        settle();
-        showServices();
-        return session;
+    private static void note(String sign, String meaning) {
+        SimulatedDevice.print(" ".repeat(9) + sign, meaning, "");
     }
 
-    private static void settle() {
-        if (!SimulatedDevice.settle()) throw new IllegalStateException("the library does not rest");
-    }
-
-    private void play() throws IOException {
+    /** False when something did not come as expected. */
+    private boolean play() throws IOException {
+        services();
         whereTheTestStands();
         testData();
         selfTests();
@@ -75,7 +113,7 @@ public final class RunningTest {
         bigData();
         deaths();
         endOfAgeing();
-        summary();
+        return summary();
     }
 
     private static final Map<String, String> SERVES = Map.ofEntries(
@@ -93,67 +131,70 @@ public final class RunningTest {
             Map.entry("sim", "SIM power (AIDL only)"),
             Map.entry("satellite", "satellite-chip tests (AIDL only)"));
 
-    private static void showServices() {
+    private void services() {
+        settle();
+        Session.blank();
+        Session.say("\"... is null\" means that this backend does not have the service: HIDL is "
+                + "asked after AIDL, and the methods of a service that neither has answer with "
+                + "failure.");
+        if (Session.anyHolds("HIDL")) {
+            Session.say("\"ReinitHal ... preexisting:1\" announces a HIDL service that was there "
+                    + "before; only one that comes later makes the library connect again.");
+        }
         Session.blank();
         Session.row("service", "backend", "serves");
         for (String service : SimulatedDevice.services()) {
             Session.row(service, SimulatedDevice.holder(service), SERVES.get(service));
         }
         Session.blank();
-        Session.say("The services: " + holders() + ".");
+        Session.say("The services: " + Session.holders() + ".");
+        session.checkConnected();
     }
 
-    private static String holders() {
-        List<String> all = Arrays.stream(SimulatedDevice.services())
-                .map(SimulatedDevice::holder).toList();
-        return String.format("%d over AIDL, %d over HIDL, %d not connected",
-                count(all, "AIDL"), count(all, "HIDL"), count(all, "none"));
-    }
-
-    private static long count(List<String> all, String backend) {
-        return all.stream().filter(backend::equals).count();
+    private void settle() {
+        session.check("the library at rest", true, SimulatedDevice.settle());
     }
 
     private void whereTheTestStands() {
         Session.chapter("Where the test stands: station " + STATION + ", cycle " + CYCLE);
-        session.call("nativeGetManufactureMode");
-        session.call("nativeGetBoardName");
-        session.callAndFollow("nativeSetTestCycle", STATION, CYCLE);
-        session.callAndFollow("nativeSetTestItemName", "storage", "emmc_rw");
+        factory.call(1, "nativeGetManufactureMode");
+        factory.call("KV-MAIN-V3", "nativeGetBoardName");
+        factory.callAndFollow(0, "nativeSetTestCycle", STATION, CYCLE);
+        factory.callAndFollow(new int[] {0, 0}, "nativeSetTestItemName", "storage", "emmc_rw");
     }
 
     private void testData() {
-        Session.chapter("Test results, NV items, running-test info and control flags");
-        session.call("nativeSetTestResult", "PASS;38.2C", 3);
-        session.call("nativeGetTestResult", 3);
+        Session.chapter("Test results, NV items, running-test info, flags");
+        factory.call(0, "nativeSetTestResult", "PASS;38.2C", 3);
+        factory.call("PASS;38.2C", "nativeGetTestResult", 3);
         Session.say("Test 99 never ran: a service answers failure, of which Java sees null.");
-        session.call("nativeGetTestResult", 99);
-        session.call("nativeWriteNvValue", BOARD, 7);
-        session.call("nativeReadNvValue", 7);
-        session.call("nativeSetKvInfoToOem", 150, "cycle=12;item=storage");
-        session.call("nativeGetKvInfoFromOem", 150);
-        session.callAndFollow("nativeSetControlFlag", 4, "ageing_on");
-        session.call("nativeGetControlFlag", 4);
+        factory.call(null, "nativeGetTestResult", 99);
+        factory.call(0, "nativeWriteNvValue", BOARD, 7);
+        factory.call(BOARD, "nativeReadNvValue", 7);
+        factory.call(0, "nativeSetKvInfoToOem", 150, "cycle=12;item=storage");
+        factory.call("cycle=12;item=storage", "nativeGetKvInfoFromOem", 150);
+        factory.callAndFollow(0, "nativeSetControlFlag", 4, "ageing_on");
+        factory.call("ageing_on", "nativeGetControlFlag", 4);
     }
 
-    /** A self-test: how to run it, and the result of a sound chip. */
-    private record Item(String name, Object expected, Supplier<Object> run) {}
+    /** A self-test: the result of a sound chip, and how to run it. */
+    private record Item(String name, Object sound, Supplier<Object> run) {}
 
-    private Item item(String name, Object expected, String method, Object... arguments) {
-        return new Item(name, expected, () -> session.call(method, arguments));
+    private Item item(String name, Object sound, String method, Object... arguments) {
+        return new Item(name, sound, () -> factory.call(sound, method, arguments));
     }
 
-    private Item answered(int code, String scripted, Item item) {
-        return new Item(item.name, item.expected, () -> {
+    private static Item answered(int code, String scripted, Item item) {
+        return new Item(item.name, item.sound, () -> {
             SimulatedDevice.script(scripted, code, "");
             return item.run.get();
         });
     }
 
-    private Item showing(String field, Item item) {
-        return new Item(item.name, item.expected, () -> {
+    private Item showing(String field, String text, Item item) {
+        return new Item(item.name, item.sound, () -> {
             Object result = item.run.get();
-            Session.field(field);
+            factory.field(text, field);
             return result;
         });
     }
@@ -175,90 +216,94 @@ public final class RunningTest {
                                 "getstate")),
                 item("DDR mapper", 0, "nativeDdrMapperTest", "check"),
                 answered(1, "emmcTest",
-                        item("eMMC", "success", "nativeEmmcTest", "emmc_rw", "size=1G", "start")),
+                        new Item("eMMC", "success", () -> factory.call(
+                                "failed", "nativeEmmcTest", "emmc_rw", "size=1G", "start"))),
                 item("eMMC, again", "success", "nativeEmmcTest", "emmc_rw", "size=1G", "start"),
-                showing("currentValue",
+                showing("currentValue", "idle 0.8 W",
                         item("storage, idle", 0, "nativeStorageJoblessTest", "idle", "sec=1")),
-                showing("currentValue",
+                showing("currentValue", "412 MB/s",
                         item("storage, judged", 0, "nativeStorageTestJudge", "read")),
                 item("FPGA", "fpga ok", "nativeFpgaTest", "loopback"),
-                showing("i2cInfo", item("I2C buses", "pass", "nativeI2cTest")),
+                showing("i2cInfo", "bus0:0x38 bus2:0x6b",
+                        item("I2C buses", "pass", "nativeI2cTest")),
                 item("watchdog", 0, "nativeOemWatchdogSetFunc", "enable"),
                 item("JTAG to SD", 0, "nativeOemJtagtosdSetFunc", "disable"));
         for (int i = 0; i < items.size(); i++) {
             Item item = items.get(i);
             Object result = item.run.get();
-            Session.progress(i + 1, items.size(), item.name, result, item.expected);
+            Session.progress(i + 1, items.size(), item.name, result, item.sound);
         }
     }
 
     private void power() {
         Session.chapter("Power, CPU, sleep and modem log");
-        session.callAndFollow("nativePowerTest", "charge", "10", "500", "100");
-        Session.field("currentValue");
-        session.call("nativeSetPowerState", "charge", "limit=80");
-        session.call("nativeGetPowerState", "charge");
-        session.call("nativeLockOrReleaseBigCpu", 1);
-        session.call("nativeLockOrReleaseBigCpu", 0);
-        session.call("nativeSetLightSleep", 1);
-        session.call("nativeSetModemLogState", 1);
+        Session.say("A power test measures a value over HIDL; over AIDL there is none.");
+        power.callAndFollow(0, "nativePowerTest", "charge", "10", "500", "100");
+        power.field(SimulatedDevice.holder("power").equals("HIDL") ? "312" : "", "currentValue");
+        power.call(0, "nativeSetPowerState", "charge", "limit=80");
+        power.call("charging", "nativeGetPowerState", "charge");
+        factory.call(0, "nativeLockOrReleaseBigCpu", 1);
+        factory.call(0, "nativeLockOrReleaseBigCpu", 0);
+        factory.call(0, "nativeSetLightSleep", 1);
+        radio.call(0, "nativeSetModemLogState", 1);
     }
 
     private void display() {
         Session.chapter("Display panel, refresh rate and frame interpolation");
-        session.callAndFollow("nativeDisplayTest", "red");
-        session.call("nativeDisplayTest", "checksum1");
+        display.callAndFollow("shown", "nativeDisplayTest", "red");
+        display.call("shown", "nativeDisplayTest", "checksum1");
         Session.say("A scene that the table does not know goes out as the unknown one.");
-        session.callAndFollow("nativeDisplayTest", "Red");
-        session.callAndFollow("nativeDisplayGeneralTest", "lvd_set_code_scene1");
-        session.call("nativeStartHertzTest");
-        session.call("nativeGetHertzTestResult");
-        session.call("nativeStopHertzTest");
-        session.callAndFollow("nativeGetScreenFpsConfigByScenes", 1);
-        session.call("nativeSetScreenFps", 2);
+        display.callAndFollow("shown", "nativeDisplayTest", "Red");
+        displayFactory.callAndFollow("ok", "nativeDisplayGeneralTest", "lvd_set_code_scene1");
+        chip.call("60-120", "nativeStartHertzTest");
+        chip.call(0, "nativeGetHertzTestResult");
+        chip.call(0, "nativeStopHertzTest");
+        display.callAndFollow("60,90,120", "nativeGetScreenFpsConfigByScenes", 1);
+        display.call(0, "nativeSetScreenFps", 2);
         Session.say("Frame interpolation needs no service, but the display chip vendor's library.");
-        session.call("nativeSetInperpolateFrameMode", 1, 120);
-        session.call("nativeGetInperpolateFrameCurMode");
-        session.call("nativeGetInperpolateFrameTestResult");
-        session.call("nativeInperpolateFrameRecoverFreshRate");
+        library.call(0, "nativeSetInperpolateFrameMode", 1, 120);
+        library.call(1120, "nativeGetInperpolateFrameCurMode");
+        library.call(0, "nativeGetInperpolateFrameTestResult");
+        library.call(0, "nativeInperpolateFrameRecoverFreshRate");
     }
 
     private void peripherals() {
         Session.chapter("Sensors, camera, touch panel and lights");
-        session.call("nativeSetSensorSelfTest", 1, 1);
-        session.call("nativeGetSensorSelfTestResult", 1);
-        session.call("nativeGetSensorPara", 1, 2, 3, 64);
+        sensors.call(0, "nativeSetSensorSelfTest", 1, 1);
+        sensors.call(1, "nativeGetSensorSelfTestResult", 1);
+        sensors.call("0.01,0.02,9.81", "nativeGetSensorPara", 1, 2, 3, 64);
         Session.say("The flash light takes bytes: signed over AIDL, unsigned over HIDL.");
-        session.callAndFollow("nativeSetFlashLight", 256, -1);
-        session.call("nativeGetOisAgingResult");
-        session.call("nativeGetCapacitanceTestResult", 1);
-        session.call("nativeSetLedBrightness", 1, 128);
-        session.call("nativeSetLedAlwaysOnStatus", 1, 0);
+        camera.callAndFollow(0, "nativeSetFlashLight", 256, -1);
+        camera.call(0, "nativeGetOisAgingResult");
+        touch.call(0, "nativeGetCapacitanceTestResult", 1);
+        light.call(0, "nativeSetLedBrightness", 1, 128);
+        light.call(0, "nativeSetLedAlwaysOnStatus", 1, 0);
     }
 
     private void commands() {
         Session.chapter("Commands, fingerprint and signature");
-        session.callAndFollow("nativeSetCommand", "fan", "on");
-        session.callAndFollow("nativeSetWifiCommand", "wlan_rx", "start");
-        session.call("sendCmdToFingerprintHalNative", 12, null);
+        factory.callAndFollow("done", "nativeSetCommand", "fan", "on");
+        factory.callAndFollow("wlan0 up", "nativeSetWifiCommand", "wlan_rx", "start");
+        fingerprint.call(0, "sendCmdToFingerprintHalNative", 12, null);
         Session.say("Data goes with a fingerprint command, but only the command is sent.");
-        session.callAndFollow("sendCmdToFingerprintHalNative", 13, new byte[] {1, 2, 3});
+        fingerprint.callAndFollow(0, "sendCmdToFingerprintHalNative", 13, new byte[] {1, 2, 3});
         Session.say("The signature is written to NV item 11 as hexadecimal text.");
         byte[] signature = HexFormat.of().parseHex("0affa55a");
-        session.callAndFollow("nativeGetVerifySignatureResult", signature);
-        session.call("nativeReadNvValue", 11);
+        factory.callAndFollow(0, "nativeGetVerifySignatureResult", signature);
+        factory.call("0affa55a", "nativeReadNvValue", 11);
     }
 
     private void sim() {
         Session.chapter("SIM, satellite chip and MCU");
-        session.call("nativeSetSimPowerState", 1);
-        session.call("nativeChipTtTestCp", "cp");
-        session.call("nativeChipTtRssiTest", "rssi");
-        session.call("nativeChipTtTestPa", "pa");
-        session.call("nativeChipTtTestPdet", "pdet");
-        Session.say("The next two only log.");
-        session.call("nativeSendCommandMcu", 1, 2, new byte[5]);
-        session.call("nativeUnregisterCallback", 7, 9);
+        sim.call(0, "nativeSetSimPowerState", 1);
+        satellite.call("cp ok", "nativeChipTtTestCp", "cp");
+        satellite.call("-97 dBm", "nativeChipTtRssiTest", "rssi");
+        satellite.call("pa ok", "nativeChipTtTestPa", "pa");
+        satellite.call("pdet ok", "nativeChipTtTestPdet", "pdet");
+        Session.say("The next two only log. The second one's native function leaves out a "
+                + "parameter on purpose, so that what it logs is not what it was given.");
+        library.call(0, "nativeSendCommandMcu", 1, 2, new byte[5]);
+        library.call(0, "nativeUnregisterCallback", 7, 9);
     }
 
     private void bigData() {
@@ -270,7 +315,7 @@ public final class RunningTest {
         operation.bsn = BOARD;
         operation.station = "RT" + STATION;
         operation.cycle = CYCLE;
-        session.call("nativeSendBigDataOperation", operation);
+        factory.call(0, "nativeSendBigDataOperation", operation);
 
         BigDataValue value = new BigDataValue();
         value.version = 1;
@@ -288,7 +333,7 @@ public final class RunningTest {
         value.time = "08:15:00";
         value.firmware = "fw 1.0.3";
         value.description = "MB/s";
-        session.call("nativeSendBigDataValue", value);
+        factory.call(0, "nativeSendBigDataValue", value);
     }
 
     private void deaths() {
@@ -303,59 +348,65 @@ public final class RunningTest {
 
     private void aidlDeath() {
         Session.say("The next cycle stores two results. The factory service dies between them.");
-        session.call("nativeSetTestCycle", STATION, CYCLE + 1);
-        session.call("nativeSetTestResult", "PASS;first", 21);
+        factory.call(0, "nativeSetTestCycle", STATION, CYCLE + 1);
+        factory.call(0, "nativeSetTestResult", "PASS;first", 21);
 
         Session.event("the factory service dies (AIDL)");
         SimulatedDevice.kill("AIDL", "factory");
         awaitReleaseOf("power");
-        Session.event("the library has released all AIDL services: " + holders());
-        Session.say("Its binder thread waits for the factory service, then reconnects them all.");
-        Session.say("Meanwhile calls take the HIDL path, and fail where HIDL has no such service,");
-        Session.say("here the power service too: it lives, but has been released with the others.");
-        session.call("nativeSetTestResult", "PASS;second", 22);
-        session.call("nativeGetPowerState", "charge");
+        Session.event("the library has released all AIDL services: " + Session.holders());
+        session.checkReleased("AIDL");
+        Session.say("Its binder thread waits for the factory service, then reconnects them all. "
+                + "Meanwhile calls take the HIDL path, and fail where HIDL has no such service, "
+                + "here the power service too: it lives, but has been released with the others.");
+        factory.call(0, "nativeSetTestResult", "PASS;second", 22);
+        power.call("charging", "nativeGetPowerState", "charge");
         if (SimulatedDevice.holder("light").equals("HIDL")) {
             Session.say("The light is held over HIDL and serves on.");
-            session.call("nativeSetLedBrightness", 1, 64);
+            light.call(0, "nativeSetLedBrightness", 1, 64);
         }
         Session.say("The test tries again until the service is back.");
         sleep(250);
-        session.call("nativeSetTestResult", "PASS;second", 22);
+        factory.call(0, "nativeSetTestResult", "PASS;second", 22);
         sleep(250);
 
         Session.event("the factory service is back");
         SimulatedDevice.restart("AIDL", "factory");
-        settle();
-        Session.event("the library has connected them again: " + holders());
-        session.call("nativeSetTestResult", "PASS;second", 22);
-        session.call("nativeGetTestResult", 21);
-        session.call("nativeGetPowerState", "charge");
+        reconnected();
+        factory.call(0, "nativeSetTestResult", "PASS;second", 22);
+        factory.call("PASS;first", "nativeGetTestResult", 21);
+        power.call("charging", "nativeGetPowerState", "charge");
     }
 
     private void hidlDeath() {
         Session.say("A light is switched on, then off. The light service dies in between.");
-        session.call("nativeSetLedBrightness", 1, 255);
+        light.call(0, "nativeSetLedBrightness", 1, 255);
 
         Session.event("the light service dies (HIDL)");
         SimulatedDevice.kill("HIDL", "light");
         settle();
-        Session.event("the library has released all HIDL services: " + holders());
+        Session.event("the library has released all HIDL services: " + Session.holders());
+        session.checkReleased("HIDL");
         Session.say("Calls fail with their own values; the sensors live, but are released too.");
-        session.call("nativeSetLedBrightness", 1, 0);
-        session.call("nativeGetSensorPara", 1, 2, 3, 64);
+        light.call(0, "nativeSetLedBrightness", 1, 0);
+        sensors.call("0.01,0.02,9.81", "nativeGetSensorPara", 1, 2, 3, 64);
         if (SimulatedDevice.holder("factory").equals("AIDL")) {
             Session.say("The factory service is held over AIDL and serves on.");
-            session.call("nativeReadNvValue", 7);
+            factory.call(BOARD, "nativeReadNvValue", 7);
         }
         sleep(250);
 
         Session.event("the light service is back and registers anew");
         SimulatedDevice.restart("HIDL", "light");
+        reconnected();
+        light.call(0, "nativeSetLedBrightness", 1, 0);
+        sensors.call("0.01,0.02,9.81", "nativeGetSensorPara", 1, 2, 3, 64);
+    }
+
+    private void reconnected() {
         settle();
-        Session.event("the library has connected them again: " + holders());
-        session.call("nativeSetLedBrightness", 1, 0);
-        session.call("nativeGetSensorPara", 1, 2, 3, 64);
+        Session.event("the library has connected them again: " + Session.holders());
+        session.checkConnected();
     }
 
     private static void awaitReleaseOf(String service) {
@@ -372,35 +423,38 @@ public final class RunningTest {
     }
 
     private void endOfAgeing() throws IOException {
-        Session.chapter("End of ageing, and the request to boot into recovery");
-        session.call("nativeSetEndTimeOfAgeing");
-        Session.say("A file of 1024 bytes ff stands in for the misc partition.");
+        Session.chapter("End of ageing, and the request for recovery");
+        display.call(0, "nativeSetEndTimeOfAgeing");
+        Session.say("A file of 1024 bytes ff stands in for the misc partition; 512 are written.");
         Path misc = Path.of(System.getenv("KALVORN_MISC"));
-        byte[] before = new byte[1024];
-        Arrays.fill(before, (byte) 0xff);
-        Files.write(misc, before);
-        session.call("nativeWriteMiscToRecovery");
-        byte[] after = Files.readAllBytes(misc);
-        showMisc(after, 0);
-        showMisc(after, 504);
+        byte[] expected = new byte[1024];
+        Arrays.fill(expected, (byte) 0xff);
+        Files.write(misc, expected);
+        library.call(0, "nativeWriteMiscToRecovery");
+        byte[] written = Files.readAllBytes(misc);
+        for (int from : new int[] {0, 8, 504, 512}) showMisc(written, from);
+        byte[] command = Arrays.copyOf("boot-recovery".getBytes(US_ASCII), 512);
+        System.arraycopy(command, 0, expected, 0, command.length);
+        session.check("the misc partition as it should be", true, Arrays.equals(expected, written));
     }
 
     private static void showMisc(byte[] misc, int from) {
         StringBuilder text = new StringBuilder();
-        for (int i = from; i < from + 16; i++) {
+        for (int i = from; i < from + 8; i++) {
             text.append(misc[i] >= ' ' ? (char) misc[i] : '.');
         }
-        String hex = HexFormat.ofDelimiter(" ").formatHex(misc, from, from + 16);
-        Session.say(String.format("    misc, byte %3d: %s  %s", from, hex, text));
+        String hex = HexFormat.ofDelimiter(" ").formatHex(misc, from, from + 8);
+        Session.say(String.format("    byte %3d: %s  %s", from, hex, text));
     }
 
-    private void summary() {
+    private boolean summary() {
         Session.chapter("Done");
-        Session.say(String.format("%d calls, %d of them met a service that was not there.",
-                session.calls(), session.unanswered()));
-        if (!session.unused().isEmpty()) {
-            throw new IllegalStateException("never called: " + session.unused());
-        }
-        Session.say("Each of the 65 native methods was called.");
+        session.check("methods never called", Set.of(), session.unused());
+        Session.say(String.format("%d calls of the 65 native methods; %d of them met a service "
+                + "that was not there.", session.calls(), session.unanswered()));
+        List<String> faults = session.faults();
+        Session.say(faults.isEmpty() ? "Everything came as expected." : "Not as expected:");
+        for (String fault : faults) Session.fault(fault);
+        return faults.isEmpty();
     }
 }

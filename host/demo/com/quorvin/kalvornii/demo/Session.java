@@ -1,5 +1,7 @@
 package com.quorvin.kalvornii.demo;
 
+import com.quorvin.kalvornii.BigDataOperation;
+import com.quorvin.kalvornii.BigDataValue;
 import com.quorvin.kalvornii.KvNativeInterface;
 import java.lang.reflect.Field;
 import java.lang.reflect.InvocationTargetException;
@@ -7,14 +9,22 @@ import java.lang.reflect.Method;
 import java.lang.reflect.Modifier;
 import java.util.ArrayList;
 import java.util.Arrays;
+import java.util.Collections;
 import java.util.HexFormat;
 import java.util.List;
+import java.util.Objects;
 import java.util.Set;
 import java.util.TreeSet;
 
-/** Calls the natives of one KvNativeInterface, and shows each call, its result and log lines. */
+/**
+ * Calls the natives of one KvNativeInterface, shows each call, its result and log lines, and keeps
+ * what did not come as expected.
+ */
 final class Session {
     private static final String NO_TIME = " ".repeat(9);
+    private static final int COLUMNS = SimulatedDevice.columns();
+    /** What a line has room for after the time. */
+    private static final int WIDTH = COLUMNS - NO_TIME.length();
     private static final String PLAIN = "";
     private static final String DIM = "\033[2m";
     private static final String CYAN = "\033[36m";
@@ -27,6 +37,7 @@ final class Session {
     private final Set<String> unused = new TreeSet<>();
     private int calls;
     private int unanswered;
+    private final List<String> faults = new ArrayList<>();
 
     /** Loads the library. */
     Session() {
@@ -36,9 +47,100 @@ final class Session {
         }
     }
 
+    /** The methods that one service answers. */
+    final class Service {
+        private final String name;
+
+        private Service(String name) {
+            this.name = name;
+        }
+
+        /** The result has to be the expected one, or a failure value while nothing is connected. */
+        Object call(Object expected, String method, Object... arguments) {
+            boolean connected = isConnected();
+            Object result = invoke(method, arguments);
+            if (connected) {
+                check(method, expected, result);
+            } else if (!isAbsent(result)) {
+                check(method + ", while " + name + " is not connected", "a failure value", result);
+            }
+            return result;
+        }
+
+        /** A call, and what it became on the way to the service. */
+        void callAndFollow(Object expected, String method, Object... arguments) {
+            call(expected, method, arguments);
+            SimulatedDevice.showReceived();
+        }
+
+        /** Shows a static field that the library has written from an answer of this service. */
+        void field(String expected, String field) {
+            try {
+                Object value = KvNativeInterface.class.getField(field).get(null);
+                say("    KvNativeInterface." + field + " = " + show(value));
+                if (isConnected()) check(field, expected, value);
+            } catch (ReflectiveOperationException e) {
+                throw new IllegalStateException(field, e);
+            }
+        }
+
+        private boolean isConnected() {
+            return name == null || !SimulatedDevice.holder(name).equals("none");
+        }
+    }
+
+    Service service(String name) {
+        return new Service(name);
+    }
+
+    /** The methods that the library serves without a service. */
+    Service library() {
+        return new Service(null);
+    }
+
+    /** Each service that the device runs is held over its backend. */
+    void checkConnected() {
+        checkReleased("none");
+    }
+
+    /** The same, but for the services of one backend, which are held no more. */
+    void checkReleased(String backend) {
+        for (String service : SimulatedDevice.services()) {
+            String runs = SimulatedDevice.runs(service);
+            check("the backend that holds " + service, runs.equals(backend) ? "none" : runs,
+                    SimulatedDevice.holder(service));
+        }
+    }
+
+    void check(String what, Object expected, Object found) {
+        if (Objects.deepEquals(expected, found)) return;
+        String fault = what + ": expected " + show(expected) + ", found " + show(found);
+        faults.add(fault);
+        fault(fault);
+    }
+
+    static void fault(String text) {
+        SimulatedDevice.print(NO_TIME + "!! ", text, RED);
+    }
+
+    /** How many services are held over which backend. */
+    static String holders() {
+        List<String> all = Arrays.stream(SimulatedDevice.services())
+                .map(SimulatedDevice::holder).toList();
+        return String.format("%d over AIDL, %d over HIDL, %d not connected",
+                Collections.frequency(all, "AIDL"), Collections.frequency(all, "HIDL"),
+                Collections.frequency(all, "none"));
+    }
+
+    static boolean anyHolds(String backend) {
+        return Arrays.stream(SimulatedDevice.services())
+                .anyMatch(service -> SimulatedDevice.holder(service).equals(backend));
+    }
+
     static void chapter(String title) {
         blank();
-        SimulatedDevice.print("", "--- " + title + " " + "-".repeat(95 - title.length()), BOLD);
+        String rule = "-".repeat(Math.max(3, COLUMNS - title.length() - 5));
+        SimulatedDevice.print("", "--- " + title + " " + rule, BOLD);
     }
 
     static void blank() {
@@ -62,15 +164,20 @@ final class Session {
             case "none" -> DIM;
             default -> BOLD;
         };
-        String text = String.format("%-17s %-9s %s", service, backend, serves);
-        SimulatedDevice.print(NO_TIME, text, style);
+        String lead = NO_TIME + String.format("%-16s %-8s ", service, backend);
+        SimulatedDevice.print(lead, serves, style);
     }
 
     static String time() {
         return String.format("%7.3f  ", SimulatedDevice.seconds());
     }
 
-    Object call(String name, Object... arguments) {
+    /** A call and its result on one line, the results in one column where the calls leave room. */
+    static String beside(String call, String result) {
+        return String.format("%-" + WIDTH * 3 / 5 + "s = %s", call, result);
+    }
+
+    private Object invoke(String name, Object[] arguments) {
         String time = time();
         SimulatedDevice.forgetReceived();
         SimulatedDevice.holdLog();
@@ -84,36 +191,32 @@ final class Session {
         if (isAbsent(result)) unanswered++;
         unused.remove(name);
         String[] shown = Arrays.stream(arguments).map(Session::show).toArray(String[]::new);
-        String text = String.format("%-55s = %s", name + "(" + String.join(", ", shown) + ")",
-                show(result));
-        SimulatedDevice.print(time, text, isAbsent(result) ? RED : BOLD);
+        showCall(time, name + "(" + String.join(", ", shown) + ")", show(result),
+                isAbsent(result) ? RED : BOLD);
         SimulatedDevice.showLog();
         return result;
     }
 
-    /** A call, and what it became on the way to the service. */
-    void callAndFollow(String name, Object... arguments) {
-        call(name, arguments);
-        SimulatedDevice.showReceived();
-    }
-
-    /** Shows one of the static fields that the library writes. */
-    static void field(String name) {
-        try {
-            Object value = KvNativeInterface.class.getField(name).get(null);
-            say("    KvNativeInterface." + name + " = " + show(value));
-        } catch (ReflectiveOperationException e) {
-            throw new IllegalStateException(name, e);
+    private static void showCall(String time, String call, String result, String style) {
+        String together = call + " = " + result;
+        if (beside(call, result).length() <= WIDTH) together = beside(call, result);
+        if (together.length() <= WIDTH) {
+            SimulatedDevice.print(time, together, style);
+        } else {
+            SimulatedDevice.print(time, call, style);
+            SimulatedDevice.print(NO_TIME, "    = " + result, style);
         }
     }
 
     /** The verdict on item number {@code done} of {@code total}. */
     static void progress(int done, int total, String item, Object result, Object expected) {
         boolean pass = expected.equals(result);
-        String bar = "#".repeat(done) + ".".repeat(total - done);
+        int length = Math.min(total, WIDTH - 42);  // for what stands beside the bar
+        int filled = done * length / total;
+        String bar = "#".repeat(filled) + ".".repeat(length - filled);
         String verdict = pass ? "PASS" : isAbsent(result) ? "no service" : "FAIL";
         SimulatedDevice.print(NO_TIME,
-                String.format("[%2d/%d] %s  %-28s %s", done, total, bar, item, verdict),
+                String.format("[%2d/%d] %s  %-21s %s", done, total, bar, item, verdict),
                 pass ? GREEN : RED);
     }
 
@@ -128,6 +231,10 @@ final class Session {
     /** The natives that have not been called yet. */
     Set<String> unused() {
         return unused;
+    }
+
+    List<String> faults() {
+        return faults;
     }
 
     private static Method method(String name) {
@@ -146,8 +253,8 @@ final class Session {
         if (value instanceof String) return '"' + value.toString() + '"';
         if (value instanceof byte[] bytes) return "[" + HexFormat.of().formatHex(bytes) + "]";
         if (value instanceof int[] numbers) return Arrays.toString(numbers);
-        if (value == null || value instanceof Integer) return String.valueOf(value);
-        return showFields(value);
+        boolean isRecord = value instanceof BigDataOperation || value instanceof BigDataValue;
+        return isRecord ? showFields(value) : String.valueOf(value);
     }
 
     private static String showFields(Object record) {

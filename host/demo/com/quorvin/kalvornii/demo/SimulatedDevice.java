@@ -23,6 +23,9 @@ final class SimulatedDevice {
     /** The backend over which the library holds a service: "AIDL", "HIDL" or "none". */
     static native String holder(String service);
 
+    /** The backend over which the device runs a service, in the same words. */
+    static native String runs(String service);
+
     static native void kill(String backend, String service);
 
     static native void restart(String backend, String service);
@@ -37,6 +40,9 @@ final class SimulatedDevice {
     static native void showReceived();
 
     static native void forgetReceived();
+
+    /** How many columns a line on the screen has. */
+    static native int columns();
 
     /** Seconds since the start. */
     static native double seconds();

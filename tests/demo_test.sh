@@ -1,0 +1,72 @@
+#!/bin/bash
+# The demo on one device, at several widths: every method is called, the services are connected and
+# connected again, the misc partition is written, and no line is too long. Without the misc partition it
+# fails: demo_test.sh SOURCE_DIR BUILD_DIR DEVICE
+set -euo pipefail
+source=$1
+build=$2
+device=$3
+
+declare -A connected=(
+    [aidl]="13 over AIDL, 0 over HIDL, 0 not connected"
+    [hidl]="0 over AIDL, 11 over HIDL, 2 not connected"
+    [mixed]="9 over AIDL, 3 over HIDL, 1 not connected"
+    [bare]="0 over AIDL, 0 over HIDL, 13 not connected"
+)
+declare -A reconnections=([aidl]=1 [hidl]=1 [mixed]=2 [bare]=0)
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+failed=0
+
+# expect WHAT EXPECTED FOUND
+expect() {
+    [ "$2" != "$3" ] || return 0
+    printf '%s: expected\n%s\nfound\n%s\n' "$1" "$2" "$3"
+    failed=1
+}
+
+# play BUILD_DIR: into $work/shown, and as one line without line breaks into $text
+play() {
+    local status=0
+    "$source/host/demo/run.sh" "$1" "$device" >"$work/shown" 2>&1 || status=$?
+    text=$(tr -s ' \n' ' ' <"$work/shown")
+    return "$status"
+}
+
+# count TEXT: how often it occurs
+count() { grep -oF -- "$1" <<<"$text" | wc -l; }
+
+declared=$(grep -oE '\bnative [^ ]+ [A-Za-z]+\(' "$source/java/com/quorvin/kalvornii/KvNativeInterface.java" |
+    grep -oE '[A-Za-z]+\($' | sort)
+{ printf boot-recovery; head -c 499 /dev/zero; head -c 512 /dev/zero | tr '\0' '\377'; } >"$work/misc"
+
+check_session() {
+    rm -f "$build/misc"
+    play "$build" || { cat "$work/shown"; failed=1; }
+    expect "methods called" "$declared" \
+        "$(grep -E '^ +[0-9]+\.[0-9]{3}  [A-Za-z]+\(' "$work/shown" | grep -oE '[A-Za-z]+\(' | sort -u)"
+    expect "connections: ${connected[$device]}" 1 "$(count "The services: ${connected[$device]}.")"
+    expect "connections again: ${connected[$device]}" "${reconnections[$device]}" \
+        "$(count "connected them again: ${connected[$device]} ")"
+    cmp "$work/misc" "$build/misc" || failed=1
+    expect "longest line" "$1" "$(wc -L <"$work/shown")"  # that of the rulers
+}
+
+unset COLUMNS
+check_session 80
+for columns in 60 132; do
+    COLUMNS=$columns check_session "$columns"
+done
+
+if [ "$device" = bare ]; then
+    mkdir "$work/tree"
+    ln -s "$build"/* "$work/tree/"
+    rm -f "$work"/tree/{misc,libkalvorn_misc.so}
+    status=0
+    play "$work/tree" || status=$?
+    expect "status without the misc partition" 1 "$status"
+    expect "fault named, at once and at the end" 2 \
+        "$(count '!! nativeWriteMiscToRecovery: expected 0, found')"
+fi
+exit "$failed"
