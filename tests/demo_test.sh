@@ -13,7 +13,7 @@ declare -A connected=(
     [mixed]="9 over AIDL, 3 over HIDL, 1 not connected"
     [bare]="0 over AIDL, 0 over HIDL, 13 not connected"
 )
-declare -A reconnections=([aidl]=1 [hidl]=1 [mixed]=2 [bare]=0)
+declare -A reconnections=([aidl]=2 [hidl]=2 [mixed]=3 [bare]=0)
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT

@@ -158,7 +158,8 @@ SIMULATED_DEVICE(jboolean, start)(JNIEnv* env, jclass, jstring profile, jboolean
     g_application = std::this_thread::get_id();
     __android_log_set_minimum_priority(ANDROID_LOG_DEBUG);
     __android_log_set_logger(ShowLogLine);
-    return Device::Get().StartProfile(Text(env, profile));
+    Device& device = Device::Get();
+    return device.StartProfile(Text(env, profile)) && device.GroupProcesses("device");
 }
 
 SIMULATED_DEVICE(void, stop)(JNIEnv*, jclass) {
@@ -191,6 +192,14 @@ SIMULATED_DEVICE(void, kill)(JNIEnv* env, jclass, jstring backend, jstring servi
 
 SIMULATED_DEVICE(void, restart)(JNIEnv* env, jclass, jstring backend, jstring service) {
     Device::Get().Start(BackendNamed(Text(env, backend)), Text(env, service));
+}
+
+SIMULATED_DEVICE(void, killProcess)(JNIEnv* env, jclass, jstring service) {
+    Device::Get().KillProcess(Text(env, service));
+}
+
+SIMULATED_DEVICE(void, restartProcess)(JNIEnv* env, jclass, jstring service) {
+    Device::Get().RestartProcess(Text(env, service));
 }
 
 SIMULATED_DEVICE(jboolean, settle)(JNIEnv*, jclass) {

@@ -344,6 +344,7 @@ public final class RunningTest {
         if (aidl) aidlDeath();
         if (aidl && hidl) Session.blank();
         if (hidl) hidlDeath();
+        if (aidl || hidl) processDeath(SimulatedDevice.holder("display"));
     }
 
     private void aidlDeath() {
@@ -401,6 +402,29 @@ public final class RunningTest {
         reconnected();
         light.call(0, "nativeSetLedBrightness", 1, 0);
         sensors.call("0.01,0.02,9.81", "nativeGetSensorPara", 1, 2, 3, 64);
+    }
+
+    private void processDeath(String backend) {
+        Session.blank();
+        Session.say("The two display services run in one process, as on many devices.");
+        Session.event("their process dies (" + backend + ")");
+        SimulatedDevice.killProcess("display");
+        awaitReleaseOf("display");
+        if (backend.equals("AIDL")) {
+            Session.say("Each death has a notice, on a thread of its own. The first to come "
+                    + "releases the services, which takes the other back if it is not under way "
+                    + "yet; each that comes reconnects what it finds released.");
+        } else {
+            Session.say("The first notice releases the services and takes the second one back.");
+        }
+        display.call("shown", "nativeDisplayTest", "red");
+        sleep(250);
+
+        Session.event("the process is back");
+        SimulatedDevice.restartProcess("display");
+        reconnected();
+        display.call("shown", "nativeDisplayTest", "red");
+        displayFactory.call("ok", "nativeDisplayGeneralTest", "lvd_set_code_scene1");
     }
 
     private void reconnected() {

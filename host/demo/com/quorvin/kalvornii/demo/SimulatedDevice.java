@@ -30,6 +30,11 @@ final class SimulatedDevice {
 
     static native void restart(String backend, String service);
 
+    /** The death of the process that hosts a service, with all services in it; and its return. */
+    static native void killProcess(String service);
+
+    static native void restartProcess(String service);
+
     /** Waits until all deaths and registrations have been handled; false after five seconds. */
     static native boolean settle();
 
