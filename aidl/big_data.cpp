@@ -4,8 +4,15 @@
 #include "common/failure.h"
 
 using vendor::zantor::hardware::qxfactoryinterface::FmdCmdData;
-using vendor::zantor::hardware::qxfactoryinterface::FmdEvent;
 using vendor::zantor::hardware::qxfactoryinterface::FmdMsg;
+
+namespace {
+
+const char* Same(const char* text) {
+    return text;
+}
+
+}  // namespace
 
 int native_aidl::KvSendFmdOperation(JNIEnv* env, jobject, jobject operation) {
     const auto factory = HeldFactory();
@@ -17,12 +24,7 @@ int native_aidl::KvSendFmdOperation(JNIEnv* env, jobject, jobject operation) {
             record.version, record.commandId, record.operation, record.bsn, record.station,
             record.cycle);
     FmdCmdData data{};  // its reserved texts stay empty
-    data.version = record.version;
-    data.commandId = record.commandId;
-    data.operation = record.operation;
-    data.cycle = record.cycle;
-    data.station = record.station;
-    data.bsn = record.bsn;
+    FillCommand(record, Same, &data);
     factory->sendBigDataOperation(data, &result);
     KV_LOGI("SendBigDataOperation, result: %d", result);
     return result;
@@ -47,21 +49,7 @@ int native_aidl::KvSendFmdData(JNIEnv* env, jobject, jobject value) {
     message.dataSource = record.dataSource;
     message.numEvents = 1;
     message.events.resize(1);
-    FmdEvent& event = message.events[0];  // its reserved texts stay empty
-    event.errorCode = record.errorCode;
-    event.itemId = record.itemId;
-    event.cycle = record.cycle;
-    event.result = record.result;
-    event.station = record.station;
-    event.bsn = record.bsn;
-    event.time = record.time;
-    event.deviceName = record.deviceName;
-    event.testName = record.testName;
-    event.value = record.value;
-    event.minThreshold = record.minThreshold;
-    event.maxThreshold = record.maxThreshold;
-    event.firmware = record.firmware;
-    event.description = record.description;
+    FillEvent(record, Same, &message.events[0]);  // its reserved texts stay empty
     factory->sendBigData(message, &result);
     KV_LOGI("SendBigData, result: %d", result);
     return result;

@@ -59,7 +59,7 @@ void ServiceDied(void* /* cookie */) {
     OnServiceDied();
 }
 
-void RestartAidlService() {
+int RestartAidlService() {
     KV_LOGI("RestartAidlService");
     InitFactoryInterface();
     InitDisplayService();
@@ -73,7 +73,7 @@ void RestartAidlService() {
     InitFingerprintService();
     InitChipSrvInterface();
     InitSimService();
-    InitChipSrvSat();
+    return InitChipSrvSat();
 }
 
 void ExitKvManager() {

@@ -15,7 +15,7 @@ jstring native_aidl::DisplayTest(JNIEnv* env, jobject, jstring scene) {
     const char* text = GetText(env, scene, "scene");
     if (text == nullptr) return NewText(env, kInvalidService);
     DisplayOutInfo info{};
-    const int number = DisplayTestScene(text, 20);  // intended: 18 over HIDL
+    const PanelScene number = DisplayTestScene(text, 20);  // intended: 18 over HIDL
     KV_LOGI("displayTest scene = %d\n", number);
     display->displayTest(kPanelTest, number, &info);
     return NewText(env, info.text);
@@ -27,7 +27,7 @@ jstring native_aidl::DisplayGeneralTest(JNIEnv* env, jobject, jstring scene) {
     const char* text = GetText(env, scene, "scene");
     if (text == nullptr) return NewText(env, kInvalidService);
     DisplayFactoryOutInfo info{};
-    const int number = DisplayGeneralTestScene(text, 40);
+    const PanelScene number = DisplayGeneralTestScene(text, 40);
     KV_LOGI("displayTest scene = %d\n", number);
     display->displayGeneralTest(kPanelTest, number, &info);
     return NewText(env, info.text);

@@ -88,13 +88,13 @@ int native_aidl::GetVerifySignatureResult(JNIEnv* env, jobject, jbyteArray signa
     if (factory == nullptr) return kServiceAbsent;
     std::vector<char> bytes;
     if (!CopyBytes(env, signature, "signature", &bytes)) return kServiceAbsent;
-    std::string text(2 * bytes.size(), '\0');
-    if (ConvertBinToString(bytes.data(), bytes.size(), text.data(), text.size()) != 0) {
+    std::string text;
+    if (ConvertBinToString(bytes, &text) != 0) {
         KV_LOGE("convertBinToString is failed");
         return kLocalFailure;
     }
     int32_t ret = kServiceAbsent;
-    factory->writeNv(kSignatureNvId, text, &ret);
+    factory->writeNv(SignatureNvId, text, &ret);
     KV_LOGI("getVerifySignatureResult, ret: %d", ret);
     return ret;
 }

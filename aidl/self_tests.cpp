@@ -164,6 +164,7 @@ jstring native_aidl::GetSocInfo(JNIEnv* env, jobject, jstring testScene) {
     KV_LOGI("Get soc info result = %d, testScene = %s, out = %s\n", reply.resultCode,
             sceneText.c_str(), reply.text.c_str());
     if (reply.resultCode != 0) KV_LOGE("Get soc info failed");
+    sceneText.Release();
     return NewText(env, reply.text);  // intended: the text whatever the code, unlike HIDL
 }
 
@@ -190,6 +191,7 @@ jstring native_aidl::FpgaTest(JNIEnv* env, jobject, jstring testScene) {
     factory->fpgaTest(sceneText.c_str(), kMaxReplySize, &reply);
     KV_LOGI("Fpga test value = %d, testScene = %s, out = %s\n", reply.resultCode, sceneText.c_str(),
             reply.text.c_str());
+    sceneText.Release();
     return NewText(env, reply.text);
 }
 

@@ -28,6 +28,7 @@
 
 namespace native_aidl {
 
+using namespace kalvorn;
 using android::sp;
 using vendor::zantor::hardware::camera::factory::ICameraFactory;
 using vendor::zantor::hardware::light::ILight;
@@ -98,8 +99,8 @@ void UnlinkSession(const std::shared_ptr<ISession>& session);
 /** Callback of the fingerprint session's death recipient; the cookie is not looked at. */
 void ServiceDied(void* cookie);
 
-/** Connects all thirteen services again; no HIDL fallback here. */
-void RestartAidlService();
+/** Connects all thirteen services again, without HIDL; returns what the last connector gave. */
+int RestartAidlService();
 
 }  // namespace native_aidl
 

@@ -3,9 +3,9 @@
 #include <vector>
 
 #include "aidl/services.h"
-#include "common/bounds_checked.h"
 #include "common/failure.h"
 #include "common/java_values.h"
+#include "common/qrcode_info.h"
 #include "common/service_constants.h"
 
 namespace {
@@ -23,11 +23,7 @@ int native_aidl::KvSetTestCycle(JNIEnv*, jobject, int stationId, int cycle) {
     KV_LOGI("KVSetTestCycle, stationID = %d cycle = %d\n", stationId, cycle);
     int32_t result = 0;
     char qrcodeInfo[kItemLength];
-    memset_s(qrcodeInfo, sizeof(qrcodeInfo), 0, sizeof(qrcodeInfo));
-    if (cycle != kNoCycle) {
-        sprintf_s(qrcodeInfo, sizeof(qrcodeInfo), "%02d", stationId);
-        // intended: always at position 2, over the third character of a long station
-        sprintf_s(qrcodeInfo + 2, sizeof(qrcodeInfo) - 2, "%02d", cycle);
+    if (ComposeQrCodeInfo(stationId, cycle, &qrcodeInfo)) {
         KV_LOGI("KVSetTestCycle, qrcodeInfo = %s\n", qrcodeInfo);
     }
     factory->writeOemInfo(kQrCodeInfo, kItemLength, Bytes(qrcodeInfo), &result);

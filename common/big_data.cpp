@@ -3,6 +3,8 @@
 #include "common/java_values.h"
 #include "common/log.h"
 
+namespace kalvorn {
+
 namespace {
 
 constexpr const char* kOperationClass = "com/quorvin/kalvornii/BigDataOperation";
@@ -104,3 +106,5 @@ bool ReadBigData(JNIEnv* env, jobject value, BigDataValue* record) {
     }
     return true;
 }
+
+}  // namespace kalvorn

@@ -2,16 +2,18 @@
 
 #include <string.h>
 
+namespace kalvorn {
+
 namespace {
 
-struct PanelScene {
+struct NamedScene {
     const char* text;
-    int number;
+    PanelScene number;
 };
 
 // intended: 5 and 6 are never sent, and "bl_onpen_close" is spelt so.
 // clang-format off
-constexpr PanelScene kDisplayTestScenes[] = {
+constexpr NamedScene kDisplayTestScenes[] = {
     {"white", 0},
     {"black", 1},
     {"red", 2},
@@ -30,7 +32,7 @@ constexpr PanelScene kDisplayTestScenes[] = {
     {"gpu_slt", 17},
 };
 
-constexpr PanelScene kDisplayGeneralTestScenes[] = {
+constexpr NamedScene kDisplayGeneralTestScenes[] = {
     {"lcd_general", 18},
     {"vertical_scene1", 19},
     {"vertical_scene2", 20},
@@ -50,8 +52,8 @@ constexpr PanelScene kDisplayGeneralTestScenes[] = {
 // clang-format on
 
 template <size_t N>
-int Find(const PanelScene (&scenes)[N], const char* text, int fallback) {
-    for (const PanelScene& scene : scenes) {
+PanelScene Find(const NamedScene (&scenes)[N], const char* text, PanelScene fallback) {
+    for (const NamedScene& scene : scenes) {
         if (strcmp(scene.text, text) == 0) return scene.number;
     }
     return fallback;
@@ -59,10 +61,12 @@ int Find(const PanelScene (&scenes)[N], const char* text, int fallback) {
 
 }  // namespace
 
-int DisplayTestScene(const char* text, int fallback) {
+PanelScene DisplayTestScene(const char* text, PanelScene fallback) {
     return Find(kDisplayTestScenes, text, fallback);
 }
 
-int DisplayGeneralTestScene(const char* text, int fallback) {
+PanelScene DisplayGeneralTestScene(const char* text, PanelScene fallback) {
     return Find(kDisplayGeneralTestScenes, text, fallback);
 }
+
+}  // namespace kalvorn

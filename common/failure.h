@@ -1,5 +1,7 @@
 #pragma once
 
+namespace kalvorn {
+
 // What Java receives when an operation cannot reach its service.
 constexpr int kServiceAbsent = -9999;
 constexpr const char* kInvalidService = "INVALID_SERVICE";
@@ -9,3 +11,5 @@ constexpr int kInvalidParameter = -9999;
 
 // What Java receives when something on this side of the service fails.
 constexpr int kLocalFailure = -1;
+
+}  // namespace kalvorn

@@ -1,6 +1,6 @@
 #include "common/held.h"
 
-namespace held {
+namespace kalvorn::held {
 
 namespace internal {
 
@@ -49,4 +49,4 @@ void LetGoOfRetired() {
     }
 }
 
-}  // namespace held
+}  // namespace kalvorn::held

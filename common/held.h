@@ -24,7 +24,7 @@
  * a service that is taken in between the connector, not the teardown, undoes the link: there is one
  * unlink for each link, after it, whoever came first, and a held service at rest has exactly one.
  */
-namespace held {
+namespace kalvorn::held {
 
 namespace internal {
 
@@ -184,4 +184,4 @@ std::shared_ptr<T> Take(std::shared_ptr<T>* global) {
     return std::atomic_exchange(global, std::shared_ptr<T>());
 }
 
-}  // namespace held
+}  // namespace kalvorn::held

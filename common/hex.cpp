@@ -5,6 +5,8 @@
 #include "common/failure.h"
 #include "common/log.h"
 
+namespace kalvorn {
+
 int ConvertBinToString(const char* bin, unsigned int numLen, char* str, unsigned int strLen) {
     static constexpr char kDigits[] = "0123456789abcdef";
     // Half of strLen rather than twice numLen, which could wrap around.
@@ -19,3 +21,10 @@ int ConvertBinToString(const char* bin, unsigned int numLen, char* str, unsigned
     }
     return 0;
 }
+
+int ConvertBinToString(const std::vector<char>& bin, std::string* str) {
+    str->assign(2 * bin.size(), '\0');
+    return ConvertBinToString(bin.data(), bin.size(), str->data(), str->size());
+}
+
+}  // namespace kalvorn

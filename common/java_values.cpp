@@ -4,6 +4,8 @@
 #include "common/log.h"
 #include "common/modified_utf8.h"
 
+namespace kalvorn {
+
 namespace {
 
 // Null, with nothing pending, when there is no memory: nothing is thrown into Java.
@@ -25,16 +27,16 @@ const char* GetText(JNIEnv* env, jstring text, const char* name) {
 }
 
 bool JavaText::Read(JNIEnv* env, jstring text, const char* name) {
-    env_ = env;
-    text_ = text;
-    chars_ = GetText(env, text, name);
-    return chars_ != nullptr;
+    mEnv = env;
+    mText = text;
+    mChars = GetText(env, text, name);
+    return mChars != nullptr;
 }
 
 void JavaText::Release() {
-    if (chars_ == nullptr) return;
-    env_->ReleaseStringUTFChars(text_, chars_);
-    chars_ = nullptr;
+    if (mChars == nullptr) return;
+    mEnv->ReleaseStringUTFChars(mText, mChars);
+    mChars = nullptr;
 }
 
 jstring NewText(JNIEnv* env, const char* text) {
@@ -96,3 +98,5 @@ bool CopyBytes(JNIEnv* env, jbyteArray array, const char* name, std::vector<char
     env->ReleaseByteArrayElements(array, elements, 0);
     return true;
 }
+
+}  // namespace kalvorn

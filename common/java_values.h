@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace kalvorn {
+
 /** The one Java class that the library serves. */
 constexpr const char* kKvNativeInterface = "com/quorvin/kalvornii/KvNativeInterface";
 
@@ -37,14 +39,14 @@ class JavaText {
     void Release();
 
     /** Never releases the characters: for the operations that keep them on purpose. */
-    void Keep() { chars_ = nullptr; }
+    void Keep() { mChars = nullptr; }
 
-    const char* c_str() const { return chars_; }
+    const char* c_str() const { return mChars; }
 
   private:
-    JNIEnv* env_ = nullptr;
-    jstring text_ = nullptr;
-    const char* chars_ = nullptr;
+    JNIEnv* mEnv = nullptr;
+    jstring mText = nullptr;
+    const char* mChars = nullptr;
 };
 
 /**
@@ -74,3 +76,5 @@ void SetStaticText(JNIEnv* env, const char* field, const char* text);
  * false without a line when its elements cannot be had.
  */
 bool CopyBytes(JNIEnv* env, jbyteArray array, const char* name, std::vector<char>* bytes);
+
+}  // namespace kalvorn

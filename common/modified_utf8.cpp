@@ -2,6 +2,8 @@
 
 #include <stddef.h>
 
+namespace kalvorn {
+
 namespace {
 
 using Byte = unsigned char;
@@ -96,3 +98,5 @@ std::string ToModifiedUtf8(const char* text) {
     }
     return out;
 }
+
+}  // namespace kalvorn

@@ -2,6 +2,8 @@
 
 #include <string>
 
+namespace kalvorn {
+
 // Java's encoding of text: UTF-8 without four-byte characters, which are two surrogates of three
 // bytes each, and with a zero that is c0 80. A text ends at its first zero byte.
 
@@ -14,3 +16,5 @@ bool IsModifiedUtf8(const char* text);
  * as it is.
  */
 std::string ToModifiedUtf8(const char* text);
+
+}  // namespace kalvorn

@@ -2,6 +2,8 @@
 
 #include <stdint.h>
 
+namespace kalvorn {
+
 // Fixed arguments of service calls, the same over both backends.
 
 // Items of the factory service's store; the length it is told is the item's, not the text's.
@@ -15,7 +17,7 @@ constexpr int32_t kItemLength = 64;
 constexpr int kNoCycle = -100;
 
 /** The NV item that takes the signature to be verified. */
-constexpr int32_t kSignatureNvId = 11;
+constexpr int32_t SignatureNvId = 11;
 
 // The largest answers that the caller accepts, in bytes.
 constexpr int32_t kMaxFlagSize = 1024;
@@ -25,3 +27,5 @@ constexpr int32_t kWifiCapacity = 1024;
 
 /** First argument of every panel test; its meaning is the display services' own. */
 constexpr int32_t kPanelTest = 2;
+
+}  // namespace kalvorn

@@ -4,7 +4,6 @@
 #include "hidl/services.h"
 
 using vendor::zantor::hardware::qxfactoryinterface::V1_0::FmdCmdData;
-using vendor::zantor::hardware::qxfactoryinterface::V1_0::FmdEvent;
 using vendor::zantor::hardware::qxfactoryinterface::V1_0::FmdMsg;
 
 // intended: neither operation logs its result, unlike AIDL.
@@ -18,12 +17,7 @@ int native_hidl::KvSendFmdOperation(JNIEnv* env, jobject, jobject operation) {
             record.version, record.commandId, record.operation, record.bsn, record.station,
             record.cycle);
     FmdCmdData data{};
-    data.version = record.version;
-    data.commandId = record.commandId;
-    data.operation = record.operation;
-    data.cycle = record.cycle;
-    data.station = Borrow(record.station);
-    data.bsn = Borrow(record.bsn);
+    FillCommand(record, Borrow, &data);
     return factory->sendBigDataOperation(data);
 }
 
@@ -40,26 +34,11 @@ int native_hidl::KvSendFmdData(JNIEnv* env, jobject, jobject value) {
             "result: %s; time: %s; firmware: %s; description: %s",
             record.deviceName, record.testName, record.value, record.minThreshold,
             record.maxThreshold, record.result, record.time, record.firmware, record.description);
-    FmdEvent event{};
-    event.errorCode = record.errorCode;
-    event.itemId = record.itemId;
-    event.cycle = record.cycle;
-    event.result = Borrow(record.result);
-    event.station = Borrow(record.station);
-    event.bsn = Borrow(record.bsn);
-    event.time = Borrow(record.time);
-    event.deviceName = Borrow(record.deviceName);
-    event.testName = Borrow(record.testName);
-    event.value = Borrow(record.value);
-    event.minThreshold = Borrow(record.minThreshold);
-    event.maxThreshold = Borrow(record.maxThreshold);
-    event.firmware = Borrow(record.firmware);
-    event.description = Borrow(record.description);
     FmdMsg message{};
     message.version = record.version;
     message.dataSource = record.dataSource;
     message.numEvents = 1;
     message.events.resize(1);
-    message.events[0] = event;
+    FillEvent(record, Borrow, &message.events[0]);
     return factory->sendBigData(message);
 }

@@ -17,7 +17,7 @@ jstring native_hidl::DisplayTest(JNIEnv* env, jobject, jstring scene) {
     if (text == nullptr) return NewText(env, kInvalidService);
     [[maybe_unused]] int32_t result = -7;
     hidl_string answer;
-    const int number = DisplayTestScene(text, 18);  // intended: 20 over AIDL
+    const PanelScene number = DisplayTestScene(text, 18);  // intended: 20 over AIDL
     KV_LOGE("DisplayTest scene = %d\n", number);
     DropStatus(display->displayTest(kPanelTest, number,
                                     [&](DISPLAY_RET ret, const hidl_string& resultText) {
@@ -34,7 +34,7 @@ jstring native_hidl::DisplayGeneralTest(JNIEnv* env, jobject, jstring scene) {
     if (text == nullptr) return NewText(env, kInvalidService);
     [[maybe_unused]] int32_t result = 0;
     hidl_string answer;
-    const int number = DisplayGeneralTestScene(text, 40);
+    const PanelScene number = DisplayGeneralTestScene(text, 40);
     KV_LOGE("DisplayTest scene = %d\n", number);
     DropStatus(display->displayGeneralTest(
             kPanelTest, number, [&](DISPLAY_FACT_RET ret, const hidl_string& resultText) {

@@ -40,12 +40,12 @@ int native_hidl::GetVerifySignatureResult(JNIEnv* env, jobject, jbyteArray signa
     if (factory == nullptr) return kServiceAbsent;
     std::vector<char> bytes;
     if (!CopyBytes(env, signature, "signature", &bytes)) return kServiceAbsent;
-    std::string text(2 * bytes.size(), '\0');
-    if (ConvertBinToString(bytes.data(), bytes.size(), text.data(), text.size()) != 0) {
+    std::string text;
+    if (ConvertBinToString(bytes, &text) != 0) {
         KV_LOGE("convertBinToString fail");
         return kLocalFailure;
     }
-    const int32_t ret = factory->writeNv(kSignatureNvId, Borrow(text.c_str()));
+    const int32_t ret = factory->writeNv(SignatureNvId, Borrow(text.c_str()));
     KV_LOGD("GetVerifySignatureResult, ret: %d", ret);
     return ret;
 }

@@ -175,6 +175,7 @@ jstring native_hidl::GetSocInfo(JNIEnv* env, jobject, jstring testScene) {
     DropStatus(factory->getSocInfo(Borrow(sceneText.c_str()), StoreIn(&code, &out)));
     KV_LOGE("get soc info value = %d, testScene = %s, out = %s\n", code, sceneText.c_str(),
             out.c_str());
+    sceneText.Release();
     return NewText(env, code == 0 ? out.c_str() : "");  // intended: unlike AIDL
 }
 
@@ -201,6 +202,7 @@ jstring native_hidl::FpgaTest(JNIEnv* env, jobject, jstring testScene) {
     DropStatus(factory->fpgaTest(Borrow(sceneText.c_str()), kMaxReplySize, StoreIn(&code, &out)));
     KV_LOGE("fpga test value = %d, testScene = %s, out = %s\n", code, sceneText.c_str(),
             out.c_str());
+    sceneText.Release();
     return NewText(env, out.c_str());
 }
 

@@ -27,6 +27,7 @@
 
 namespace native_hidl {
 
+using namespace kalvorn;
 using android::sp;
 using android::hardware::hidl_string;
 using android::hardware::Return;

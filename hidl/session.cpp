@@ -1,6 +1,6 @@
-#include "common/bounds_checked.h"
 #include "common/failure.h"
 #include "common/java_values.h"
+#include "common/qrcode_info.h"
 #include "common/service_constants.h"
 #include "hidl/services.h"
 
@@ -13,11 +13,7 @@ int native_hidl::KvSetTestCycle(JNIEnv*, jobject, int stationId, int cycle) {
         return kServiceAbsent;
     }
     char qrcodeInfo[kItemLength];
-    memset_s(qrcodeInfo, sizeof(qrcodeInfo), 0, sizeof(qrcodeInfo));
-    if (cycle != kNoCycle) {
-        sprintf_s(qrcodeInfo, sizeof(qrcodeInfo), "%02d", stationId);
-        // intended: always at position 2, over the third character of a long station
-        sprintf_s(qrcodeInfo + 2, sizeof(qrcodeInfo) - 2, "%02d", cycle);
+    if (ComposeQrCodeInfo(stationId, cycle, &qrcodeInfo)) {
         KV_LOGD("KvSetTestCycle, qrcodeInfo = %s\n", qrcodeInfo);
     }
     const int32_t result = fi->writeOemInfo(kQrCodeInfo, kItemLength, Borrow(qrcodeInfo));

@@ -10,28 +10,28 @@
 #include "jni/descriptor.h"
 #include "jni/local_methods.h"
 
+using namespace kalvorn;
+
 namespace {
 
 // The choice of a backend, afresh on every call: AIDL while that service is held over AIDL, HIDL
 // otherwise, whose operation then finds out for itself whether the service is there.
-#define TWO_BACKENDS(javaName, name, query, priority, signature) \
-    template <typename... Args>                                  \
-    auto name(JNIEnv* env, jobject obj, Args... args) {          \
-        if (native_aidl::query()) {                              \
-            KV_LOG(priority, #name "ByAidl");                    \
-            return native_aidl::name(env, obj, args...);         \
-        }                                                        \
-        KV_LOG(priority, #name "ByHidl");                        \
-        return native_hidl::name(env, obj, args...);             \
+bool ServedByAidl(bool heldOverAidl, int priority, const char* name) {
+    KV_LOG(priority, heldOverAidl ? "%sByAidl" : "%sByHidl", name);
+    return heldOverAidl;
+}
+
+#define TWO_BACKENDS(javaName, name, query, priority, signature)   \
+    template <typename... Args>                                    \
+    auto name(JNIEnv* env, jobject obj, Args... args) {            \
+        return ServedByAidl(native_aidl::query(), priority, #name) \
+                       ? native_aidl::name(env, obj, args...)      \
+                       : native_hidl::name(env, obj, args...);     \
     }
 #define AIDL_ONLY(javaName, name, signature)
 #define LOCAL(javaName, name, signature)
 #define DEVIATING(javaName, name, signature)
 #include "jni/methods.inc"
-#undef TWO_BACKENDS
-#undef AIDL_ONLY
-#undef LOCAL
-#undef DEVIATING
 
 // intended: the methods with the AIDL backend only are unalike in what they ask and log.
 
@@ -64,31 +64,29 @@ jstring ChipTtTestPdet(JNIEnv* env, jobject obj, jstring scene) {
     return native_aidl::ChipTtTestPdet(env, obj, scene);
 }
 
-#define TWO_BACKENDS(javaName, name, query, priority, signature)               \
-    static_assert(descriptor::Fits(&native_aidl::name, signature), #javaName); \
-    static_assert(descriptor::Fits(&native_hidl::name, signature), #javaName);
-#define AIDL_ONLY(javaName, name, signature) \
-    static_assert(descriptor::Fits(&name, signature), #javaName);
-#define LOCAL(javaName, name, signature) \
-    static_assert(descriptor::Fits(&name, signature), #javaName);
-#define DEVIATING(javaName, name, signature)
-#include "jni/methods.inc"
-#undef TWO_BACKENDS
-#undef AIDL_ONLY
-#undef LOCAL
-#undef DEVIATING
+template <bool fits>
+constexpr const char* Checked(const char* signature) {
+    static_assert(fits, "the signature in this row is not that of the function");
+    return signature;
+}
 
 }  // namespace
 
 // The fields are not const in every platform's jni.h.
-#define ROW(javaName, signature, function) \
-    {const_cast<char*>(#javaName), const_cast<char*>(signature), reinterpret_cast<void*>(function)},
+#define ROW(javaName, signature, fits, function)                                \
+    {const_cast<char*>(#javaName), const_cast<char*>(Checked<fits>(signature)), \
+     reinterpret_cast<void*>(function)},
 #define TWO_BACKENDS(javaName, name, query, priority, signature) \
-    ROW(javaName, signature, static_cast<decltype(&native_aidl::name)>(&name))
-#define AIDL_ONLY(javaName, name, signature) ROW(javaName, signature, &name)
-#define LOCAL(javaName, name, signature) ROW(javaName, signature, &name)
-#define DEVIATING(javaName, name, signature) ROW(javaName, signature, &name)
+    ROW(javaName, signature,                                     \
+        descriptor::Fits(&native_aidl::name, signature) &&       \
+                descriptor::Fits(&native_hidl::name, signature), \
+        static_cast<decltype(&native_aidl::name)>(&name))
+#define AIDL_ONLY(javaName, name, signature) \
+    ROW(javaName, signature, descriptor::Fits(&name, signature), &name)
+#define LOCAL(javaName, name, signature) AIDL_ONLY(javaName, name, signature)
+#define DEVIATING(javaName, name, signature) ROW(javaName, signature, true, &name)
 const JNINativeMethod kMethods[] = {
 #include "jni/methods.inc"
 };
-static_assert(std::size(kMethods) == kMethodCount);
+
+const jint kMethodCount = std::size(kMethods);

@@ -2,7 +2,6 @@
 
 #include <jni.h>
 
-constexpr int kMethodCount = 65;
-
 /** The table for RegisterNatives, in the Java class's order; lives as long as the library. */
-extern const JNINativeMethod kMethods[kMethodCount];
+extern const JNINativeMethod kMethods[];
+extern const jint kMethodCount;

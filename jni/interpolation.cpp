@@ -4,6 +4,8 @@
 #include "common/log.h"
 #include "jni/local_methods.h"
 
+using namespace kalvorn;
+
 namespace {
 
 // The fixed value 2, which RTLD_NOW does not give everywhere: it is 2 with glibc and on 64-bit

@@ -6,6 +6,8 @@
 #include "hidl/kalvorn_hidl_manager.h"
 #include "jni/dispatch.h"
 
+using namespace kalvorn;
+
 namespace {
 
 // AIDL first, HIDL only for a service that AIDL does not give: each service is decided separately.
@@ -48,7 +50,7 @@ bool RegisterNativeMethods(JNIEnv* env) {
 }  // namespace
 
 /**
- * Connects the services, which blocks until each declared one is there, and registers the 65
+ * Connects the services, which blocks until each declared one is there, and registers the
  * methods. Returns JNI_VERSION_1_4, or -1 when the methods cannot be registered; a service that
  * does not connect fails only its own operations.
  */

@@ -6,6 +6,8 @@
 #include "common/log.h"
 #include "jni/local_methods.h"
 
+using namespace kalvorn;
+
 namespace {
 
 #define MISC_PARTITION "/dev/block/bootdevice/by-name/misc"

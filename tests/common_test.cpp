@@ -11,6 +11,8 @@
 #include "harness.h"
 #include "jni/descriptor.h"
 
+using namespace kalvorn;
+
 namespace {
 
 class CommonTest : public LibraryTest {};

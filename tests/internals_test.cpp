@@ -76,7 +76,9 @@ TEST_F(InternalsTest, ItemNamesOfNoServiceAreKept) {
 
 TEST_F(InternalsTest, TheTableIsThatOfTheJavaClass) {
     std::set<std::string> rows;
-    for (const JNINativeMethod& row : kMethods) rows.insert(std::string(row.name) + row.signature);
+    for (jint i = 0; i < kMethodCount; i++) {
+        rows.insert(std::string(kMethods[i].name) + kMethods[i].signature);
+    }
     std::string listed;
     for (const std::string& row : rows) listed += row + "\n";
     EXPECT_EQ(65u, rows.size());

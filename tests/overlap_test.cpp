@@ -12,9 +12,11 @@
 #include "harness.h"
 #include "hidl/services.h"
 
+using namespace kalvorn;
+
 namespace {
 
-using kalvorn::host::KeepDeadNames;
+using host::KeepDeadNames;
 
 class OverlapTest : public LibraryTest {
   protected:

@@ -64,11 +64,11 @@ class StormTest : public LibraryTest {
         Pause();
     }
 
-    bool Chance(int oneIn) { return random_() % oneIn == 0; }
+    bool Chance(int oneIn) { return mRandom() % oneIn == 0; }
 
     void Pause() {
         if (Chance(2)) return;
-        std::this_thread::sleep_for(microseconds(random_() % 300));
+        std::this_thread::sleep_for(microseconds(mRandom() % 300));
     }
 
     void Progress(const char* what, int run, int runs, int deaths) const {
@@ -92,7 +92,7 @@ class StormTest : public LibraryTest {
     }
 
   private:
-    std::minstd_rand random_{20261121};
+    std::minstd_rand mRandom{20261121};
 };
 
 TEST_F(StormTest, ProcessesDieTogether) {
@@ -154,30 +154,30 @@ const std::vector<StormCall> kHidlCalls = {
 /** Threads that call without pause, each through all calls again and again. */
 class Callers {
   public:
-    explicit Callers(const std::vector<StormCall>& calls) : calls_(calls) {
-        for (size_t i = 0; i < 8; i++) threads_.emplace_back([this, i] { Run(i); });
+    explicit Callers(const std::vector<StormCall>& calls) : mCalls(calls) {
+        for (size_t i = 0; i < 8; i++) mThreads.emplace_back([this, i] { Run(i); });
     }
     ~Callers() {
-        stop_ = true;
-        for (std::thread& thread : threads_) thread.join();
-        EXPECT_GT(served_, 0) << "no call met its service";
+        mStop = true;
+        for (std::thread& thread : mThreads) thread.join();
+        EXPECT_GT(mServed, 0) << "no call met its service";
     }
 
   private:
     void Run(size_t first) {
-        for (size_t i = first; !stop_; i++) {
-            const StormCall& call = calls_[i % calls_.size()];
+        for (size_t i = first; !mStop; i++) {
+            const StormCall& call = mCalls[i % mCalls.size()];
             const std::string answer = java::Call(call.method, call.args);
             EXPECT_THAT(call.answers, testing::Contains(answer)) << call.method;
-            if (answer == call.answers[0]) served_++;
+            if (answer == call.answers[0]) mServed++;
         }
         java::Vm()->DetachCurrentThread();
     }
 
-    const std::vector<StormCall>& calls_;
-    std::atomic<bool> stop_{false};
-    std::atomic<int> served_{0};
-    std::vector<std::thread> threads_;
+    const std::vector<StormCall>& mCalls;
+    std::atomic<bool> mStop{false};
+    std::atomic<int> mServed{0};
+    std::vector<std::thread> mThreads;
 };
 
 TEST_F(StormTest, JavaCallsWhileServicesDie) {

@@ -10,6 +10,8 @@
 
 // All buffers are of the exact size, so that the address sanitizer sees one byte too many.
 
+using namespace kalvorn;
+
 namespace {
 
 using Units = std::vector<uint16_t>;

@@ -2,9 +2,9 @@
 
 namespace {
 
-class TestDataTest : public OperationTest {};
+class RecordsTest : public OperationTest {};
 
-TEST_F(TestDataTest, Reads) {
+TEST_F(RecordsTest, Reads) {
     // clang-format off
     Run({
             {kAidl, "factory", "nativeGetTestResult", {7}, {{"getTestResult", {0, "PASS"}}},
@@ -89,7 +89,7 @@ TEST_F(TestDataTest, Reads) {
     // clang-format on
 }
 
-TEST_F(TestDataTest, Writes) {
+TEST_F(RecordsTest, Writes) {
     // clang-format off
     Run({
             {kAidl, "factory", "nativeSetTestResult", {"ok", 7}, {{"setTestResult", {-2}}},
@@ -138,7 +138,7 @@ TEST_F(TestDataTest, Writes) {
 }
 
 // A failure is -1 alone, for the kv info anything but 0.
-TEST_F(TestDataTest, CodesBesideTheSpecialOnes) {
+TEST_F(RecordsTest, CodesBesideTheSpecialOnes) {
     for (const int code : {-2, 1, 2}) {
         const std::string shown = std::to_string(code);
         const std::vector<std::string> nv{"factory.writeNv(8, \"v\")"};
@@ -185,7 +185,7 @@ TEST_F(TestDataTest, CodesBesideTheSpecialOnes) {
     }
 }
 
-TEST_F(TestDataTest, WhatIsWrittenIsReadBack) {
+TEST_F(RecordsTest, WhatIsWrittenIsReadBack) {
     for (const Backend backend : {kAidl, kHidl}) {
         LoadWith(backend, "factory");
         EXPECT_EQ("null", java::Call("nativeReadNvValue", {8}));
@@ -200,7 +200,7 @@ TEST_F(TestDataTest, WhatIsWrittenIsReadBack) {
 }
 
 // Java's texts are modified UTF-8 here: a character outside the first plane is a surrogate pair.
-TEST_F(TestDataTest, TextsSurviveBothWays) {
+TEST_F(RecordsTest, TextsSurviveBothWays) {
     const std::string longText(65536, 'x');
     const char* const texts[] = {"", "plain", "caf\xc3\xa9 \xe2\x82\xac",
                                  "\xed\xa0\xbd\xed\xb8\x80!", longText.c_str()};
@@ -218,7 +218,7 @@ TEST_F(TestDataTest, TextsSurviveBothWays) {
 }
 
 // A byte that only looks like the beginning of a four-byte character takes nothing with it.
-TEST_F(TestDataTest, TextsOfAnotherEncodingLoseNothing) {
+TEST_F(RecordsTest, TextsOfAnotherEncodingLoseNothing) {
     LoadWith(kHidl, "factory");
     for (const std::string lead : {"\xf0", "\xf8", "\xff"}) {
         const std::string text = lead + "abcd";
@@ -229,7 +229,7 @@ TEST_F(TestDataTest, TextsOfAnotherEncodingLoseNothing) {
 }
 
 // HIDL carries Java's own bytes; AIDL's UTF-16 gives the service a zero, at which C ends a text.
-TEST_F(TestDataTest, EmbeddedZeroReachesTheService) {
+TEST_F(RecordsTest, EmbeddedZeroReachesTheService) {
     LoadWith(kHidl, "factory");
     java::Call("nativeWriteNvValue", {"a\xc0\x80z", 1});
     EXPECT_EQ("\"a\xc0\x80z\"", java::Call("nativeReadNvValue", {1}));
