@@ -135,8 +135,8 @@ public final class RunningTest {
         settle();
         Session.blank();
         Session.say("\"... is null\" means that this backend does not have the service: HIDL is "
-                + "asked after AIDL, and the methods of a service that neither has answer with "
-                + "failure.");
+                + "asked after AIDL, and the methods of a service that neither has answer -9999 or "
+                + "\"INVALID_SERVICE\".");
         if (Session.anyHolds("HIDL")) {
             Session.say("\"ReinitHal ... preexisting:1\" announces a HIDL service that was there "
                     + "before; only one that comes later makes the library connect again.");
