@@ -1,9 +1,12 @@
 #include "common/big_data.h"
 
+#include <vector>
+
 #include "aidl/services.h"
 #include "common/failure.h"
 
 using vendor::zantor::hardware::qxfactoryinterface::FmdCmdData;
+using vendor::zantor::hardware::qxfactoryinterface::FmdEvent;
 using vendor::zantor::hardware::qxfactoryinterface::FmdMsg;
 
 namespace {
@@ -48,7 +51,7 @@ int native_aidl::KvSendFmdData(JNIEnv* env, jobject, jobject value) {
     message.version = record.version;
     message.dataSource = record.dataSource;
     message.numEvents = 1;
-    message.events.resize(1);
+    message.events = std::vector<FmdEvent>(1);
     FillEvent(record, Same, &message.events[0]);  // its reserved texts stay empty
     factory->sendBigData(message, &result);
     KV_LOGI("SendBigData, result: %d", result);

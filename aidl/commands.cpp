@@ -8,10 +8,10 @@ using vendor::zantor::hardware::qxfactoryinterface::IFacIntStr;
 
 jstring native_aidl::NativeSetCommand(JNIEnv* env, jobject, jstring first, jstring second) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     JavaText firstText, secondText;
     if (!firstText.Read(env, first, "first") || !secondText.Read(env, second, "second")) {
-        return NewText(env, kInvalidService);
+        return InvalidService(env);
     }
     KV_LOGI("nativeSetCommand, %s %s\n", firstText.c_str(), secondText.c_str());
     IFacIntStr reply{};
@@ -27,10 +27,10 @@ jstring native_aidl::NativeSetCommand(JNIEnv* env, jobject, jstring first, jstri
 
 jstring native_aidl::SetWifiCommand(JNIEnv* env, jobject, jstring testScene, jstring cmd) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     JavaText sceneText, cmdText;
     if (!sceneText.Read(env, testScene, "testScene") || !cmdText.Read(env, cmd, "cmd")) {
-        return NewText(env, kInvalidService);
+        return InvalidService(env);
     }
     IFacBoolStr reply{};
     factory->setWifiCommand(sceneText.c_str(), cmdText.c_str(), kWifiCapacity, &reply);

@@ -4,6 +4,8 @@
 #include <utils/Errors.h>
 #include <utils/String16.h>
 
+#include <new>
+
 #include "aidl/services.h"
 
 namespace native_aidl {
@@ -39,43 +41,58 @@ namespace native_aidl {
 
 sp<DeathNotifier> g_deathNotifier;
 
-void Hold(const sp<IInterface>& global, const char* nullText, sp<IInterface>* service) {
-    *service = held::Copy(global);
-    if (*service == nullptr) KV_LOGE("%s", nullText);
-}
-
-sp<IQxFactoryInterface> HeldFactory() {
-    return Held(g_aidlFactory, "aidlFactoryInterface is null");
-}
-
 namespace {
 
 // A name may outlive its service for a moment, and then gives the dead one once more.
 constexpr useconds_t kDeadNamePause = 1000;
 
-/** From a binder, which may be null, to its interface. */
-using Cast = sp<IInterface> (*)(const sp<IBinder>& binder);
+/** What tells one connector from another. */
+struct Service {
+    void* global;  // an sp of the interface
+    const String16* descriptor;
+    void (*fromBinder)(void* service, const sp<IBinder>& binder);
+    const char* instance;
+    const char* startText;
+    const char* nullText;
+    const char* linkText;
+};
 
-/** As android::waitForVintfService does it for one interface. */
-sp<IInterface> WaitForDeclared(const String16& descriptor, const char* instance, Cast cast) {
-    const String16 name = descriptor + String16("/") + String16(instance);
-    const sp<android::IServiceManager> manager = android::defaultServiceManager();
-    if (!manager->isDeclared(name)) return nullptr;
-    return cast(manager->waitForService(name));
+/** The interface of a binder, null for null, in the place of a null sp, of which nothing is lost.
+ */
+template <typename Interface>
+void FromBinder(void* service, const sp<IBinder>& binder) {
+    new (service) sp<Interface>(Interface::asInterface(binder));
 }
 
-int Connect(sp<IInterface>* global, const String16& descriptor, const char* instance, Cast cast,
-            const char* startText, const char* nullText, const char* linkText) {
-    KV_LOGI("%s", startText);
+template <typename Interface>
+constexpr Service Describe(sp<Interface>* global, const char* instance, const char* startText,
+                           const char* nullText, const char* linkText) {
+    static_assert(held::kAtOneAddress<IInterface, Interface>, "see Connect");
+    return {global,  &Interface::descriptor, FromBinder<Interface>, instance, startText, nullText,
+            linkText};
+}
+
+/** As android::waitForVintfService does it for one interface. */
+sp<IInterface> WaitForDeclared(const Service& wanted) {
+    const String16 name = *wanted.descriptor + String16("/") + String16(wanted.instance);
+    const sp<android::IServiceManager> manager = android::defaultServiceManager();
+    sp<IInterface> service;
+    if (manager->isDeclared(name)) wanted.fromBinder(&service, manager->waitForService(name));
+    return service;
+}
+
+int Connect(const Service& wanted) {
+    KV_LOGI("%s", wanted.startText);
+    auto* const global = static_cast<sp<IInterface>*>(wanted.global);
     if (held::IsHeld(*global)) return 1;
     for (;;) {
-        const sp<IInterface> service = WaitForDeclared(descriptor, instance, cast);
+        const sp<IInterface> service = WaitForDeclared(wanted);
         if (service == nullptr) {
-            KV_LOGE("%s", nullText);
+            KV_LOGE("%s", wanted.nullText);
             return 0;
         }
         if (!held::Publish(global, service)) return 1;  // another connector was first
-        KV_LOGI("%s", linkText);
+        KV_LOGI("%s", wanted.linkText);
         const sp<DeathNotifier>& notifier = held::MadeOnce(&g_deathNotifier);
         const sp<IBinder> binder = IInterface::asBinder(service);
         // A refused link goes unnoticed: the service is used all the same. But of a proxy whose
@@ -90,79 +107,89 @@ int Connect(sp<IInterface>* global, const String16& descriptor, const char* inst
     }
 }
 
-template <typename Interface>
-int Connect(sp<Interface>* global, const char* instance, const char* startText,
-            const char* nullText, const char* linkText) {
-    const Cast cast = [](const sp<IBinder>& binder) -> sp<IInterface> {
-        return Interface::asInterface(binder);
-    };
-    return Connect(held::As<IInterface>(global), Interface::descriptor, instance, cast, startText,
-                   nullText, linkText);
-}
-
 }  // namespace
 
 // intended: the texts differ from one service to the next in prefix and wording; log readers know
 // them so.
 
 int InitFactoryInterface() {
-    return Connect(&g_aidlFactory, "qxfactoryinterface_hal", "InitAidlFactoryInterface",
-                   "aidlFactoryInterface is null", "g_aidlFactory linkToDeath");
+    static constexpr Service kService =
+            Describe(&g_aidlFactory, "qxfactoryinterface_hal", "InitAidlFactoryInterface",
+                     "aidlFactoryInterface is null", "g_aidlFactory linkToDeath");
+    return Connect(kService);
 }
 
 int InitDisplayService() {
-    return Connect(&g_aidlDisplayService, "default", "InitAidlDisplayService",
-                   "aidlDisplayService is null", "g_aidlDisplayService linkToDeath");
+    static constexpr Service kService =
+            Describe(&g_aidlDisplayService, "default", "InitAidlDisplayService",
+                     "aidlDisplayService is null", "g_aidlDisplayService linkToDeath");
+    return Connect(kService);
 }
 
 int InitTouchScreen() {
-    return Connect(&g_aidlTp, "default", "InitAidlTouchscreen", "aidlTouchscreen is null",
-                   "g_aidlTp linkToDeath");
+    static constexpr Service kService = Describe(&g_aidlTp, "default", "InitAidlTouchscreen",
+                                                 "aidlTouchscreen is null", "g_aidlTp linkToDeath");
+    return Connect(kService);
 }
 
 int InitSensors() {
-    return Connect(&g_aidlSensors, "default", "InitAidlSensors", "aidlSensors is null",
-                   "g_aidlSensors linkToDeath");
+    static constexpr Service kService =
+            Describe(&g_aidlSensors, "default", "InitAidlSensors", "aidlSensors is null",
+                     "g_aidlSensors linkToDeath");
+    return Connect(kService);
 }
 
 int InitPower() {
-    return Connect(&g_aidlPower, "default", "InitAidlPower", "aidlPower is null",
-                   "g_aidlPower linkToDeath");
+    static constexpr Service kService = Describe(&g_aidlPower, "default", "InitAidlPower",
+                                                 "aidlPower is null", "g_aidlPower linkToDeath");
+    return Connect(kService);
 }
 
 int InitLight() {
-    return Connect(&g_aidlLight, "default", "InitAidlLight", "aidlLight is null",
-                   "g_aidlLight linkToDeath");
+    static constexpr Service kService = Describe(&g_aidlLight, "default", "InitAidlLight",
+                                                 "aidlLight is null", "g_aidlLight linkToDeath");
+    return Connect(kService);
 }
 
 int InitCameraFactory() {
-    return Connect(&g_aidlCameraFactory, "default", "InitAidlCameraFactory",
-                   "aidlCameraFactory is null", "g_aidlCameraFactory linkToDeath");
+    static constexpr Service kService =
+            Describe(&g_aidlCameraFactory, "default", "InitAidlCameraFactory",
+                     "aidlCameraFactory is null", "g_aidlCameraFactory linkToDeath");
+    return Connect(kService);
 }
 
 int InitRadioEnhance() {
-    return Connect(&g_aidlRadioEnhance, "default", "InitAidlRadioEnhance",
-                   "g_aidlRadioEnhance is null", "g_aidlRadioEnhance linkToDeath");
+    static constexpr Service kService =
+            Describe(&g_aidlRadioEnhance, "default", "InitAidlRadioEnhance",
+                     "g_aidlRadioEnhance is null", "g_aidlRadioEnhance linkToDeath");
+    return Connect(kService);
 }
 
 int InitDisplayFactory() {
-    return Connect(&g_aidlDisplayFactory, "default", "InitAidlDisplayFactory",
-                   "aidlDisplayFactory is null", "aidlDisplayFactory linkToDeath");
+    static constexpr Service kService =
+            Describe(&g_aidlDisplayFactory, "default", "InitAidlDisplayFactory",
+                     "aidlDisplayFactory is null", "aidlDisplayFactory linkToDeath");
+    return Connect(kService);
 }
 
 int InitChipSrvInterface() {
-    return Connect(&g_aidlChipSrvInterface, "ztchipsrv_hertz", "InitAidlChipSrvInterface",
-                   "aidlChipSrvInterface is null", "aidlChipSrc linkToDeath");
+    static constexpr Service kService =
+            Describe(&g_aidlChipSrvInterface, "ztchipsrv_hertz", "InitAidlChipSrvInterface",
+                     "aidlChipSrvInterface is null", "aidlChipSrc linkToDeath");
+    return Connect(kService);
 }
 
 int InitSimService() {
-    return Connect(&g_aidlSim, "slot1", "InitSimInterface", "g_aidlSim is null",
-                   "g_aidlSim linkToDeath");
+    static constexpr Service kService = Describe(&g_aidlSim, "slot1", "InitSimInterface",
+                                                 "g_aidlSim is null", "g_aidlSim linkToDeath");
+    return Connect(kService);
 }
 
 int InitChipSrvSat() {
-    return Connect(&g_aidlChipSat, "ztchipsrv_sat", "InitChipSrvSat", "g_aidlChipSat is null",
-                   "g_aidlChipSat linkToDeath");
+    static constexpr Service kService =
+            Describe(&g_aidlChipSat, "ztchipsrv_sat", "InitChipSrvSat", "g_aidlChipSat is null",
+                     "g_aidlChipSat linkToDeath");
+    return Connect(kService);
 }
 
 bool IsFactoryInterfaceAidlVersion() {

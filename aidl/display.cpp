@@ -11,9 +11,9 @@ using vendor::zantor::hardware::qxdisplay::displayfactory::DisplayFactoryOutInfo
 
 jstring native_aidl::DisplayTest(JNIEnv* env, jobject, jstring scene) {
     const auto display = Held(g_aidlDisplayService, "aidlDisplayService is null");
-    if (display == nullptr) return NewText(env, kInvalidService);
+    if (display == nullptr) return InvalidService(env);
     const char* text = GetText(env, scene, "scene");
-    if (text == nullptr) return NewText(env, kInvalidService);
+    if (text == nullptr) return InvalidService(env);
     DisplayOutInfo info{};
     const PanelScene number = DisplayTestScene(text, 20);  // intended: 18 over HIDL
     KV_LOGI("displayTest scene = %d\n", number);
@@ -23,9 +23,9 @@ jstring native_aidl::DisplayTest(JNIEnv* env, jobject, jstring scene) {
 
 jstring native_aidl::DisplayGeneralTest(JNIEnv* env, jobject, jstring scene) {
     const auto display = Held(g_aidlDisplayFactory, "aidlDisplayFactory is null");
-    if (display == nullptr) return NewText(env, kInvalidService);
+    if (display == nullptr) return InvalidService(env);
     const char* text = GetText(env, scene, "scene");
-    if (text == nullptr) return NewText(env, kInvalidService);
+    if (text == nullptr) return InvalidService(env);
     DisplayFactoryOutInfo info{};
     const PanelScene number = DisplayGeneralTestScene(text, 40);
     KV_LOGI("displayTest scene = %d\n", number);

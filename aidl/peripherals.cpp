@@ -58,7 +58,7 @@ int native_aidl::GetSensorSelfTestResult(JNIEnv*, jobject, int sensorId) {
 jstring native_aidl::GetSensorPara(JNIEnv* env, jobject, int sensorId, int mainCmd, int subCmd,
                                    int length) {
     const auto sensors = Held(g_aidlSensors, "aidlSensors is null");
-    if (sensors == nullptr) return NewText(env, kInvalidService);
+    if (sensors == nullptr) return InvalidService(env);
     int32_t ret = 0;
     ZtSensorString result{};
     std::vector<int32_t> values;  // never read

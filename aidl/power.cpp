@@ -49,9 +49,9 @@ int native_aidl::SetPowerState(JNIEnv* env, jobject, jstring testScene, jstring 
 
 jstring native_aidl::GetPowerState(JNIEnv* env, jobject, jstring scene) {
     const auto power = Held(g_aidlPower, "aidlPower is null");
-    if (power == nullptr) return NewText(env, kInvalidService);
+    if (power == nullptr) return InvalidService(env);
     JavaText sceneText;
-    if (!sceneText.Read(env, scene, "scene")) return NewText(env, kInvalidService);
+    if (!sceneText.Read(env, scene, "scene")) return InvalidService(env);
     int32_t resultCode = 0;
     PowerOutInfo info{};
     KV_LOGI("getPowerState, scene:%s", sceneText.c_str());

@@ -7,7 +7,7 @@ using vendor::zantor::hardware::qxfactoryinterface::IFacIntStr;
 
 jstring native_aidl::GetTestResult(JNIEnv* env, jobject, int id) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     IFacIntStr reply{};
     factory->getTestResult(id, &reply);
     KV_LOGI("Get test result = %d, id = %d, out = %s\n", reply.resultCode, id, reply.text.c_str());
@@ -32,7 +32,7 @@ int native_aidl::SetTestResult(JNIEnv* env, jobject, jstring value, int id) {
 
 jstring native_aidl::ReadNv(JNIEnv* env, jobject, int nvId) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     IFacIntStr reply{};
     factory->readNv(nvId, &reply);
     KV_LOGI("ReadNv values = %d, result = %s", reply.resultCode, reply.text.c_str());
@@ -58,7 +58,7 @@ int native_aidl::WriteNv(JNIEnv* env, jobject, jstring value, int nvId) {
 // The kv info lives in NV items; only the judgement and the log differ from ReadNv.
 jstring native_aidl::GetKvInfoFromOem(JNIEnv* env, jobject, int nvId) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     IFacIntStr reply{};
     factory->readNv(nvId, &reply);
     KV_LOGI("Get kv info = %s, result = %d", reply.text.c_str(), reply.resultCode);
@@ -78,7 +78,7 @@ int native_aidl::SetKvInfoToOem(JNIEnv* env, jobject, int nvId, jstring value) {
 
 jstring native_aidl::GetControlFlag(JNIEnv* env, jobject, int flagId) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     KV_LOGI("getControlFlag, flagID is %d", flagId);
     IFacIntStr reply{};
     factory->getControlFlag(flagId, kMaxFlagSize, &reply);

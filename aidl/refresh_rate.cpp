@@ -8,7 +8,7 @@ using vendor::zantor::hardware::qxdisplay::DisplayOutInfo;
 
 jstring native_aidl::StartHertzTest(JNIEnv* env, jobject) {
     const auto chip = Held(g_aidlChipSrvInterface, "aidlChipSrvInterface is null");
-    if (chip == nullptr) return NewText(env, kInvalidService);
+    if (chip == nullptr) return InvalidService(env);
     std::string parameters;
     chip->startHertzTest(&parameters);
     KV_LOGI("startHertzTest parameters carried:%s", parameters.c_str());
@@ -35,7 +35,7 @@ int native_aidl::GetHertzTestResult(JNIEnv*, jobject) {
 
 jstring native_aidl::GetScreenFpsConfigByScenes(JNIEnv* env, jobject, int scene) {
     const auto display = Held(g_aidlDisplayService, "aidlDisplayService is null");
-    if (display == nullptr) return NewText(env, kInvalidService);
+    if (display == nullptr) return InvalidService(env);
     DisplayOutInfo info{};
     display->getDisplayFpsConfig(scene, &info);
     if (info.resultCode != 0) {

@@ -11,10 +11,10 @@ using vendor::zantor::hardware::qxfactoryinterface::IFacIntStrStr;
 
 jstring native_aidl::SocTest(JNIEnv* env, jobject, jstring testScene, jstring para) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     JavaText sceneText, paraText;
     if (!sceneText.Read(env, testScene, "testScene") || !paraText.Read(env, para, "para")) {
-        return NewText(env, kInvalidService);
+        return InvalidService(env);
     }
     const std::string scene = sceneText.c_str();  // outlives the release
     IFacIntStr reply{};
@@ -39,11 +39,11 @@ jstring native_aidl::SocTest(JNIEnv* env, jobject, jstring testScene, jstring pa
 jstring native_aidl::DdrTest(JNIEnv* env, jobject, jstring testScene, jstring para,
                              jstring status) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     JavaText sceneText, paraText, statusText;
     if (!sceneText.Read(env, testScene, "testScene") || !paraText.Read(env, para, "para") ||
         !statusText.Read(env, status, "status")) {
-        return NewText(env, kInvalidService);
+        return InvalidService(env);
     }
     const std::string statusWord = statusText.c_str();  // outlives the release
     IFacIntStr reply{};
@@ -69,11 +69,11 @@ jstring native_aidl::DdrTest(JNIEnv* env, jobject, jstring testScene, jstring pa
 jstring native_aidl::EmmcTest(JNIEnv* env, jobject, jstring testScene, jstring para,
                               jstring status) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     JavaText sceneText, paraText, statusText;
     if (!sceneText.Read(env, testScene, "testScene") || !paraText.Read(env, para, "para") ||
         !statusText.Read(env, status, "status")) {
-        return NewText(env, kInvalidService);
+        return InvalidService(env);
     }
     IFacIntStr reply{};
     factory->emmcTest(sceneText.c_str(), paraText.c_str(), statusText.c_str(), &reply);
@@ -128,7 +128,7 @@ int native_aidl::StorageTestJudge(JNIEnv* env, jobject, jstring testScene) {
 
 jstring native_aidl::I2cTest(JNIEnv* env, jobject) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     IFacIntStrStr reply{};
     factory->i2cTest(kMaxReplySize, &reply);
     KV_LOGI("i2c test values = %d, checkResult = %s, out = %s\n", reply.resultCode,
@@ -156,9 +156,9 @@ int native_aidl::DdrMapperTest(JNIEnv* env, jobject, jstring status) {
 
 jstring native_aidl::GetSocInfo(JNIEnv* env, jobject, jstring testScene) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     JavaText sceneText;
-    if (!sceneText.Read(env, testScene, "testScene")) return NewText(env, kInvalidService);
+    if (!sceneText.Read(env, testScene, "testScene")) return InvalidService(env);
     IFacIntStr reply{};
     factory->getSocInfo(sceneText.c_str(), &reply);
     KV_LOGI("Get soc info result = %d, testScene = %s, out = %s\n", reply.resultCode,
@@ -184,9 +184,9 @@ int native_aidl::SetSocInfo(JNIEnv* env, jobject, jstring testScene, jstring par
 
 jstring native_aidl::FpgaTest(JNIEnv* env, jobject, jstring testScene) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     JavaText sceneText;
-    if (!sceneText.Read(env, testScene, "testScene")) return NewText(env, kInvalidService);
+    if (!sceneText.Read(env, testScene, "testScene")) return InvalidService(env);
     IFacIntStr reply{};
     factory->fpgaTest(sceneText.c_str(), kMaxReplySize, &reply);
     KV_LOGI("Fpga test value = %d, testScene = %s, out = %s\n", reply.resultCode, sceneText.c_str(),
@@ -198,7 +198,7 @@ jstring native_aidl::FpgaTest(JNIEnv* env, jobject, jstring testScene) {
 // intended: the board name is what the service calls its version name.
 jstring native_aidl::GetBoardName(JNIEnv* env, jobject) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     IFacIntStr reply{};
     factory->getVersionName(&reply);
     KV_LOGI("Get version name = %s\n", reply.text.c_str());
@@ -232,7 +232,7 @@ int native_aidl::OemJtagtosdSetFunc(JNIEnv* env, jobject, jstring cmd) {
 
 jstring native_aidl::KvSocVoltageOffsetById(JNIEnv* env, jobject, int socId) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     KV_LOGI("kvSocVoltageOffsetById, setSocID is %d", socId);
     IFacIntStr reply{};
     factory->socVoltageOffsetById(socId, &reply);

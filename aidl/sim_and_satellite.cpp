@@ -19,9 +19,9 @@ int native_aidl::SetSimPowerState(JNIEnv*, jobject, int state) {
 
 jstring native_aidl::ChipTtTestCp(JNIEnv* env, jobject, jstring scene) {
     const auto chip = Held(g_aidlChipSat, "ChipSrvSat is null");
-    if (chip == nullptr) return NewText(env, kInvalidService);
+    if (chip == nullptr) return InvalidService(env);
     const char* text = GetText(env, scene, "scene");
-    if (text == nullptr) return NewText(env, kInvalidService);
+    if (text == nullptr) return InvalidService(env);
     std::string result;
     chip->chipTtTestCp(text, &result);
     KV_LOGI("ChipTtTestCp, testScene:%s, result:%s\n", text, result.c_str());
@@ -30,9 +30,9 @@ jstring native_aidl::ChipTtTestCp(JNIEnv* env, jobject, jstring scene) {
 
 jstring native_aidl::ChipTtRssiTest(JNIEnv* env, jobject, jstring scene) {
     const auto chip = Held(g_aidlChipSat, "ChipSrvSat is null");
-    if (chip == nullptr) return NewText(env, kInvalidService);
+    if (chip == nullptr) return InvalidService(env);
     const char* text = GetText(env, scene, "scene");
-    if (text == nullptr) return NewText(env, kInvalidService);
+    if (text == nullptr) return InvalidService(env);
     std::string result;
     chip->chipTtRssiTest(text, &result);
     return NewText(env, result);
@@ -40,9 +40,9 @@ jstring native_aidl::ChipTtRssiTest(JNIEnv* env, jobject, jstring scene) {
 
 jstring native_aidl::ChipTtTestPa(JNIEnv* env, jobject, jstring scene) {
     const auto chip = Held(g_aidlChipSat, "ChipSrvSat is null");
-    if (chip == nullptr) return NewText(env, kInvalidService);
+    if (chip == nullptr) return InvalidService(env);
     const char* text = GetText(env, scene, "scene");
-    if (text == nullptr) return NewText(env, kInvalidService);
+    if (text == nullptr) return InvalidService(env);
     std::string result;
     chip->chipTtTestPa(text, &result);
     KV_LOGI("ChipTtTestPa, testScene:%s, result:%s\n", text, result.c_str());
@@ -51,9 +51,9 @@ jstring native_aidl::ChipTtTestPa(JNIEnv* env, jobject, jstring scene) {
 
 jstring native_aidl::ChipTtTestPdet(JNIEnv* env, jobject, jstring scene) {
     const auto chip = Held(g_aidlChipSat, "ChipSrvSat is null");
-    if (chip == nullptr) return NewText(env, kInvalidService);
+    if (chip == nullptr) return InvalidService(env);
     const char* text = GetText(env, scene, "scene");
-    if (text == nullptr) return NewText(env, kInvalidService);
+    if (text == nullptr) return InvalidService(env);
     std::string result;
     chip->chipTtTestPdet(text, &result);
     KV_LOGI("ChipTtTestPdet, testScene:%s, result:%s\n", text, result.c_str());

@@ -6,6 +6,13 @@ namespace internal {
 
 std::atomic<int> g_copiesUnderWay;
 
+bool Fill(Word* global, const android::RefBase* object, Word word) {
+    object->incStrong(global);
+    if (Replace(global, 0, word)) return true;
+    object->decStrong(global);
+    return false;
+}
+
 }  // namespace internal
 
 namespace {

@@ -59,19 +59,18 @@ inline bool Replace(Word* global, Word expected, Word desired) {
                                        __ATOMIC_SEQ_CST, __ATOMIC_SEQ_CST);
 }
 
-/** Stores a pointer, with a reference of the global's own, if the global is empty. */
-template <typename T>
-bool Fill(android::sp<T>* global, T* service, Word mark) {
-    service->incStrong(global);
-    if (Replace(WordIn(*global), 0, WordOf(service) | mark)) return true;
-    service->decStrong(global);
-    return false;
-}
+/** Stores the word, with a reference of the global's own to the object, if the global is empty. */
+bool Fill(Word* global, const android::RefBase* object, Word word);
 
 /** Between reading a global and counting the reference: what is taken meanwhile must stay. */
 extern std::atomic<int> g_copiesUnderWay;
 
 }  // namespace internal
+
+/** Whether what holds for any service can be done to the interface as to its base class. */
+template <typename Base, typename Interface>
+constexpr bool kAtOneAddress = std::is_base_of<Base, Interface>::value &&
+                               sizeof(Interface) == sizeof(Base);
 
 /**
  * A global as one of its interface's base class, so that what is the same for all services is one
@@ -79,8 +78,7 @@ extern std::atomic<int> g_copiesUnderWay;
  */
 template <typename Base, typename Interface>
 android::sp<Base>* As(android::sp<Interface>* global) {
-    static_assert(std::is_base_of<Base, Interface>::value && sizeof(Interface) == sizeof(Base),
-                  "the interface and its base stand at one address");
+    static_assert(kAtOneAddress<Base, Interface>, "the base class stands elsewhere");
     return reinterpret_cast<android::sp<Base>*>(global);
 }
 
@@ -107,7 +105,8 @@ android::sp<T> Copy(const android::sp<T>& global) {
 /** Puts the service, not null, into an empty global. False when another one stands there. */
 template <typename T>
 bool Publish(android::sp<T>* global, const android::sp<T>& service) {
-    return internal::Fill(global, service.get(), internal::kUnlinked);
+    return internal::Fill(internal::WordIn(*global), service.get(),
+                          internal::WordOf(service.get()) | internal::kUnlinked);
 }
 
 /** False when the service was taken before: its link is the caller's to undo. */
@@ -155,7 +154,7 @@ template <typename T, typename... Args>
 const android::sp<T>& MadeOnce(android::sp<T>* global, Args... args) {
     if (!IsHeld(*global)) {
         const android::sp<T> made = new T(args...);
-        internal::Fill(global, made.get(), 0);
+        internal::Fill(internal::WordIn(*global), made.get(), internal::WordOf(made.get()));
     }
     return *global;
 }
@@ -164,13 +163,13 @@ const android::sp<T>& MadeOnce(android::sp<T>* global, Args... args) {
 // The address of the object is the identity of its link, so an unlink cannot hit another's.
 
 template <typename T>
-bool IsHeld(const std::shared_ptr<T>& global) {
-    return std::atomic_load(&global) != nullptr;
+std::shared_ptr<T> Copy(const std::shared_ptr<T>& global) {
+    return std::atomic_load(&global);
 }
 
 template <typename T>
-std::shared_ptr<T> Copy(const std::shared_ptr<T>& global) {
-    return std::atomic_load(&global);
+bool IsHeld(const std::shared_ptr<T>& global) {
+    return Copy(global) != nullptr;
 }
 
 template <typename T>

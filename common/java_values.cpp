@@ -1,6 +1,7 @@
 #include "common/java_values.h"
 
 #include "common/bounds_checked.h"
+#include "common/failure.h"
 #include "common/log.h"
 #include "common/modified_utf8.h"
 
@@ -45,15 +46,16 @@ jstring NewText(JNIEnv* env, const char* text) {
     return made;
 }
 
+jstring InvalidService(JNIEnv* env) {
+    return NewText(env, kInvalidService);
+}
+
 jintArray NewPair(JNIEnv* env, jint value) {
-    const jint values[] = {value, value};
-    jintArray array = env->NewIntArray(2);
-    if (array == nullptr) {
-        env->ExceptionClear();
-        KV_LOGE("no memory for the Java array of {%d, %d}", value, value);
-        return nullptr;
-    }
-    env->SetIntArrayRegion(array, 0, 2, values);
+    jintArray array = nullptr;
+    jint* elements = NewPairElements(env, &array);
+    if (elements == nullptr) return nullptr;
+    elements[0] = elements[1] = value;
+    env->ReleaseIntArrayElements(array, elements, 0);
     return array;
 }
 
@@ -93,7 +95,7 @@ bool CopyBytes(JNIEnv* env, jbyteArray array, const char* name, std::vector<char
         return false;
     }
     const auto length = static_cast<size_t>(env->GetArrayLength(array));
-    bytes->assign(length, 0);
+    *bytes = std::vector<char>(length);
     if (length != 0) memcpy_s(bytes->data(), length, elements, length);
     env->ReleaseByteArrayElements(array, elements, 0);
     return true;

@@ -44,8 +44,8 @@ class JavaText {
     const char* c_str() const { return mChars; }
 
   private:
-    JNIEnv* mEnv = nullptr;
-    jstring mText = nullptr;
+    JNIEnv* mEnv;  // of the characters, when there are any
+    jstring mText;
     const char* mChars = nullptr;
 };
 
@@ -58,6 +58,9 @@ jstring NewText(JNIEnv* env, const char* text);
 inline jstring NewText(JNIEnv* env, const std::string& text) {
     return NewText(env, text.c_str());
 }
+
+/** What a text operation answers without its service: the new Java string "INVALID_SERVICE". */
+jstring InvalidService(JNIEnv* env);
 
 /** A new Java array of two elements of this value; without memory for it as NewText. */
 jintArray NewPair(JNIEnv* env, jint value);

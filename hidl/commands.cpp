@@ -5,10 +5,10 @@
 
 jstring native_hidl::NativeSetCommand(JNIEnv* env, jobject, jstring first, jstring second) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     JavaText firstText, secondText;
     if (!firstText.Read(env, first, "first") || !secondText.Read(env, second, "second")) {
-        return NewText(env, kInvalidService);
+        return InvalidService(env);
     }
     int32_t code = -1;  // intended: no answer is a failure here, and an empty text over AIDL
     hidl_string text;
@@ -26,10 +26,10 @@ jstring native_hidl::NativeSetCommand(JNIEnv* env, jobject, jstring first, jstri
 
 jstring native_hidl::SetWifiCommand(JNIEnv* env, jobject, jstring testScene, jstring cmd) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     JavaText sceneText, cmdText;
     if (!sceneText.Read(env, testScene, "testScene") || !cmdText.Read(env, cmd, "cmd")) {
-        return NewText(env, kInvalidService);
+        return InvalidService(env);
     }
     int32_t code = -1;  // intended: no answer is a failure here, and an empty text over AIDL
     hidl_string text;

@@ -1,3 +1,4 @@
+#include <new>
 #include <string>
 
 #include "hidl/services.h"
@@ -21,55 +22,63 @@ sp<IZtChipSrvInterface> g_ztChipSrvInterface;
 
 sp<android::HidlUtil> g_hidlUtil;
 
-void Hold(const sp<IBase>& global, const char* nullText, sp<IBase>* service) {
-    *service = held::Copy(global);
-    if (*service == nullptr) KV_LOGE("%s", nullText);
-}
-
-sp<IQxFactoryInterface> HeldFactory() {
-    return Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
-}
-
 namespace {
 
-/** The two calls that each interface has for itself. */
-struct Calls {
-    sp<IBase> (*getService)(const std::string& instance);
+/** What tells one connector from another. */
+struct Service {
+    void* global;  // an sp of the interface
+    void (*getService)(void* service, const std::string& instance);
     bool (*registerForNotifications)(const std::string& instance,
                                      const sp<IServiceNotification>& listener);
+    const char* instance;
+    uint64_t cookie;
+    const char* startText;
+    int linkPriority;
+    const char* linkText;
+    const char* nullText;
 };
 
-void Connect(sp<IBase>* global, const Calls& calls, const char* instance, uint64_t cookie,
-             const char* startText, int linkPriority, const char* linkText, const char* nullText) {
-    KV_LOGD("%s", startText);
-    if (held::IsHeld(*global)) return;
-    const sp<IBase> service = calls.getService(instance);
-    if (service == nullptr) {
-        KV_LOGE("%s", nullText);
-        return;
-    }
-    if (!held::Publish(global, service)) return;  // another connector was first
-    KV_LOG(linkPriority, "%s", linkText);
-    const sp<android::HidlUtil>& watcher =
-            held::MadeOnce(&g_hidlUtil, ProcessServiceDied, ReinitHal);
-    DropStatus(service->linkToDeath(watcher, cookie));
-    if (!held::MarkLinked(global, service)) DropStatus(service->unlinkToDeath(watcher));
-    // intended: registered anew on every connection, so a service that comes back often is
-    // announced as often
-    calls.registerForNotifications("", watcher);
+/** The service, when there is one, in the place of a null sp, of which nothing is lost. */
+template <typename Interface>
+void GetService(void* service, const std::string& instance) {
+    new (service) sp<Interface>(Interface::getService(instance, /* getStub */ false));
 }
 
 template <typename Interface>
-void Connect(sp<Interface>* global, const char* instance, uint64_t cookie, const char* startText,
-             int linkPriority, const char* linkText, const char* nullText) {
-    static constexpr Calls kCalls = {
-            [](const std::string& name) -> sp<IBase> {
-                return Interface::getService(name, /* getStub */ false);
-            },
+constexpr Service Describe(sp<Interface>* global, const char* instance, uint64_t cookie,
+                           const char* startText, int linkPriority, const char* linkText,
+                           const char* nullText) {
+    static_assert(held::kAtOneAddress<IBase, Interface>, "see Connect");
+    return {global,
+            GetService<Interface>,
             Interface::registerForNotifications,
-    };
-    Connect(held::As<IBase>(global), kCalls, instance, cookie, startText, linkPriority, linkText,
-            nullText);
+            instance,
+            cookie,
+            startText,
+            linkPriority,
+            linkText,
+            nullText};
+}
+
+void Connect(const Service& wanted) {
+    KV_LOGD("%s", wanted.startText);
+    auto* const global = static_cast<sp<IBase>*>(wanted.global);
+    if (held::IsHeld(*global)) return;
+    sp<IBase> service;
+    wanted.getService(&service, wanted.instance);
+    if (service == nullptr) {
+        KV_LOGE("%s", wanted.nullText);
+        return;
+    }
+    if (!held::Publish(global, service)) return;  // another connector was first
+    KV_LOG(wanted.linkPriority, "%s", wanted.linkText);
+    const sp<android::HidlUtil>& watcher =
+            held::MadeOnce(&g_hidlUtil, ProcessServiceDied, ReinitHal);
+    DropStatus(service->linkToDeath(watcher, wanted.cookie));
+    if (!held::MarkLinked(global, service)) DropStatus(service->unlinkToDeath(watcher));
+    // intended: registered anew on every connection, so a service that comes back often is
+    // announced as often
+    wanted.registerForNotifications("", watcher);
 }
 
 }  // namespace
@@ -77,58 +86,80 @@ void Connect(sp<Interface>* global, const char* instance, uint64_t cookie, const
 // intended: 8, 11 and 12 are never given as cookies, and three of the links log at error priority.
 
 void InitFactoryInterface() {
-    Connect(&g_qxFactoryInterface, "qxfactoryinterface_hal", 1, "InitHidlFactoryInterface",
+    static constexpr Service kService = Describe(
+            &g_qxFactoryInterface, "qxfactoryinterface_hal", 1, "InitHidlFactoryInterface",
             ANDROID_LOG_DEBUG, "g_qxFactoryInterface linkToDeath", "g_qxFactoryInterface is null");
+    Connect(kService);
 }
 
 void InitDisplayService() {
-    Connect(&g_displayService, "default", 2, "InitHidlDisplayService", ANDROID_LOG_DEBUG,
-            "g_displayService linkToDeath", "g_displayService is null");
+    static constexpr Service kService =
+            Describe(&g_displayService, "default", 2, "InitHidlDisplayService", ANDROID_LOG_DEBUG,
+                     "g_displayService linkToDeath", "g_displayService is null");
+    Connect(kService);
 }
 
 void InitTouchScreen() {
-    Connect(&g_touchscreen, "default", 3, "InitHidlTouchScreen", ANDROID_LOG_DEBUG,
-            "g_touchscreen linkToDeath", "g_touchscreen is null");
+    static constexpr Service kService =
+            Describe(&g_touchscreen, "default", 3, "InitHidlTouchScreen", ANDROID_LOG_DEBUG,
+                     "g_touchscreen linkToDeath", "g_touchscreen is null");
+    Connect(kService);
 }
 
 void InitSensors() {
-    Connect(&g_sensors, "default", 4, "InitHidlSensors", ANDROID_LOG_DEBUG, "g_sensors linkToDeath",
-            "g_sensors is null");
+    static constexpr Service kService =
+            Describe(&g_sensors, "default", 4, "InitHidlSensors", ANDROID_LOG_DEBUG,
+                     "g_sensors linkToDeath", "g_sensors is null");
+    Connect(kService);
 }
 
 void InitPower() {
-    Connect(&g_Power, "default", 5, "InitHidlPower", ANDROID_LOG_DEBUG, "g_Power linkToDeath",
-            "g_Power is null");
+    static constexpr Service kService =
+            Describe(&g_Power, "default", 5, "InitHidlPower", ANDROID_LOG_DEBUG,
+                     "g_Power linkToDeath", "g_Power is null");
+    Connect(kService);
 }
 
 void InitLight() {
-    Connect(&g_light, "default", 6, "InitHidlLight", ANDROID_LOG_DEBUG, "g_light linkToDeath",
-            "g_light is null");
+    static constexpr Service kService =
+            Describe(&g_light, "default", 6, "InitHidlLight", ANDROID_LOG_DEBUG,
+                     "g_light linkToDeath", "g_light is null");
+    Connect(kService);
 }
 
 void InitCameraFactory() {
-    Connect(&g_cameraFactory, "default", 7, "InitHidlCameraFactory", ANDROID_LOG_DEBUG,
-            "g_cameraFactory linkToDeath", "g_cameraFactory is null");
+    static constexpr Service kService =
+            Describe(&g_cameraFactory, "default", 7, "InitHidlCameraFactory", ANDROID_LOG_DEBUG,
+                     "g_cameraFactory linkToDeath", "g_cameraFactory is null");
+    Connect(kService);
 }
 
 void InitRadioEnhance() {
-    Connect(&g_radioenhance, "default", 9, "InitHidlRadioEnhance", ANDROID_LOG_ERROR,
-            "g_radioenhance linkToDeath", "g_radioenhance is null");
+    static constexpr Service kService =
+            Describe(&g_radioenhance, "default", 9, "InitHidlRadioEnhance", ANDROID_LOG_ERROR,
+                     "g_radioenhance linkToDeath", "g_radioenhance is null");
+    Connect(kService);
 }
 
 void InitDisplayFactory() {
-    Connect(&g_displayFactory, "default", 10, "InitHidlDisplayFactory", ANDROID_LOG_ERROR,
-            "g_displayFactory linkToDeath", "g_displayFactory is null");
+    static constexpr Service kService =
+            Describe(&g_displayFactory, "default", 10, "InitHidlDisplayFactory", ANDROID_LOG_ERROR,
+                     "g_displayFactory linkToDeath", "g_displayFactory is null");
+    Connect(kService);
 }
 
 void InitFingerprintService() {
-    Connect(&g_qxFingerprint, "default", 13, "InitHidlFingerprintService", ANDROID_LOG_DEBUG,
-            "g_qxFingerprint linkToDeath", "g_qxFingerprint is null");
+    static constexpr Service kService =
+            Describe(&g_qxFingerprint, "default", 13, "InitHidlFingerprintService",
+                     ANDROID_LOG_DEBUG, "g_qxFingerprint linkToDeath", "g_qxFingerprint is null");
+    Connect(kService);
 }
 
 void InitChipSrvInterface() {
-    Connect(&g_ztChipSrvInterface, "ztchipsrv_hal", 14, "InitHidlChipSrvInterface",
+    static constexpr Service kService = Describe(
+            &g_ztChipSrvInterface, "ztchipsrv_hal", 14, "InitHidlChipSrvInterface",
             ANDROID_LOG_ERROR, "g_ztChipSrvInterface linkToDeath", "g_ztChipSrvInterface is null");
+    Connect(kService);
 }
 
 }  // namespace native_hidl

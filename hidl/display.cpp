@@ -12,9 +12,9 @@ using vendor::zantor::hardware::qxdisplay::V1_0::DISPLAY_RET;
 
 jstring native_hidl::DisplayTest(JNIEnv* env, jobject, jstring scene) {
     const auto display = Held(g_displayService, "g_displayService is null");
-    if (display == nullptr) return NewText(env, kInvalidService);
+    if (display == nullptr) return InvalidService(env);
     const char* text = GetText(env, scene, "scene");
-    if (text == nullptr) return NewText(env, kInvalidService);
+    if (text == nullptr) return InvalidService(env);
     [[maybe_unused]] int32_t result = -7;
     hidl_string answer;
     const PanelScene number = DisplayTestScene(text, 18);  // intended: 20 over AIDL
@@ -29,9 +29,9 @@ jstring native_hidl::DisplayTest(JNIEnv* env, jobject, jstring scene) {
 
 jstring native_hidl::DisplayGeneralTest(JNIEnv* env, jobject, jstring scene) {
     const auto display = Held(g_displayFactory, "g_displayFactory is null");
-    if (display == nullptr) return NewText(env, kInvalidService);
+    if (display == nullptr) return InvalidService(env);
     const char* text = GetText(env, scene, "scene");
-    if (text == nullptr) return NewText(env, kInvalidService);
+    if (text == nullptr) return InvalidService(env);
     [[maybe_unused]] int32_t result = 0;
     hidl_string answer;
     const PanelScene number = DisplayGeneralTestScene(text, 40);

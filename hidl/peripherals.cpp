@@ -52,7 +52,7 @@ int native_hidl::GetSensorSelfTestResult(JNIEnv*, jobject, int sensorId) {
 jstring native_hidl::GetSensorPara(JNIEnv* env, jobject, int sensorId, int mainCmd, int subCmd,
                                    int length) {
     const auto sensors = Held(g_sensors, "g_sensors is null");
-    if (sensors == nullptr) return NewText(env, kInvalidService);
+    if (sensors == nullptr) return InvalidService(env);
     int32_t ret = -1;  // intended: 0 over AIDL
     hidl_string result;
     DropStatus(sensors->handleSensorPara(

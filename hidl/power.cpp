@@ -37,9 +37,9 @@ int native_hidl::SetPowerState(JNIEnv* env, jobject, jstring testScene, jstring 
 
 jstring native_hidl::GetPowerState(JNIEnv* env, jobject, jstring scene) {
     const auto power = Held(g_Power, "g_qxPower is null");
-    if (power == nullptr) return NewText(env, kInvalidService);
+    if (power == nullptr) return InvalidService(env);
     JavaText sceneText;
-    if (!sceneText.Read(env, scene, "scene")) return NewText(env, kInvalidService);
+    if (!sceneText.Read(env, scene, "scene")) return InvalidService(env);
     int32_t resultCode = 0;
     hidl_string state;
     KV_LOGE("GetPowerState, scene:%s", sceneText.c_str());

@@ -5,7 +5,7 @@
 
 jstring native_hidl::GetTestResult(JNIEnv* env, jobject, int id) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     int32_t code = 0;
     hidl_string out;
     DropStatus(factory->getTestResult(id, StoreIn(&code, &out)));
@@ -35,7 +35,7 @@ int native_hidl::SetTestResult(JNIEnv* env, jobject, jstring value, int id) {
 
 jstring native_hidl::ReadNv(JNIEnv* env, jobject, int nvId) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     int32_t code = 0;
     hidl_string value;
     DropStatus(factory->readNv(nvId, StoreIn(&code, &value)));
@@ -66,7 +66,7 @@ int native_hidl::WriteNv(JNIEnv* env, jobject, jstring value, int nvId) {
 // The kv info lives in NV items; only the judgement and the log differ from ReadNv.
 jstring native_hidl::GetKvInfoFromOem(JNIEnv* env, jobject, int nvId) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     int32_t code = 0;
     hidl_string value;
     DropStatus(factory->readNv(nvId, StoreIn(&code, &value)));
@@ -90,7 +90,7 @@ jstring native_hidl::GetControlFlag(JNIEnv* env, jobject, int flagId) {
     const auto fi = CastTo<IQxFactoryInterfaceV1_1>(g_qxFactoryInterface);
     if (fi == nullptr) {
         KV_LOGD("fi is null, IQxFactoryV1_1 not support!");
-        return NewText(env, kInvalidService);
+        return InvalidService(env);
     }
     int32_t code = 0;
     hidl_string flag;

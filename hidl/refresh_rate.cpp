@@ -4,7 +4,7 @@
 
 jstring native_hidl::StartHertzTest(JNIEnv* env, jobject) {
     const auto chip = Held(g_ztChipSrvInterface, "g_ztChipSrvInterface is null");
-    if (chip == nullptr) return NewText(env, kInvalidService);
+    if (chip == nullptr) return InvalidService(env);
     int32_t resultCode = 0;
     hidl_string parameters;
     DropStatus(chip->startHertzTest(StoreIn(&resultCode, &parameters)));
@@ -33,7 +33,7 @@ jstring native_hidl::GetScreenFpsConfigByScenes(JNIEnv* env, jobject, int scene)
     const auto display = CastTo<IDisplayV1_1>(g_displayService);
     if (display == nullptr) {
         KV_LOGE("displayServiceNewVer is null, not support multi fps");
-        return NewText(env, kInvalidService);
+        return InvalidService(env);
     }
     int32_t ret = display->setDisplayFps(scene);
     KV_LOGI("setDisplayFps, freqIndex: %d, ret: %d", scene, ret);

@@ -8,10 +8,10 @@
 
 jstring native_hidl::SocTest(JNIEnv* env, jobject, jstring testScene, jstring para) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     JavaText sceneText, paraText;
     if (!sceneText.Read(env, testScene, "testScene") || !paraText.Read(env, para, "para")) {
-        return NewText(env, kInvalidService);
+        return InvalidService(env);
     }
     const std::string scene = sceneText.c_str();  // outlives the release
     int32_t code = 0;
@@ -38,11 +38,11 @@ jstring native_hidl::SocTest(JNIEnv* env, jobject, jstring testScene, jstring pa
 jstring native_hidl::DdrTest(JNIEnv* env, jobject, jstring testScene, jstring para,
                              jstring status) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     JavaText sceneText, paraText, statusText;
     if (!sceneText.Read(env, testScene, "testScene") || !paraText.Read(env, para, "para") ||
         !statusText.Read(env, status, "status")) {
-        return NewText(env, kInvalidService);
+        return InvalidService(env);
     }
     const std::string statusWord = statusText.c_str();  // outlives the release
     int32_t code = 0;
@@ -69,11 +69,11 @@ jstring native_hidl::DdrTest(JNIEnv* env, jobject, jstring testScene, jstring pa
 jstring native_hidl::EmmcTest(JNIEnv* env, jobject, jstring testScene, jstring para,
                               jstring status) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     JavaText sceneText, paraText, statusText;
     if (!sceneText.Read(env, testScene, "testScene") || !paraText.Read(env, para, "para") ||
         !statusText.Read(env, status, "status")) {
-        return NewText(env, kInvalidService);
+        return InvalidService(env);
     }
     int32_t code = 0;
     hidl_string out;
@@ -132,7 +132,7 @@ int native_hidl::StorageTestJudge(JNIEnv* env, jobject, jstring testScene) {
 
 jstring native_hidl::I2cTest(JNIEnv* env, jobject) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     int32_t code = 0;
     hidl_string checkResult, detail;
     DropStatus(factory->i2cTest(kMaxReplySize, [&](int32_t resultCode, const hidl_string& result,
@@ -167,9 +167,9 @@ int native_hidl::DdrMapperTest(JNIEnv* env, jobject, jstring status) {
 
 jstring native_hidl::GetSocInfo(JNIEnv* env, jobject, jstring testScene) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     JavaText sceneText;
-    if (!sceneText.Read(env, testScene, "testScene")) return NewText(env, kInvalidService);
+    if (!sceneText.Read(env, testScene, "testScene")) return InvalidService(env);
     int32_t code = 0;
     hidl_string out;
     DropStatus(factory->getSocInfo(Borrow(sceneText.c_str()), StoreIn(&code, &out)));
@@ -194,9 +194,9 @@ int native_hidl::SetSocInfo(JNIEnv* env, jobject, jstring testScene, jstring par
 
 jstring native_hidl::FpgaTest(JNIEnv* env, jobject, jstring testScene) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     JavaText sceneText;
-    if (!sceneText.Read(env, testScene, "testScene")) return NewText(env, kInvalidService);
+    if (!sceneText.Read(env, testScene, "testScene")) return InvalidService(env);
     int32_t code = 0;
     hidl_string out;
     DropStatus(factory->fpgaTest(Borrow(sceneText.c_str()), kMaxReplySize, StoreIn(&code, &out)));
@@ -209,7 +209,7 @@ jstring native_hidl::FpgaTest(JNIEnv* env, jobject, jstring testScene) {
 // intended: the board name is what the service calls its version name.
 jstring native_hidl::GetBoardName(JNIEnv* env, jobject) {
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     int32_t code = 0;
     hidl_string out;
     DropStatus(factory->getVersionName(StoreIn(&code, &out)));
@@ -245,7 +245,7 @@ int native_hidl::OemJtagtosdSetFunc(JNIEnv* env, jobject, jstring cmd) {
 jstring native_hidl::KvSocVoltageOffsetById(JNIEnv* env, jobject, int socId) {
     KV_LOGD("KvSocVoltageOffsetById, setSocID is %d", socId);
     const auto factory = HeldFactory();
-    if (factory == nullptr) return NewText(env, kInvalidService);
+    if (factory == nullptr) return InvalidService(env);
     int32_t code = 0;
     hidl_string out;
     DropStatus(factory->socVoltageOffsetById(socId, StoreIn(&code, &out)));

@@ -3,7 +3,6 @@
 #include <android/hidl/base/1.0/IBase.h>
 #include <hidl/HidlSupport.h>
 #include <hidl/Status.h>
-#include <string.h>
 #include <utils/RefBase.h>
 #include <utils/StrongPointer.h>
 #include <vendor/zantor/hardware/biometrics/fingerprint/2.2/IExtBiometricsFingerprint.h>
@@ -19,6 +18,8 @@
 #include <vendor/zantor/hardware/sensors/1.2/ISensors.h>
 #include <vendor/zantor/hardware/tp/1.0/ITouchscreen.h>
 #include <vendor/zantor/hardware/ztchipsrv/1.0/IZtChipSrvInterface.h>
+
+#include <functional>
 
 #include "common/held.h"
 #include "common/log.h"
@@ -83,7 +84,7 @@ sp<IQxFactoryInterface> HeldFactory();
 /** The service in a newer revision, asked for on every call; null when it is absent or older. */
 template <typename Newer, typename Interface>
 sp<Newer> CastTo(const sp<Interface>& global) {
-    return Newer::castFrom(held::Copy(global));
+    return Newer::castFrom(held::Copy(held::As<IBase>(global)));
 }
 
 /**
@@ -96,19 +97,10 @@ void DropStatus(const Return<T>& status) {
 }
 
 /** The result callback of the read-style methods: copies both values to where the presets stand. */
-inline auto StoreIn(int32_t* code, hidl_string* text) {
-    return [code, text](int32_t resultCode, const hidl_string& resultText) {
-        *code = resultCode;
-        *text = resultText;
-    };
-}
+std::function<void(int32_t, const hidl_string&)> StoreIn(int32_t* code, hidl_string* text);
 
 /** Characters as a HIDL string without a copy; they must outlive it. */
-inline hidl_string Borrow(const char* chars) {
-    hidl_string text;
-    text.setToExternal(chars, strlen(chars));
-    return text;
-}
+hidl_string Borrow(const char* chars);
 
 /**
  * The watcher's callbacks: a death releases every service, a new registration reconnects them,

@@ -41,7 +41,7 @@ jint SetSimPowerState(JNIEnv* env, jobject obj, jint state) {
 }
 
 jstring ChipTtTestCp(JNIEnv* env, jobject obj, jstring scene) {
-    if (!native_aidl::IsChipSrvSatAidlVersion()) return NewText(env, kInvalidService);
+    if (!native_aidl::IsChipSrvSatAidlVersion()) return InvalidService(env);
     KV_LOGI("ChipTtTestCpByAidl");
     return native_aidl::ChipTtTestCp(env, obj, scene);
 }
@@ -49,7 +49,7 @@ jstring ChipTtTestCp(JNIEnv* env, jobject obj, jstring scene) {
 jstring ChipTtRssiTest(JNIEnv* env, jobject obj, jstring scene) {
     if (!native_aidl::IsChipSrvSatAidlVersion()) {
         KV_LOGI("ChipTtRssiTestByHidl invalidService");
-        return NewText(env, kInvalidService);
+        return InvalidService(env);
     }
     return native_aidl::ChipTtRssiTest(env, obj, scene);
 }

@@ -570,7 +570,7 @@ TEST_F(EveryMethodTest, ItemNamesWithoutMemoryForTheirResults) {
         const java::RefuseNext refusal(java::Jni::kIntArray);
         EXPECT_EQ("null", java::Call("nativeSetTestItemName", {"m", nullptr}));
         EXPECT_EQ(3, LinesLogged());
-        EXPECT_EQ("E no memory for the Java array of {-9999, -9999}", TakeLastLine());
+        EXPECT_EQ("E no memory for the Java array of two results", TakeLastLine());
         EXPECT_EQ(1, refusal.use().textsReleased);
     }
 }

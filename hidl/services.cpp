@@ -1,0 +1,29 @@
+#include "hidl/services.h"
+
+#include <string.h>
+
+namespace native_hidl {
+
+void Hold(const sp<IBase>& global, const char* nullText, sp<IBase>* service) {
+    *service = held::Copy(global);
+    if (*service == nullptr) KV_LOGE("%s", nullText);
+}
+
+sp<IQxFactoryInterface> HeldFactory() {
+    return Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");
+}
+
+std::function<void(int32_t, const hidl_string&)> StoreIn(int32_t* code, hidl_string* text) {
+    return [code, text](int32_t resultCode, const hidl_string& resultText) {
+        *code = resultCode;
+        *text = resultText;
+    };
+}
+
+hidl_string Borrow(const char* chars) {
+    hidl_string text;
+    text.setToExternal(chars, strlen(chars));
+    return text;
+}
+
+}  // namespace native_hidl
