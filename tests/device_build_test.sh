@@ -1,7 +1,11 @@
 #!/bin/bash
-# The device build describes the same library as the host build, and the device code reaches nothing
-# of the host: device_build_test.sh SOURCE_DIR BUILD_DIR
+# The device build describes the same library as the host build (sources, flags, version script, the
+# libraries of what is included; for 32 bits always), and the device code reaches nothing of the
+# host: device_build_test.sh SOURCE_DIR BUILD_DIR
+#
+# A tool that is missing or fails ends the test: no command stands where its failure would be lost.
 set -euo pipefail
+shopt -s inherit_errexit
 source=$(realpath "$1")
 build=$(realpath "$2")
 cd "$source"
@@ -15,26 +19,83 @@ expect_none() {
     failed=1
 }
 
-# any_but PATTERN: the lines of its input that do not match as a whole. The pattern may be broken up.
-any_but() { grep -vxE "${1//$'\n'/}" || true; }
+# expect_same TITLE LINES LINES
+expect_same() {
+    local different
+    different=$(diff <(echo "$2") <(echo "$3")) || [ $? = 1 ]
+    expect_none "$1" "$different"
+}
 
+# grep, for what need not be there.
+find_lines() { grep "$@" || [ $? = 1 ]; }
+
+# any_but PATTERN: the lines of its input that do not match as a whole. The pattern may be broken up.
+any_but() { find_lines -vxE -e "${1//$'\n'/}"; }
+
+# texts PROPERTY...: what these properties of Android.bp list, in all places.
+texts() {
+    local names=$*
+    tr '\n' ' ' <<<"$android_bp" | find_lines -oE "[{ ](${names// /|}): (\[[^]]*\]|\"[^\"]*\")" |
+        find_lines -oE '"[^"]+"' | tr -d '"' | sort
+}
+
+android_bp=$(sed 's,//.*,,' Android.bp)
 objects=$(ninja -C "$build" -t targets all | grep -oE '^[^ ]*/kalvorn_objects\.dir/[^ ]+\.o')
+commands=$(ninja -C "$build" -t commands lib_kalvorn.so)
+link_command=$(tail -n 1 <<<"$commands")
 
 check_source_lists() {
     local there device host
     there=$(find aidl common hidl jni -name '*.cpp' | sort)
-    device=$(sed 's,//.*,,' Android.bp | grep -oE '"[^" ]+\.cpp"' | tr -d '"' | sort)
+    device=$(texts srcs)
     host=$(sed -E 's,.*/kalvorn_objects\.dir/(.*)\.o,\1,' <<<"$objects" | sort)
-    expect_none "Sources that are there (<) and in Android.bp (>)" "$(diff <(echo "$there") <(echo "$device"))"
-    expect_none "Sources that are there (<) and in CMakeLists.txt (>)" "$(diff <(echo "$there") <(echo "$host"))"
+    expect_same "Sources that are there (<) and in Android.bp (>)" "$there" "$device"
+    expect_same "Sources that are there (<) and in CMakeLists.txt (>)" "$there" "$host"
 }
 
-check_linker_flags() {
-    local device host
-    device=$(sed 's,//.*,,' Android.bp | grep -oE '"-Wl,-z,[^"]+"' | tr -d '"' | sort)
-    host=$(ninja -C "$build" -t commands lib_kalvorn.so | tail -n 1 | grep -oE -- '-Wl,-z,[^ ]+' | sort)
-    expect_none "Linker flags in Android.bp (<) and in CMakeLists.txt (>)" \
-        "$(diff <(echo "$device") <(echo "$host"))"
+# The flags that the host has for every object; how it optimises is its own business.
+check_flags() {
+    local count device host
+    count=$(wc -l <<<"$objects")
+    device=$(texts cflags cppflags | any_but -DKALVORN_DEVICE_HIDL_UTIL)
+    host=$(grep '/kalvorn_objects\.dir/.* -c ' <<<"$commands" | tr ' ' '\n' |
+        find_lines -xE -e '-(W[a-z]+|fvisibility.*)' | sort | uniq -c | awk "\$1 == $count {print \$2}")
+    expect_same "Flags in Android.bp (<) and in CMakeLists.txt (>)" "$device" "$host"
+}
+
+check_linking() {
+    local device host bits
+    device=$(texts version_script)
+    host=$(sed -nE 's,.*--version-script=[^ ]*/(jni/[^ "]+).*,\1,p' <<<"$link_command")
+    expect_same "Version script in Android.bp (<) and in CMakeLists.txt (>)" "$device" "$host"
+    device=$(texts ldflags)
+    host=$(find_lines -oE -e '-Wl,-z,[^ ]+' <<<"$link_command" | sort)
+    expect_same "Linker flags in Android.bp (<) and in CMakeLists.txt (>)" "$device" "$host"
+    bits=$(texts compile_multilib)
+    expect_same "The word size that applications have (<) and in Android.bp (>)" 32 "$bits"
+}
+
+# The library of each header that is included; those of no library come with the compiler or the JNI.
+library='s,.*<(vendor/.*)/([0-9.]+)/.*,\1@\2,
+s,.*<(vendor/.*)/[^/]*>,\1-V1-cpp,
+s,.*<aidl/(.*)/[^/]*>,\1-V1-ndk,
+s,.*<android/log\.h>,liblog,
+s,.*<android/binder_.*,libbinder_ndk,
+s,.*<binder/.*,libbinder,
+s,.*<(android/)?hidl/.*,libhidlbase,
+s,.*<utils/.*,libutils,
+s,.*<dlfcn\.h>,libdl,
+s,.*<HidlUtil\.h>,libHidlUtil,
+s,.*<safe_.*,libsafec,
+/#/d
+y,/,.,'
+
+check_libraries() {
+    local included device
+    included=$(grep -rhE '^[[:space:]]*#[[:space:]]*include' aidl common hidl jni |
+        sed -E "$library" | sort -u)
+    device=$(texts shared_libs)
+    expect_same "Libraries of what is included (<) and in Android.bp (>)" "$included" "$device"
 }
 
 # What device code may name in its own #include lines: itself, and what every device has.
@@ -50,10 +111,10 @@ platform='<([a-z_]+|(dlfcn|fcntl|stddef|stdint|string|unistd)\.h|jni\.h
 |HidlUtil\.h|safe_(mem|str)_lib\.h)>'
 
 check_include_lines() {
-    local lines
+    local lines others
     lines=$(grep -rE '^[[:space:]]*#[[:space:]]*include' aidl common hidl jni)
-    expect_none "Includes of what is neither device code nor on every device" \
-        "$(any_but "[^:]+:#include ($own|$platform)" <<<"$lines")"
+    others=$(any_but "[^:]+:#include ($own|$platform)" <<<"$lines")
+    expect_none "Includes of what is neither device code nor on every device" "$others"
 }
 
 # What they reach in the end, in the project and its build tree: the device code, the generated
@@ -63,17 +124,18 @@ binder_(auto_utils|ibinder|interface_utils|manager|parcel|parcel_utils|status)\.
 |host/hidl/include/hidl/(HidlSupport|MQDescriptor|Status)\.h'
 
 check_include_closure() {
-    local deps headers
+    local deps unknown headers own others
     # shellcheck disable=SC2086 # one argument each
     deps=$(ninja -C "$build" -t deps $objects 2>&1 | grep -v '^ninja: Entering')
-    expect_none "Objects whose headers are not known" \
-        "$(grep -vE '^(    .*)?$' <<<"$deps" | any_but '.*\(VALID\)')"
+    unknown=$(find_lines -vE '^(    .*)?$' <<<"$deps" | any_but '.*\(VALID\)')
+    expect_none "Objects whose headers are not known" "$unknown"
     headers=$(sed -n 's/^    //p' <<<"$deps" | (cd "$build" && xargs -d '\n' realpath -ms --) |
         below "$build" BUILD | below "$source" SOURCE | sort -u)
-    [ "$(grep -cxE "SOURCE/(aidl|hidl)/services\.h" <<<"$headers")" = 2 ] ||
-        expect_none "These cannot be all headers" "$headers"
-    expect_none "The device code reaches" "$(grep -E "^(SOURCE|BUILD)/" <<<"$headers" |
-        any_but "BUILD/host/[a-z]+/gen/.*|SOURCE/build/arm-tree/.*|SOURCE/(aidl|common|hidl|jni)/.*|SOURCE/($stand_ins)")"
+    own=$(find_lines -cxE "SOURCE/(aidl|hidl)/services\.h" <<<"$headers")
+    expect_same "The backends' own headers, of which there are two" 2 "$own"
+    others=$(find_lines -E "^(SOURCE|BUILD)/" <<<"$headers" |
+        any_but "BUILD/host/[a-z]+/gen/.*|SOURCE/build/arm-tree/.*|SOURCE/(aidl|common|hidl|jni)/.*|SOURCE/($stand_ins)")
+    expect_none "The device code reaches" "$others"
 }
 
 # below FOLDER NAME: its input's paths, those in the folder with the name in its place.
@@ -83,9 +145,12 @@ below() {
         { print }'
 }
 
-expect_none "bpfmt would change Android.bp" "$(bpfmt -d Android.bp 2>&1)"
+format=$(bpfmt -d Android.bp)
+expect_none "bpfmt would change Android.bp" "$format"
 check_source_lists
-check_linker_flags
+check_flags
+check_linking
+check_libraries
 check_include_lines
 check_include_closure
 exit "$failed"

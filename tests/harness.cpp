@@ -49,8 +49,7 @@ JavaVM* StartVm() {
 
 /** Of one of the application's native methods, as the Java class declares it. */
 std::string SignatureOf(const std::string& method) {
-    static const std::string declared = java::DeclaredNatives();
-    std::istringstream lines(declared);
+    std::istringstream lines(java::DeclaredNatives());
     for (std::string line; std::getline(lines, line);) {
         const size_t end = line.find('(');
         if (line.substr(0, end) == method) return line.substr(end);
@@ -97,7 +96,9 @@ JNIEnv* Env() {
     return env;
 }
 
-std::string DeclaredNatives() {
+namespace {
+
+std::string ListNatives() {
     const LocalFrame frame;
     JNIEnv* env = Env();
     jclass clazz = env->FindClass("NativeMethods");
@@ -106,6 +107,13 @@ std::string DeclaredNatives() {
     EXPECT_FALSE(env->ExceptionCheck());
     const std::string shown = Show(static_cast<jstring>(listed));
     return shown.substr(1, shown.size() - 2);
+}
+
+}  // namespace
+
+const std::string& DeclaredNatives() {
+    static const std::string natives = ListNatives();
+    return natives;
 }
 
 jstring String(const char* modifiedUtf8) {
@@ -341,7 +349,8 @@ void LibraryTest::SetUp() {
     __android_log_set_logger(CaptureLog);
     __android_log_set_minimum_priority(ANDROID_LOG_VERBOSE);
     device.Reset();
-    java::Application();  // the first one loads the library
+    java::DeclaredNatives();  // once, before a test takes anything away
+    java::Application();      // the first one loads the library
     TakeLog();
 }
 

@@ -41,7 +41,7 @@ struct Object {
 using Arg = std::variant<int, const char*, std::nullptr_t, Bytes, Object>;
 
 /** The name and descriptor of each native method of KvNativeInterface, a line each, in order. */
-std::string DeclaredNatives();
+const std::string& DeclaredNatives();
 
 jstring String(const char* modifiedUtf8);
 jobject NewObject(const Object& object);
