@@ -4,6 +4,8 @@
 #include <utils/Errors.h>
 #include <utils/String16.h>
 
+#include <memory>
+
 #include "aidl/services.h"
 
 namespace native_aidl {

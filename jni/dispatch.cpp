@@ -80,9 +80,7 @@ jstring ChipTtTestPdet(JNIEnv* env, jobject obj, jstring scene) {
 
 }  // namespace
 
-// The fields are not const in every platform's jni.h.
-#define ROW(javaName, signature, function) \
-    {const_cast<char*>(#javaName), const_cast<char*>(signature), reinterpret_cast<void*>(function)},
+#define ROW(javaName, signature, function) {#javaName, signature, reinterpret_cast<void*>(function)},
 #define TWO_BACKENDS(javaName, name, query, priority, signature) \
     ROW(javaName, signature, static_cast<decltype(&native_aidl::name)>(&name))
 #define AIDL_ONLY(javaName, name, signature) ROW(javaName, signature, &name)

@@ -7,7 +7,7 @@
 // KvNativeInterface finds it.
 // NOLINTNEXTLINE(bugprone-reserved-identifier)
 extern "C" JNIEXPORT jint JNICALL JNI_OnLoad__kalvorn(JavaVM*, void*) {
-    return JNI_VERSION_1_8;
+    return JNI_VERSION_1_6;
 }
 
 jint Load() {
