@@ -80,7 +80,8 @@ jstring ChipTtTestPdet(JNIEnv* env, jobject obj, jstring scene) {
 
 }  // namespace
 
-#define ROW(javaName, signature, function) {#javaName, signature, reinterpret_cast<void*>(function)},
+#define ROW(javaName, signature, function) \
+    {#javaName, signature, reinterpret_cast<void*>(function)},
 #define TWO_BACKENDS(javaName, name, query, priority, signature) \
     ROW(javaName, signature, static_cast<decltype(&native_aidl::name)>(&name))
 #define AIDL_ONLY(javaName, name, signature) ROW(javaName, signature, &name)
