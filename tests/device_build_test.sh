@@ -29,10 +29,23 @@ check_source_lists() {
     expect_none "Sources that are there (<) and in CMakeLists.txt (>)" "$(diff <(echo "$there") <(echo "$host"))"
 }
 
+check_compiler_flags() {
+    local commands flag
+    # shellcheck disable=SC2086 # one argument each
+    commands=$(ninja -C "$build" -t commands -s $objects)
+    for flag in $(sed 's,//.*,,' Android.bp | grep -oE '"-[fW][^"]+"' | tr -d '"' | grep -v '^-Wl,'); do
+        expect_none "Compiled without $flag of Android.bp" "$(grep -vF -- " $flag " <<<"$commands")"
+    done
+    expect_none "Compiled with headers that the sources do not name" \
+        "$(grep -E -- ' -(include|imacros) ' <<<"$commands")"
+}
+
+# Relocations are packed on a device by default.
 check_linker_flags() {
     local device host
     device=$(sed 's,//.*,,' Android.bp | grep -oE '"-Wl,-z,[^"]+"' | tr -d '"' | sort)
-    host=$(ninja -C "$build" -t commands lib_kalvorn.so | tail -n 1 | grep -oE -- '-Wl,-z,[^ ]+' | sort)
+    host=$(ninja -C "$build" -t commands -s lib_kalvorn.so | grep -oE -- '-Wl,-z,[^ ]+' |
+        grep -vx -- -Wl,-z,pack-relative-relocs | sort)
     expect_none "Linker flags in Android.bp (<) and in CMakeLists.txt (>)" \
         "$(diff <(echo "$device") <(echo "$host"))"
 }
@@ -60,6 +73,7 @@ check_include_lines() {
 # interfaces, and the host's headers in place of such as every device has.
 stand_ins='host/binder_ndk/include/android/
 binder_(auto_utils|ibinder|interface_utils|manager|parcel|parcel_utils|status)\.h
+|host/binder/include/binder/(IInterface|Parcel)\.h
 |host/hidl/include/hidl/(HidlSupport|MQDescriptor|Status)\.h'
 
 check_include_closure() {
@@ -85,6 +99,7 @@ below() {
 
 expect_none "bpfmt would change Android.bp" "$(bpfmt -d Android.bp 2>&1)"
 check_source_lists
+check_compiler_flags
 check_linker_flags
 check_include_lines
 check_include_closure
