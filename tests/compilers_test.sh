@@ -5,14 +5,15 @@ set -euo pipefail
 cd "$1"
 objects=$(ninja -t targets all | grep -oE '^[^ ]*/kalvorn_objects\.dir/[^ ]+\.o')
 
-# as COMPILER STANDARD: the build's commands, by that compiler and to no object.
+# as COMPILER STANDARD OPTION...: the build's commands, by that compiler and to no object.
 as() {
     # shellcheck disable=SC2086 # one argument each
     ninja -t commands -s $objects |
-        sed -nE "s,^.*clang\+\+ (.*) -std=[^ ]+ -MD .* -c ,$1 \1 -std=$2 -fsyntax-only ,p"
+        sed -nE "s,^.*clang\+\+ (.*) -std=[^ ]+ -MD .* -c ,$1 \1 -std=$2 ${*:3} ,p"
 }
 
-commands=$(as g++ c++17; as clang++ c++20)
+# g++ finds some of its warnings only on the way to code.
+commands=$(as g++ c++17 -O1 -S -o /dev/null; as clang++ c++20 -fsyntax-only)
 [ "$(wc -l <<<"$commands")" = $((2 * $(wc -l <<<"$objects"))) ] ||
     { printf 'These cannot be all commands:\n%s\n' "$commands"; exit 1; }
 xargs -d '\n' -P "$(nproc)" -n 1 sh -c <<<"$commands"
