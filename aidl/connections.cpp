@@ -4,6 +4,7 @@
 #include <utils/Errors.h>
 #include <utils/String16.h>
 
+#include <memory>
 #include <new>
 
 #include "aidl/services.h"

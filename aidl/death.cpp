@@ -1,5 +1,7 @@
 #include <binder/IInterface.h>
 
+#include <memory>
+
 #include "aidl/services.h"
 
 namespace native_aidl {

@@ -1,6 +1,7 @@
 #include <android/binder_ibinder.h>
 #include <android/binder_manager.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 

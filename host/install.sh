@@ -5,10 +5,11 @@
 set -euo pipefail
 
 declare -A lists=(
-    [host]="aidl android-libbase-dev android-liblog-dev android-libutils-dev
-        android-platform-frameworks-native-headers blueprint-tools clang-format clang-tidy cmake g++
-        hidl-gen libgmock-dev libgtest-dev libsafec-dev ninja-build openjdk-17-jdk-headless"
-    [arm]="g++-arm-linux-gnueabihf mmdebstrap qemu-user-static"
+    [host]="aidl android-libbase-dev android-liblog-dev android-libnativehelper-dev android-libutils-dev
+        android-platform-frameworks-native-headers blueprint-tools clang clang-format clang-tidy cmake
+        g++ hidl-gen libclang-rt-14-dev libgmock-dev libgtest-dev libsafec-dev lld-15 ninja-build
+        openjdk-17-jdk-headless"
+    [arm]="binutils-arm-linux-gnueabihf mmdebstrap qemu-user-static"
     [fuzz]="android-liblog-dev clang libclang-rt-14-dev"
 )
 

@@ -5,7 +5,9 @@
 
 #include <string_view>
 
-// Compares a JNI method descriptor with the C++ function it is registered for, at compile time.
+// Compares a JNI method descriptor with the C++ function it is registered for, at compile time. The
+// platform's own nativehelper/jni_macros.h takes neither unsigned int nor a function that ignores
+// its arguments, and brings a static initialiser with its <iostream>.
 namespace descriptor {
 
 template <typename T>

@@ -72,10 +72,8 @@ constexpr const char* Checked(const char* signature) {
 
 }  // namespace
 
-// The fields are not const in every platform's jni.h.
-#define ROW(javaName, signature, fits, function)                                \
-    {const_cast<char*>(#javaName), const_cast<char*>(Checked<fits>(signature)), \
-     reinterpret_cast<void*>(function)},
+#define ROW(javaName, signature, fits, function) \
+    {#javaName, Checked<fits>(signature), reinterpret_cast<void*>(function)},
 #define TWO_BACKENDS(javaName, name, query, priority, signature) \
     ROW(javaName, signature,                                     \
         descriptor::Fits(&native_aidl::name, signature) &&       \

@@ -279,16 +279,16 @@ jint GetEnvGivesNull(JavaVM*, void** env, jint) {
     *env = nullptr;
     return JNI_OK;
 }
-JNIEnv_ g_env;
+JNIEnv g_env;
 jint GetEnvGivesFake(JavaVM*, void** env, jint version) {
     *env = &g_env;
     return version == JNI_VERSION_1_4 ? JNI_OK : JNI_EVERSION;
 }
 
 TEST_F(ConnectionsTest, FailuresOfTheVirtualMachineRefuseTheLibrary) {
-    JNINativeInterface_ functions{};
+    JNINativeInterface functions{};
     functions.FindClass = [](JNIEnv*, const char*) -> jclass { return nullptr; };
-    JNINativeInterface_ registers{};
+    JNINativeInterface registers{};
     registers.FindClass = [](JNIEnv*, const char*) -> jclass {
         return reinterpret_cast<jclass>(&g_env);
     };
@@ -298,7 +298,7 @@ TEST_F(ConnectionsTest, FailuresOfTheVirtualMachineRefuseTheLibrary) {
     const std::string name = "'com/quorvin/kalvornii/KvNativeInterface'";
     const struct {
         jint (*getEnv)(JavaVM*, void**, jint);
-        const JNINativeInterface_* functions;
+        const JNINativeInterface* functions;
         Lines lines;
     } cases[] = {
             {GetEnvFails, nullptr, {"E ERROR: GetEnv failed"}},
@@ -319,10 +319,10 @@ TEST_F(ConnectionsTest, FailuresOfTheVirtualMachineRefuseTheLibrary) {
         TakeLog();
         Lines expected = LoadLines(device);
         expected.insert(expected.end(), c.lines.begin(), c.lines.end());
-        JNIInvokeInterface_ invoke{};
+        JNIInvokeInterface invoke{};
         invoke.GetEnv = c.getEnv;
         g_env.functions = c.functions;
-        JavaVM_ vm{&invoke};
+        JavaVM vm{&invoke};
         EXPECT_EQ(-1, JNI_OnLoad(&vm, nullptr));
         EXPECT_EQ(expected, TakeLog());
         EXPECT_EQ(1u, device.DeathLinks(kAidl, "light")) << "connections are kept";

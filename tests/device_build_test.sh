@@ -59,8 +59,11 @@ check_flags() {
     count=$(wc -l <<<"$objects")
     device=$(texts cflags cppflags | any_but -DKALVORN_DEVICE_HIDL_UTIL)
     host=$(grep '/kalvorn_objects\.dir/.* -c ' <<<"$commands" | tr ' ' '\n' |
-        find_lines -xE -e '-(W[a-z]+|fvisibility.*)' | sort | uniq -c | awk "\$1 == $count {print \$2}")
+        find_lines -xE -e '-(W[a-z]+|fvisibility.*|fno-(asynchronous-)?unwind-tables)' | sort |
+        uniq -c | awk "\$1 == $count {print \$2}")
     expect_same "Flags in Android.bp (<) and in CMakeLists.txt (>)" "$device" "$host"
+    host=$(find_lines -E -e ' -(include|imacros) ' <<<"$commands" | find_lines -F /kalvorn_objects.dir/)
+    expect_none "Compiled with headers that the sources do not name" "$host"
 }
 
 check_linking() {
@@ -69,7 +72,9 @@ check_linking() {
     host=$(sed -nE 's,.*--version-script=[^ ]*/(jni/[^ "]+).*,\1,p' <<<"$link_command")
     expect_same "Version script in Android.bp (<) and in CMakeLists.txt (>)" "$device" "$host"
     device=$(texts ldflags)
-    host=$(find_lines -oE -e '-Wl,-z,[^ ]+' <<<"$link_command" | sort)
+    # Relocations are packed on a device by default.
+    host=$(find_lines -oE -e '-Wl,-(O[0-9]|z,[^ ]+)' <<<"$link_command" |
+        find_lines -vx -e -Wl,-z,pack-relative-relocs | sort)
     expect_same "Linker flags in Android.bp (<) and in CMakeLists.txt (>)" "$device" "$host"
     bits=$(texts compile_multilib)
     expect_same "The word size that applications have (<) and in Android.bp (>)" 32 "$bits"
@@ -121,6 +126,7 @@ check_include_lines() {
 # interfaces, and the host's headers in place of such as every device has.
 stand_ins='host/binder_ndk/include/android/
 binder_(auto_utils|ibinder|interface_utils|manager|parcel|parcel_utils|status)\.h
+|host/binder/include/binder/(IInterface|Parcel)\.h
 |host/hidl/include/hidl/(HidlSupport|MQDescriptor|Status)\.h'
 
 check_include_closure() {

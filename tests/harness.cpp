@@ -30,7 +30,7 @@ void CaptureLog(const __android_logger_data* data, const char* message) {
 }
 
 // The virtual machine's own, whatever a test puts in their place.
-const JNINativeInterface_* g_functions;
+const JNINativeInterface* g_functions;
 
 JavaVM* StartVm() {
     static char classPath[] = "-Djava.class.path=" KALVORN_CLASS_PATH;
@@ -39,10 +39,10 @@ JavaVM* StartVm() {
     static char libraryPath[] = "-Djava.library.path=" KALVORN_LIBRARY_PATH;
     JavaVMOption options[] = {
             {classPath, nullptr}, {check, nullptr}, {heap, nullptr}, {libraryPath, nullptr}};
-    JavaVMInitArgs args{JNI_VERSION_1_8, 4, options, JNI_FALSE};
+    JavaVMInitArgs args{JNI_VERSION_1_6, 4, options, JNI_FALSE};
     JavaVM* vm = nullptr;
     JNIEnv* env = nullptr;
-    if (JNI_CreateJavaVM(&vm, reinterpret_cast<void**>(&env), &args) != JNI_OK) abort();
+    if (JNI_CreateJavaVM(&vm, &env, &args) != JNI_OK) abort();
     g_functions = env->functions;
     return vm;
 }
@@ -90,8 +90,8 @@ JavaVM* Vm() {
 JNIEnv* Env() {
     JNIEnv* env = nullptr;
     JavaVM* vm = Vm();
-    if (vm->GetEnv(reinterpret_cast<void**>(&env), JNI_VERSION_1_8) != JNI_OK) {
-        vm->AttachCurrentThreadAsDaemon(reinterpret_cast<void**>(&env), nullptr);
+    if (vm->GetEnv(reinterpret_cast<void**>(&env), JNI_VERSION_1_6) != JNI_OK) {
+        vm->AttachCurrentThreadAsDaemon(&env, nullptr);
     }
     return env;
 }
@@ -165,7 +165,7 @@ jobject Application() {
 
 std::string Call(const std::string& method, const std::vector<Arg>& args) {
     JNIEnv* env = Env();
-    const JNINativeInterface_* functions = std::exchange(env->functions, g_functions);
+    const JNINativeInterface* functions = std::exchange(env->functions, g_functions);
     env->PushLocalFrame(64);
     const std::string signature = SignatureOf(method);
     jmethodID id = env->GetMethodID(KvNativeInterface(), method.c_str(), signature.c_str());
@@ -217,7 +217,7 @@ namespace {
 JniUse g_use;
 Jni g_refused = Jni::kNothing;
 int g_granted;
-JNINativeInterface_ g_counting;
+JNINativeInterface g_counting;
 
 /** Whether this request is the one to refuse; then its exception is pending. */
 bool Refuses(JNIEnv* env, Jni request) {

@@ -7,7 +7,7 @@
 // KvNativeInterface finds it.
 // NOLINTNEXTLINE(bugprone-reserved-identifier)
 extern "C" JNIEXPORT jint JNICALL JNI_OnLoad__kalvorn(JavaVM*, void*) {
-    return JNI_VERSION_1_8;
+    return 0x00010008;  // the first JNI with linked-in libraries, which the platform does not name
 }
 
 jint Load() {

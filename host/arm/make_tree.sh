@@ -7,6 +7,7 @@ cd "$(dirname "$0")/../.."
 packages=(
     android-libbase-dev
     android-liblog-dev
+    android-libnativehelper-dev
     android-libutils-dev
     android-platform-frameworks-native-headers
     libc6-dev

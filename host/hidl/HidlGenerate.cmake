@@ -58,6 +58,10 @@ function(hidl_generate headers_var)
         OUTPUT ${headers}
         COMMAND ${HIDL_GEN} -p . -R -o "${ARG_OUTPUT_DIR}" -L c++-headers ${root_options}
                 ${ARG_PACKAGES}
+        # The lists of an enum's values are constants in a header: without inline, clang defines each
+        # in every object that includes it. Later compilers write it themselves.
+        COMMAND sed -i "s/^template<> constexpr std::array</template<> inline constexpr std::array</"
+                ${headers}
         DEPENDS ${sources}
         COMMENT "Generating HIDL headers in ${ARG_OUTPUT_DIR}"
         VERBATIM)

@@ -1,0 +1,19 @@
+#!/bin/bash
+# The device code, built with clang as C++17, is clean with g++ too, and as C++20:
+# compilers_test.sh BUILD_DIR
+set -euo pipefail
+cd "$1"
+objects=$(ninja -t targets all | grep -oE '^[^ ]*/kalvorn_objects\.dir/[^ ]+\.o')
+
+# as COMPILER STANDARD OPTION...: the build's commands, by that compiler and to no object.
+as() {
+    # shellcheck disable=SC2086 # one argument each
+    ninja -t commands -s $objects |
+        sed -nE "s,^.*clang\+\+ (.*) -std=[^ ]+ -MD .* -c ,$1 \1 -std=$2 ${*:3} ,p"
+}
+
+# g++ finds some of its warnings only on the way to code.
+commands=$(as g++ c++17 -O1 -S -o /dev/null; as clang++ c++20 -fsyntax-only)
+[ "$(wc -l <<<"$commands")" = $((2 * $(wc -l <<<"$objects"))) ] ||
+    { printf 'These cannot be all commands:\n%s\n' "$commands"; exit 1; }
+xargs -d '\n' -P "$(nproc)" -n 1 sh -c <<<"$commands"
