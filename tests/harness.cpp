@@ -217,6 +217,7 @@ namespace {
 JniUse g_use;
 Jni g_refused = Jni::kNothing;
 int g_granted;
+// The virtual machine's own goes on with what later JNI versions add, which nothing here calls.
 JNINativeInterface g_counting;
 
 /** Whether this request is the one to refuse; then its exception is pending. */

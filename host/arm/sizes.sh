@@ -20,7 +20,7 @@ awk '
     }
     $6 == "" && $5 ~ /^\.(text|init|fini|plt)$/ { section = $5; all += hex($3); next }
     $6 == "" && $5 ~ /^\./ { section = ""; next }
-    section == "" || !match($0, /[^ ]+\.dir\/[a-z]+\/[a-z_]+\.cpp\.o:\(\.text[^)]*\)$/) { next }
+    section == "" || !match($0, /[^ ]+\.dir\/[a-z]+\/[a-z0-9_]+\.cpp\.o:\(\.text[^)]*\)$/) { next }
     {
         place = substr($0, RSTART)
         sub(/.*\.dir\//, "", place)
