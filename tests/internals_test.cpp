@@ -49,6 +49,7 @@ TEST_F(InternalsTest, WithoutItsServiceBehindTheDispatch) {
     };
     for (const Row& row : kRows) {
         SCOPED_TRACE(row.method);
+        ASSERT_EQ(1u, operations.count(row.method)) << "asks no service by jni/methods.inc";
         const Operation& operation = operations.at(row.method);
         EXPECT_EQ(row.absent, operation(row.args));
         EXPECT_EQ(Split(row.aidlAbsentLine), TakeLog());
@@ -79,8 +80,10 @@ TEST_F(InternalsTest, TheTableIsThatOfTheJavaClass) {
     for (const JNINativeMethod& row : kMethods) rows.insert(std::string(row.name) + row.signature);
     std::string listed;
     for (const std::string& row : rows) listed += row + "\n";
-    EXPECT_EQ(65u, rows.size());
-    EXPECT_EQ(listed, java::DeclaredNatives());
+    EXPECT_EQ(std::size(kMethods), rows.size()) << "a row stands twice in jni/methods.inc";
+    EXPECT_EQ(listed, java::DeclaredNatives())
+            << "jni/methods.inc (first) has to have a row for each native method of "
+               "KvNativeInterface.java (second), of the same signature.";
 }
 
 TEST_F(InternalsTest, McuCommandsNoteTheVirtualMachine) {
