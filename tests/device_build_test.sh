@@ -37,6 +37,20 @@ check_linker_flags() {
         "$(diff <(echo "$device") <(echo "$host"))"
 }
 
+# The interface packages that the device code includes are those whose libraries Android.bp links.
+check_interface_packages() {
+    local device included
+    device=$(sed 's,//.*,,' Android.bp | grep -oE '"[a-z]+\.[a-z.]+(@[0-9.]+|-V[0-9]+-(cpp|ndk))"' |
+        tr -d '"' | sed -E 's/-V[0-9]+//' | sort)
+    included=$(grep -rhoE '<(aidl/)?(vendor/zantor|android)/hardware/[^>]+/[A-Za-z]+\.h>' aidl common hidl jni |
+        sed -E 's,<(.*)/[A-Za-z]+\.h>,\1,
+            s,/([0-9.]+)$,@\1,
+            /@/! { s,^aidl/(.*),\1-ndk,; /-ndk$/! s/$/-cpp/ }
+            s,/,.,g' | sort -u)
+    expect_none "Interfaces that are included (<) and whose libraries Android.bp links (>)" \
+        "$(diff <(echo "$included") <(echo "$device"))"
+}
+
 # What device code may name in its own #include lines: itself, and what every device has.
 own='"(aidl|common|hidl|jni)/[a-z0-9_]+\.(h|inc)"'
 platform='<([a-z_]+|(dlfcn|fcntl|stddef|stdint|string|unistd)\.h|jni\.h
@@ -86,6 +100,7 @@ below() {
 expect_none "bpfmt would change Android.bp" "$(bpfmt -d Android.bp 2>&1)"
 check_source_lists
 check_linker_flags
+check_interface_packages
 check_include_lines
 check_include_closure
 exit "$failed"
