@@ -1,14 +1,15 @@
 #!/bin/bash
-# Installs the Debian packages that the given lists name and that are missing: "host" for the build,
-# the tests and the demo, "arm" for the 32-bit ARM target besides, "fuzz" for the fuzzers. Needs root
-# or sudo to install.
+# Installs the Debian packages that the given lists name and that are missing: "demo" for the build and
+# the demo; besides these "test" for the tests, "tidy" for clang-tidy, "arm" for the 32-bit ARM target;
+# "fuzz" for the fuzzers. Needs root or sudo to install.
 set -euo pipefail
 
 declare -A lists=(
-    [host]="aidl android-libbase-dev android-liblog-dev android-libnativehelper-dev android-libutils-dev
-        android-platform-frameworks-native-headers blueprint-tools clang clang-format clang-tidy cmake
-        g++ hidl-gen libclang-rt-14-dev libgmock-dev libgtest-dev libsafec-dev lld-15 ninja-build
+    [demo]="aidl android-libbase-dev android-liblog-dev android-libnativehelper-dev android-libutils-dev
+        android-platform-frameworks-native-headers clang cmake hidl-gen libsafec-dev lld-15 ninja-build
         openjdk-17-jdk-headless"
+    [test]="blueprint-tools clang-format g++ libclang-rt-14-dev libgmock-dev libgtest-dev"
+    [tidy]="clang-tidy"
     [arm]="binutils-arm-linux-gnueabihf mmdebstrap qemu-user-static"
     [fuzz]="android-liblog-dev clang libclang-rt-14-dev"
 )

@@ -7,80 +7,34 @@
 
 #include "aidl/services.h"
 #include "asleep.h"
+#include "every_service.h"
 #include "harness.h"
 #include "hidl/services.h"
+#include "jni/dispatch.h"
 
 namespace {
 
 using Lines = std::vector<std::string>;
 
-struct ServiceTexts {
-    const char* name;
-    const char* aidlStart;
-    const char* aidlNull;
-    const char* aidlLink;
-    const char* hidlStart;
-    const char* hidlLink;
-    const char* hidlNull;
-};
-
-// In the order of connection. The last two have no HIDL side.
-constexpr ServiceTexts kTexts[] = {
-        {"factory", "I InitAidlFactoryInterface", "E aidlFactoryInterface is null",
-         "I g_aidlFactory linkToDeath", "D InitHidlFactoryInterface",
-         "D g_qxFactoryInterface linkToDeath", "E g_qxFactoryInterface is null"},
-        {"display", "I InitAidlDisplayService", "E aidlDisplayService is null",
-         "I g_aidlDisplayService linkToDeath", "D InitHidlDisplayService",
-         "D g_displayService linkToDeath", "E g_displayService is null"},
-        {"touch", "I InitAidlTouchscreen", "E aidlTouchscreen is null", "I g_aidlTp linkToDeath",
-         "D InitHidlTouchScreen", "D g_touchscreen linkToDeath", "E g_touchscreen is null"},
-        {"sensors", "I InitAidlSensors", "E aidlSensors is null", "I g_aidlSensors linkToDeath",
-         "D InitHidlSensors", "D g_sensors linkToDeath", "E g_sensors is null"},
-        {"power", "I InitAidlPower", "E aidlPower is null", "I g_aidlPower linkToDeath",
-         "D InitHidlPower", "D g_Power linkToDeath", "E g_Power is null"},
-        {"light", "I InitAidlLight", "E aidlLight is null", "I g_aidlLight linkToDeath",
-         "D InitHidlLight", "D g_light linkToDeath", "E g_light is null"},
-        {"camera", "I InitAidlCameraFactory", "E aidlCameraFactory is null",
-         "I g_aidlCameraFactory linkToDeath", "D InitHidlCameraFactory",
-         "D g_cameraFactory linkToDeath", "E g_cameraFactory is null"},
-        {"radio", "I InitAidlRadioEnhance", "E g_aidlRadioEnhance is null",
-         "I g_aidlRadioEnhance linkToDeath", "D InitHidlRadioEnhance",
-         "E g_radioenhance linkToDeath", "E g_radioenhance is null"},
-        {"display_factory", "I InitAidlDisplayFactory", "E aidlDisplayFactory is null",
-         "I aidlDisplayFactory linkToDeath", "D InitHidlDisplayFactory",
-         "E g_displayFactory linkToDeath", "E g_displayFactory is null"},
-        {"fingerprint", "I InitAidlFingerprintService",
-         "E vendor.zantor.hardware.biometrics.fingerprint.IFingerprint/default is not Declared\n",
-         "I g_aidlFingerprintSession linkToDeath", "D InitHidlFingerprintService",
-         "D g_qxFingerprint linkToDeath", "E g_qxFingerprint is null"},
-        {"chip", "I InitAidlChipSrvInterface", "E aidlChipSrvInterface is null",
-         "I aidlChipSrc linkToDeath", "D InitHidlChipSrvInterface",
-         "E g_ztChipSrvInterface linkToDeath", "E g_ztChipSrvInterface is null"},
-        {"sim", "I InitSimInterface", "E g_aidlSim is null", "I g_aidlSim linkToDeath", nullptr,
-         nullptr, nullptr},
-        {"satellite", "I InitChipSrvSat", "E g_aidlChipSat is null", "I g_aidlChipSat linkToDeath",
-         nullptr, nullptr, nullptr},
-};
-
-const ServiceTexts& TextsOf(const std::string& service) {
-    return *std::find_if(std::begin(kTexts), std::end(kTexts),
-                         [&](const ServiceTexts& texts) { return texts.name == service; });
+const ServiceRow& RowOf(const std::string& service) {
+    return *std::find_if(std::begin(kServices), std::end(kServices),
+                         [&](const ServiceRow& row) { return row.name == service; });
 }
 
 /** The lines of a load: what each service does on a device that runs these services. */
 Lines LoadLines(const Device& device) {
     Lines lines{"I JNI_OnLoad", "E InitKvNativeManager"};
-    for (const ServiceTexts& texts : kTexts) {
-        lines.push_back(texts.aidlStart);
-        if (device.IsRunning(kAidl, texts.name)) {
-            lines.push_back(texts.aidlLink);
+    for (const ServiceRow& row : kServices) {
+        lines.push_back(row.aidlStart);
+        if (device.IsRunning(kAidl, row.name)) {
+            lines.push_back(row.aidlLink);
             continue;
         }
-        lines.push_back(texts.aidlNull);
-        if (texts.hidlStart == nullptr) continue;
-        lines.push_back(texts.hidlStart);
-        const bool running = device.IsRunning(kHidl, texts.name);
-        lines.push_back(running ? texts.hidlLink : texts.hidlNull);
+        lines.push_back(row.aidlNull);
+        if (row.hidlStart == nullptr) continue;
+        lines.push_back(row.hidlStart);
+        const bool running = device.IsRunning(kHidl, row.name);
+        lines.push_back(running ? row.hidlLink : row.hidlNull);
     }
     return lines;
 }
@@ -102,6 +56,17 @@ class ConnectionsTest : public LibraryTest {
     }
 };
 
+TEST_F(ConnectionsTest, EveryServiceHasARow) {
+    std::vector<std::string> rows;
+    for (const ServiceRow& row : kServices) {
+        rows.push_back(row.name);
+        EXPECT_EQ(device.Has(kHidl, row.name), row.hidlStart != nullptr) << row.name;
+    }
+    EXPECT_EQ(Device::Services(), rows)
+            << "kServices in tests/every_service.h has to have a row for each of "
+               "Device::Services() in host/device/device.cpp, in the same order.";
+}
+
 TEST_F(ConnectionsTest, EachServiceIsDecidedSeparatelyAndInOrder) {
     for (const char* profile : {"aidl", "hidl", "mixed", "bare"}) {
         SCOPED_TRACE(profile);
@@ -111,33 +76,21 @@ TEST_F(ConnectionsTest, EachServiceIsDecidedSeparatelyAndInOrder) {
         TakeLog();
         EXPECT_EQ(JNI_VERSION_1_4, Load());
         ASSERT_TRUE(Device::Settle());
-        EXPECT_EQ(LoadLines(device), WithoutReinit(TakeLog()));
-        for (const ServiceTexts& texts : kTexts) {
-            SCOPED_TRACE(texts.name);
-            EXPECT_EQ(device.IsRunning(kAidl, texts.name), device.DeathLinks(kAidl, texts.name));
-            EXPECT_EQ(device.IsRunning(kHidl, texts.name), device.DeathLinks(kHidl, texts.name));
+        EXPECT_EQ(LoadLines(device), WithoutReinit(TakeLog()))
+                << "from ConnectServices() in jni/library.cpp";
+        for (const ServiceRow& row : kServices) {
+            SCOPED_TRACE(row.name);
+            EXPECT_EQ(device.IsRunning(kAidl, row.name), device.DeathLinks(kAidl, row.name));
+            EXPECT_EQ(device.IsRunning(kHidl, row.name), device.DeathLinks(kHidl, row.name));
         }
     }
 }
 
 TEST_F(ConnectionsTest, QueriesTellTheirOwnService) {
-    bool (*const queries[])() = {native_aidl::IsFactoryInterfaceAidlVersion,
-                                 native_aidl::IsDisplayServiceAidlVersion,
-                                 native_aidl::IsTouchScreenAidlVersion,
-                                 native_aidl::IsSensorsAidlVersion,
-                                 native_aidl::IsPowerAidlVersion,
-                                 native_aidl::IsLightAidlVersion,
-                                 native_aidl::IsCameraFactoryAidlVersion,
-                                 native_aidl::IsRadioEnhanceAidlVersion,
-                                 native_aidl::IsDisplayFactoryAidlVersion,
-                                 native_aidl::IsFingerprintServiceAidlVersion,
-                                 native_aidl::IsChipSrvInterfaceAidlVersion,
-                                 native_aidl::IsSimAidlVersion,
-                                 native_aidl::IsChipSrvSatAidlVersion};
-    for (size_t held = 0; held < Device::Services().size(); held++) {
-        SCOPED_TRACE(Device::Services()[held]);
-        LoadWith(kAidl, Device::Services()[held]);
-        for (size_t i = 0; i < std::size(queries); i++) EXPECT_EQ(i == held, queries[i]()) << i;
+    for (const ServiceRow& held : kServices) {
+        SCOPED_TRACE(held.name);
+        LoadWith(kAidl, held.name);
+        for (const ServiceRow& row : kServices) EXPECT_EQ(&row == &held, row.isHeld()) << row.name;
     }
 }
 
@@ -172,15 +125,15 @@ TEST_F(ConnectionsTest, ARefusedDeathLinkGoesUnnoticed) {
 // A declared service is waited for, however late it registers.
 TEST_F(ConnectionsTest, ALateServiceHoldsUpTheLoad) {
     for (const char* service : {"light", "fingerprint"}) {
-        const ServiceTexts& texts = TextsOf(service);
+        const ServiceRow& row = RowOf(service);
         for (const Backend backend : {kAidl, kHidl}) {
-            SCOPED_TRACE(texts.name);
+            SCOPED_TRACE(row.name);
             Unload();
             device.Reset();
             device.At(backend, service).Declare();
             std::promise<void> started;
-            OnLine([&, start = backend == kAidl ? texts.aidlStart
-                                                : texts.hidlStart](const std::string& line) {
+            OnLine([&, start = backend == kAidl ? row.aidlStart
+                                                : row.hidlStart](const std::string& line) {
                 if (line == start) started.set_value();
             });
             std::atomic<bool> loaded{false};
@@ -213,8 +166,10 @@ TEST_F(ConnectionsTest, UnloadReleasesEveryServiceAndLoadTakesThemAgain) {
                          "D ExitKvManager by hidl"}),
                   WithoutReinit(TakeLog()));
         for (const std::string& service : Device::Services()) {
-            EXPECT_EQ(0u, device.DeathLinks(kAidl, service)) << service;
-            EXPECT_EQ(0u, device.DeathLinks(kHidl, service)) << service;
+            EXPECT_EQ(0u, device.DeathLinks(kAidl, service))
+                    << service << ": ExitKvManager() in aidl/death.cpp has to release it";
+            EXPECT_EQ(0u, device.DeathLinks(kHidl, service))
+                    << service << ": ExitKvManager() in hidl/death.cpp has to release it";
         }
         Load();
         EXPECT_EQ(LoadLines(device), WithoutReinit(TakeLog()));
@@ -293,7 +248,7 @@ TEST_F(ConnectionsTest, FailuresOfTheVirtualMachineRefuseTheLibrary) {
         return reinterpret_cast<jclass>(&g_env);
     };
     registers.RegisterNatives = [](JNIEnv*, jclass, const JNINativeMethod*, jint count) -> jint {
-        return count == 65 ? -1 : 0;
+        return count == kMethodCount ? -1 : 0;
     };
     const std::string name = "'com/quorvin/kalvornii/KvNativeInterface'";
     const struct {

@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "aidl/services.h"
+#include "every_service.h"
 #include "harness.h"
 #include "hidl/services.h"
 
@@ -24,35 +25,6 @@ bool Eventually(const std::function<bool()>& condition) {
     }
     return true;
 }
-
-const char* const kAidlRestartLines[] = {
-        "I InitAidlFactoryInterface",
-        "I g_aidlFactory linkToDeath",
-        "I InitAidlDisplayService",
-        "I g_aidlDisplayService linkToDeath",
-        "I InitAidlTouchscreen",
-        "I g_aidlTp linkToDeath",
-        "I InitAidlSensors",
-        "I g_aidlSensors linkToDeath",
-        "I InitAidlPower",
-        "I g_aidlPower linkToDeath",
-        "I InitAidlLight",
-        "I g_aidlLight linkToDeath",
-        "I InitAidlCameraFactory",
-        "I g_aidlCameraFactory linkToDeath",
-        "I InitAidlRadioEnhance",
-        "I g_aidlRadioEnhance linkToDeath",
-        "I InitAidlDisplayFactory",
-        "I aidlDisplayFactory linkToDeath",
-        "I InitAidlFingerprintService",
-        "I g_aidlFingerprintSession linkToDeath",
-        "I InitAidlChipSrvInterface",
-        "I aidlChipSrc linkToDeath",
-        "I InitSimInterface",
-        "I g_aidlSim linkToDeath",
-        "I InitChipSrvSat",
-        "I g_aidlChipSat linkToDeath",
-};
 
 class DeathTest : public LibraryTest {
   protected:
@@ -80,9 +52,11 @@ TEST_F(DeathTest, AnyAidlDeathRestartsEveryServiceInOrder) {
         ASSERT_TRUE(Device::Settle());
         Lines expected{"W serviceDied, remote hal service died", "I ExitKvManager by aidl",
                        "I RestartAidlService"};
-        expected.insert(expected.end(), std::begin(kAidlRestartLines), std::end(kAidlRestartLines));
-        EXPECT_EQ(expected, TakeLog());
-        EXPECT_EQ(13u, LinksOf(kAidl));
+        for (const ServiceRow& row : kServices) {
+            expected.insert(expected.end(), {row.aidlStart, row.aidlLink});
+        }
+        EXPECT_EQ(expected, TakeLog()) << "from RestartAidlService() in aidl/death.cpp";
+        EXPECT_EQ(Device::Services().size(), LinksOf(kAidl));
     }
 }
 
@@ -117,6 +91,8 @@ TEST_F(DeathTest, JavaGoesOnWhileTheRestartWaits) {
 
 TEST_F(DeathTest, AServiceThatIsGoneForGoodStaysReleased) {
     LoadWithProfile("mixed");
+    const size_t aidlLinks = LinksOf(kAidl);
+    const size_t hidlLinks = LinksOf(kHidl);
     device.At(kAidl, "power").Undeclare();
     device.At(kAidl, "power").Kill();
     ASSERT_TRUE(Device::Settle());
@@ -124,13 +100,13 @@ TEST_F(DeathTest, AServiceThatIsGoneForGoodStaysReleased) {
     EXPECT_NE(log.end(), std::find(log.begin(), log.end(), "E aidlPower is null"));
     // No HIDL fallback in a restart, and the satellite chip was never there.
     EXPECT_EQ("-9999", java::Call("nativeSetPowerState", {"a", "b"}));
-    EXPECT_EQ(8u, LinksOf(kAidl));
-    EXPECT_EQ(3u, LinksOf(kHidl));
+    EXPECT_EQ(aidlLinks - 1, LinksOf(kAidl));
+    EXPECT_EQ(hidlLinks, LinksOf(kHidl));
 }
 
 TEST_F(DeathTest, ARestartNeverFallsBack) {
-    for (size_t i = 0; i < 11; i++) {
-        const std::string& dying = Device::Services()[i];
+    for (const std::string& dying : Device::Services()) {
+        if (!device.Has(kHidl, dying)) continue;
         SCOPED_TRACE(dying);
         Unload();
         device.Reset();
@@ -139,7 +115,7 @@ TEST_F(DeathTest, ARestartNeverFallsBack) {
         device.At(kAidl, dying).Undeclare();
         device.At(kAidl, dying).Kill();
         ASSERT_TRUE(Device::Settle());
-        EXPECT_EQ(12u, LinksOf(kAidl));
+        EXPECT_EQ(Device::Services().size() - 1, LinksOf(kAidl));
         EXPECT_EQ(0u, LinksOf(kHidl));
     }
 }
@@ -212,12 +188,11 @@ TEST_F(DeathTest, ARegistrationConnectsInOrder) {
     Lines starts = TakeLog();
     const auto isNoStart = [](const std::string& line) { return line.rfind("D Init", 0) != 0; };
     starts.erase(std::remove_if(starts.begin(), starts.end(), isNoStart), starts.end());
-    EXPECT_EQ((Lines{"D InitHidlFactoryInterface", "D InitHidlDisplayService",
-                     "D InitHidlTouchScreen", "D InitHidlSensors", "D InitHidlPower",
-                     "D InitHidlLight", "D InitHidlCameraFactory", "D InitHidlRadioEnhance",
-                     "D InitHidlDisplayFactory", "D InitHidlFingerprintService",
-                     "D InitHidlChipSrvInterface"}),
-              starts);
+    Lines expected;
+    for (const ServiceRow& row : kServices) {
+        if (row.hidlStart != nullptr) expected.push_back(row.hidlStart);
+    }
+    EXPECT_EQ(expected, starts) << "from ReinitHal() in hidl/death.cpp";
 }
 
 // A death that the fingerprint side sees: its session's link carries the session as the cookie.
@@ -235,14 +210,16 @@ TEST_F(DeathTest, UnlinksTheSessionItLinked) {
 
 TEST_F(DeathTest, AHidlDeathReleasesAllAndARegistrationBringsThemBack) {
     LoadWithProfile("hidl");
-    const size_t cookies[] = {1, 2, 3, 4, 5, 6, 7, 9, 10, 13, 14};
-    for (size_t i = 0; i < std::size(cookies); i++) {
-        const std::string& dying = Device::Services()[i];
+    const size_t links = LinksOf(kHidl);
+    for (const ServiceRow& row : kServices) {
+        if (row.hidlStart == nullptr) continue;
+        const std::string dying = row.name;
         SCOPED_TRACE(dying);
         device.At(kHidl, dying).Undeclare();
         device.At(kHidl, dying).Kill();
         ASSERT_TRUE(Device::Settle());
-        EXPECT_EQ((Lines{"W enter into ProcessServiceDied, cookie is:" + std::to_string(cookies[i]),
+        EXPECT_EQ((Lines{"W enter into ProcessServiceDied, cookie is:" +
+                                 std::to_string(row.hidlCookie),
                          "D ExitKvManager by hidl"}),
                   TakeLog());
         EXPECT_EQ(0u, LinksOf(kHidl));
@@ -250,7 +227,7 @@ TEST_F(DeathTest, AHidlDeathReleasesAllAndARegistrationBringsThemBack) {
         EXPECT_EQ(nullptr, native_hidl::g_ztChipSrvInterface);
         device.Start(kHidl, dying);
         ASSERT_TRUE(Device::Settle());
-        EXPECT_EQ(11u, LinksOf(kHidl));
+        EXPECT_EQ(links, LinksOf(kHidl));
         TakeLog();
     }
 }
@@ -287,14 +264,16 @@ TEST_F(DeathTest, ARegistrationLooksUpOnlyWhatIsReleased) {
 
 TEST_F(DeathTest, ADeathDoesNotTouchTheOtherBackend) {
     LoadWithProfile("mixed");
+    const size_t aidlLinks = LinksOf(kAidl);
+    const size_t hidlLinks = LinksOf(kHidl);
     device.At(kHidl, "light").Undeclare();
     device.At(kHidl, "light").Kill();
     ASSERT_TRUE(Device::Settle());
-    EXPECT_EQ(9u, LinksOf(kAidl));
+    EXPECT_EQ(aidlLinks, LinksOf(kAidl));
     EXPECT_EQ(0u, LinksOf(kHidl));
     device.Start(kHidl, "light");
     ASSERT_TRUE(Device::Settle());
-    EXPECT_EQ(3u, LinksOf(kHidl));
+    EXPECT_EQ(hidlLinks, LinksOf(kHidl));
 }
 
 struct Probe {
@@ -320,9 +299,14 @@ const Probe kProbes[] = {
 TEST_F(DeathTest, AHundredDeathsLeaveNothingBehind) {
     LoadWithProfile("mixed");
     const int liveBefore = Device::LiveServices();
+    const size_t linksBefore = LinksOf(kAidl) + LinksOf(kHidl);
+    Lines running;
+    for (const std::string& name : Device::Services()) {
+        if (device.IsRunning(kAidl, name) || device.IsRunning(kHidl, name)) running.push_back(name);
+    }
     std::mt19937 random(20261121);
     for (int i = 0; i < 100; i++) {
-        const std::string& dying = Device::Services()[random() % 12];
+        const std::string& dying = running[random() % running.size()];
         const bool isHidl = !device.IsRunning(kAidl, dying);
         const Backend backend = isHidl ? kHidl : kAidl;
         SCOPED_TRACE(std::to_string(i) + " " + dying);
@@ -338,7 +322,7 @@ TEST_F(DeathTest, AHundredDeathsLeaveNothingBehind) {
             const char* expected = device.IsRunning(kAidl, probe.service) ? "aidl " : "hidl ";
             ASSERT_EQ(Lines{std::string(expected) + probe.call}, device.TakeCalls());
         }
-        ASSERT_EQ(12u, LinksOf(kAidl) + LinksOf(kHidl));
+        ASSERT_EQ(linksBefore, LinksOf(kAidl) + LinksOf(kHidl));
     }
     EXPECT_EQ(liveBefore, Device::LiveServices());
 }

@@ -68,7 +68,7 @@ bool Device::StartProfile(const std::string& profile) {
         if (profile == "aidl") {
             Start(Backend::kAidl, service);
         } else if (profile == "hidl") {
-            if (service != "sim" && service != "satellite") Start(Backend::kHidl, service);
+            if (Has(Backend::kHidl, service)) Start(Backend::kHidl, service);
         } else if (profile == "mixed") {
             if (service == "satellite") continue;
             Start(IsHidlInMixed(service) ? Backend::kHidl : Backend::kAidl, service);
@@ -87,8 +87,12 @@ Service& Device::At(Backend backend, const std::string& service) const {
     return *ServicesOf(backend).at(service);
 }
 
+bool Device::Has(Backend backend, const std::string& service) const {
+    return ServicesOf(backend).count(service) != 0;
+}
+
 bool Device::IsRunning(Backend backend, const std::string& service) const {
-    return ServicesOf(backend).count(service) != 0 && At(backend, service).IsRunning();
+    return Has(backend, service) && At(backend, service).IsRunning();
 }
 
 size_t Device::DeathLinks(Backend backend, const std::string& service) const {

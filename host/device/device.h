@@ -103,11 +103,11 @@ class Device {
   public:
     static Device& Get();
 
-    /** The thirteen services, in the order in which the library connects them. */
+    /** The services, in the order in which the library connects them. */
     static const std::vector<std::string>& Services();
 
     /**
-     * Starts the services of a profile: "aidl" (all thirteen), "hidl" (all eleven), "mixed"
+     * Starts the services of a profile: "aidl" (all), "hidl" (those that HIDL has), "mixed"
      * (sensors, light and touch on HIDL, no satellite chip, the rest on AIDL) or "bare" (none).
      * False for another name.
      */
@@ -140,6 +140,8 @@ class Device {
      * Throws std::out_of_range for a service that the backend does not have.
      */
     Service& At(Backend backend, const std::string& service) const;
+
+    bool Has(Backend backend, const std::string& service) const;
 
     /** False, and no links, for a service that the backend does not have. */
     bool IsRunning(Backend backend, const std::string& service) const;

@@ -78,7 +78,7 @@ public final class RunningTest {
 
     private static final Map<String, String> DEVICES = Map.of(
             "aidl", "every service over AIDL",
-            "hidl", "the eleven services that HIDL has",
+            "hidl", "every service that HIDL has",
             "mixed", "sensors, light and touch over HIDL, no satellite chip, the rest over AIDL",
             "bare", "no service at all");
 
@@ -144,7 +144,10 @@ public final class RunningTest {
         Session.blank();
         Session.row("service", "backend", "serves");
         for (String service : SimulatedDevice.services()) {
-            Session.row(service, SimulatedDevice.holder(service), SERVES.get(service));
+            session.check("SERVES in RunningTest.java tells of " + service, true,
+                    SERVES.containsKey(service));
+            Session.row(service, SimulatedDevice.holder(service),
+                    SERVES.getOrDefault(service, ""));
         }
         Session.blank();
         Session.say("The services: " + Session.holders() + ".");
@@ -473,9 +476,10 @@ public final class RunningTest {
 
     private boolean summary() {
         Session.chapter("Done");
-        session.check("methods never called", Set.of(), session.unused());
-        Session.say(String.format("%d calls of the 65 native methods; %d of them met a service "
-                + "that was not there.", session.calls(), session.unanswered()));
+        session.check("methods that RunningTest.java never calls", Set.of(), session.unused());
+        Session.say(String.format("%d calls of the %d native methods; %d of them met a service "
+                + "that was not there.", session.calls(), Session.natives().size(),
+                session.unanswered()));
         List<String> faults = session.faults();
         Session.say(faults.isEmpty() ? "Everything came as expected." : "Not as expected:");
         for (String fault : faults) Session.fault(fault);

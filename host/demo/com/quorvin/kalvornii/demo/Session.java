@@ -34,7 +34,7 @@ final class Session {
     private static final String MAGENTA = "\033[1;35m";
 
     private final KvNativeInterface kv;
-    private final Set<String> unused = new TreeSet<>();
+    private final Set<String> unused = natives();
     private int calls;
     private int unanswered;
     private final List<String> faults = new ArrayList<>();
@@ -42,9 +42,15 @@ final class Session {
     /** Loads the library. */
     Session() {
         kv = new KvNativeInterface();
+    }
+
+    /** The names of all native methods. */
+    static Set<String> natives() {
+        Set<String> names = new TreeSet<>();
         for (Method method : KvNativeInterface.class.getDeclaredMethods()) {
-            if (Modifier.isNative(method.getModifiers())) unused.add(method.getName());
+            if (Modifier.isNative(method.getModifiers())) names.add(method.getName());
         }
+        return names;
     }
 
     /** The methods that one service answers. */

@@ -17,7 +17,7 @@ final class SimulatedDevice {
     /** Takes all services away without a death, so that the process can end in peace. */
     static native void stop();
 
-    /** The thirteen services, in the order in which the library connects them. */
+    /** The services, in the order in which the library connects them. */
     static native String[] services();
 
     /** The backend over which the library holds a service: "AIDL", "HIDL" or "none". */

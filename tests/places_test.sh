@@ -1,0 +1,81 @@
+#!/bin/bash
+# Each native method and each service stands in every place that has to have it; names what is missing,
+# and from where: places_test.sh SOURCE_DIR
+set -euo pipefail
+cd "$1"
+export LC_ALL=C
+failed=0
+
+java=java/com/quorvin/kalvornii/KvNativeInterface.java
+demo=host/demo/com/quorvin/kalvornii/demo/RunningTest.java
+
+# every NAMES PLACE WHAT: each of these names is in that place's.
+every() {
+    local missing
+    missing=$(comm -23 <(echo "$1") <(echo "$2"))
+    [ -n "$1" ] && [ -z "$missing" ] && return 0
+    printf '%s:\n%s\n' "$3" "$missing"
+    failed=1
+}
+
+# names PATTERN [FILE...]: the last name in each match; there have to be some.
+names() {
+    { grep -ohE -- "$@" || echo "places_test: nothing is like $1" >&2; } |
+        sed -E 's/[^A-Za-z0-9_]*$//; s/.*[^A-Za-z0-9_]//' | sort
+}
+
+check_methods() {
+    local declared table asking tested cases called
+    declared=$(names '\bnative [^ ]+ [A-Za-z0-9]+\(' "$java")
+    table=$(names '^[A-Z_]+\( *[A-Za-z0-9]+,' jni/methods.inc)
+    asking=$(names '^(TWO_BACKENDS|AIDL_ONLY)\( *[A-Za-z0-9]+,' jni/methods.inc)
+    tested=$(names '^    \{"[a-z_]+", "[A-Za-z0-9]+"' tests/every_method_test.cpp)
+    cases=$(find tests -name '*_test.cpp' ! -name every_method_test.cpp -exec cat {} + |
+        names '"[A-Za-z0-9]+"' | uniq)
+    called=$(names '"[A-Za-z0-9]+"' "$demo" | uniq)
+
+    every "$declared" "$table" "$java declares, but jni/methods.inc has no row for"
+    every "$table" "$declared" "jni/methods.inc has a row too many, or $java does not declare"
+    every "$asking" "$tested" "kRows in tests/every_method_test.cpp has no row for"
+    every "$tested" "$asking" "kRows in tests/every_method_test.cpp has a row too many for"
+    every "$declared" "$cases" "No case in the test of its topic, tests/*_test.cpp, calls"
+    every "$declared" "$called" "The demo never calls; the place is $demo"
+}
+
+check_services() {
+    local services
+    services=$(sed -n '/Device::Services() {/,/^}/p' host/device/device.cpp | names '"[a-z_]+"')
+    every "$services" "$(names '^ *services\["[a-z_]+"' host/device/aidl_services.cpp)" \
+        "AidlServices() in host/device/aidl_services.cpp does not make"
+    every "$services" "$(names '^ +\{"[a-z_]+"' tests/every_service.h)" \
+        "kServices in tests/every_service.h has no row for"
+    every "$services" "$(names 'Map\.entry\("[a-z_]+"' "$demo")" "SERVES in $demo does not tell of"
+    every "$(names '^ *services\["[a-z_]+"' host/device/aidl_services.cpp)" "$services" \
+        "Device::Services() in host/device/device.cpp has no"
+}
+
+check_connectors() {
+    local connectors
+    connectors=$(names '^int Init[A-Za-z]+\(' aidl/kalvorn_aidl_manager.h)
+    every "$connectors" "$(names 'native_aidl::Init[A-Za-z]+\(' jni/library.cpp)" \
+        "ConnectServices() in jni/library.cpp does not call native_aidl's"
+    every "$connectors" "$(names '\bInit[A-Za-z]+\(' aidl/death.cpp)" \
+        "RestartAidlService() in aidl/death.cpp does not call"
+    every "$(names '^extern sp<I[A-Za-z]+> g_[A-Za-z]+' aidl/services.h)" \
+        "$(names 'Release\(&g_[A-Za-z]+' aidl/death.cpp)" \
+        "ExitKvManager() in aidl/death.cpp does not release"
+
+    connectors=$(names '^void Init[A-Za-z]+\(' hidl/kalvorn_hidl_manager.h)
+    every "$connectors" "$(names 'native_hidl::Init[A-Za-z]+\(' jni/library.cpp)" \
+        "ConnectServices() in jni/library.cpp does not call native_hidl's"
+    every "$connectors" "$(names '\bInit[A-Za-z]+\(' hidl/death.cpp)" \
+        "ReinitHal() in hidl/death.cpp does not call"
+    every "$(names '^extern sp<I[A-Za-z]+> g_[A-Za-z]+' hidl/services.h)" \
+        "$(names 'Release\(&g_[A-Za-z]+' hidl/death.cpp)" \
+        "ExitKvManager() in hidl/death.cpp does not release"
+}
+
+check_methods
+check_services
+check_connectors
+exit "$failed"
