@@ -1,5 +1,6 @@
 #include "common/big_data.h"
 
+#include <string>
 #include <vector>
 
 #include "aidl/services.h"
@@ -11,8 +12,8 @@ using vendor::zantor::hardware::qxfactoryinterface::FmdMsg;
 
 namespace {
 
-const char* Same(const char* text) {
-    return text;
+void Set(const char* text, std::string* field) {
+    *field = text;
 }
 
 }  // namespace
@@ -27,7 +28,7 @@ int native_aidl::KvSendFmdOperation(JNIEnv* env, jobject, jobject operation) {
             record.version, record.commandId, record.operation, record.bsn, record.station,
             record.cycle);
     FmdCmdData data{};  // its reserved texts stay empty
-    FillCommand(record, Same, &data);
+    FillCommand(record, Set, &data);
     factory->sendBigDataOperation(data, &result);
     KV_LOGI("SendBigDataOperation, result: %d", result);
     return result;
@@ -52,7 +53,7 @@ int native_aidl::KvSendFmdData(JNIEnv* env, jobject, jobject value) {
     message.dataSource = record.dataSource;
     message.numEvents = 1;
     message.events = std::vector<FmdEvent>(1);
-    FillEvent(record, Same, &message.events[0]);  // its reserved texts stay empty
+    FillEvent(record, Set, &message.events[0]);  // its reserved texts stay empty
     factory->sendBigData(message, &result);
     KV_LOGI("SendBigData, result: %d", result);
     return result;

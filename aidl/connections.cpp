@@ -68,7 +68,8 @@ void FromBinder(void* service, const sp<IBinder>& binder) {
 template <typename Interface>
 constexpr Service Describe(sp<Interface>* global, const char* instance, const char* startText,
                            const char* nullText, const char* linkText) {
-    static_assert(held::kAtOneAddress<IInterface, Interface>, "see Connect");
+    static_assert(held::kAtOneAddress<IInterface, Interface>,
+                  "Connect takes the global for one of the base class");
     return {global,  &Interface::descriptor, FromBinder<Interface>, instance, startText, nullText,
             linkText};
 }

@@ -45,7 +45,8 @@ int InitFingerprintService() {
         KV_LOGE("g_aidlFingerprintSession is null");
         return 0;
     }
-    held::Publish(&g_aidlFingerprintSession, session);
+    // Empty until now: a teardown empties it before the interface, which is this connector's.
+    std::atomic_store(&g_aidlFingerprintSession, session);
     KV_LOGI("g_aidlFingerprintSession linkToDeath");
     AIBinder_linkToDeath(session->asBinder().get(), g_deathRecipient.get(), session.get());
     // A teardown that took the session before it was linked had nothing to unlink.

@@ -44,35 +44,35 @@ bool ReadBigData(JNIEnv* env, jobject operation, BigDataOperation* record);
 bool ReadBigData(JNIEnv* env, jobject value, BigDataValue* record);
 
 /**
- * Fill a backend's record, whose other fields stay as they are. Each text goes through
- * `toText`, which makes the record's kind of string of it.
+ * Fill a backend's record, whose other fields stay as they are; `set(text, &field)` puts a text
+ * into the record's kind of string.
  */
-template <typename CmdData, typename ToText>
-void FillCommand(const BigDataOperation& operation, ToText toText, CmdData* data) {
+template <typename CmdData, typename Set>
+void FillCommand(const BigDataOperation& operation, Set set, CmdData* data) {
     data->version = operation.version;
     data->commandId = operation.commandId;
     data->operation = operation.operation;
     data->cycle = operation.cycle;
-    data->station = toText(operation.station);
-    data->bsn = toText(operation.bsn);
+    set(operation.station, &data->station);
+    set(operation.bsn, &data->bsn);
 }
 
-template <typename Event, typename ToText>
-void FillEvent(const BigDataValue& value, ToText toText, Event* event) {
+template <typename Event, typename Set>
+void FillEvent(const BigDataValue& value, Set set, Event* event) {
     event->errorCode = value.errorCode;
     event->itemId = value.itemId;
     event->cycle = value.cycle;
-    event->result = toText(value.result);
-    event->station = toText(value.station);
-    event->bsn = toText(value.bsn);
-    event->time = toText(value.time);
-    event->deviceName = toText(value.deviceName);
-    event->testName = toText(value.testName);
-    event->value = toText(value.value);
-    event->minThreshold = toText(value.minThreshold);
-    event->maxThreshold = toText(value.maxThreshold);
-    event->firmware = toText(value.firmware);
-    event->description = toText(value.description);
+    set(value.result, &event->result);
+    set(value.station, &event->station);
+    set(value.bsn, &event->bsn);
+    set(value.time, &event->time);
+    set(value.deviceName, &event->deviceName);
+    set(value.testName, &event->testName);
+    set(value.value, &event->value);
+    set(value.minThreshold, &event->minThreshold);
+    set(value.maxThreshold, &event->maxThreshold);
+    set(value.firmware, &event->firmware);
+    set(value.description, &event->description);
 }
 
 }  // namespace kalvorn

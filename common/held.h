@@ -51,6 +51,7 @@ constexpr Word kUnlinked = 1;
 template <typename T>
 T* ServiceIn(Word word) {
     static_assert(alignof(T) > kUnlinked, "the mark needs a bit that no address has set");
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): it was a pointer
     return reinterpret_cast<T*>(word & ~kUnlinked);
 }
 

@@ -17,7 +17,7 @@ int native_hidl::KvSendFmdOperation(JNIEnv* env, jobject, jobject operation) {
             record.version, record.commandId, record.operation, record.bsn, record.station,
             record.cycle);
     FmdCmdData data{};
-    FillCommand(record, Borrow, &data);
+    FillCommand(record, BorrowInto, &data);
     return factory->sendBigDataOperation(data);
 }
 
@@ -39,6 +39,6 @@ int native_hidl::KvSendFmdData(JNIEnv* env, jobject, jobject value) {
     message.dataSource = record.dataSource;
     message.numEvents = 1;
     message.events.resize(1);
-    FillEvent(record, Borrow, &message.events[0]);
+    FillEvent(record, BorrowInto, &message.events[0]);
     return factory->sendBigData(message);
 }

@@ -48,7 +48,8 @@ template <typename Interface>
 constexpr Service Describe(sp<Interface>* global, const char* instance, uint64_t cookie,
                            const char* startText, int linkPriority, const char* linkText,
                            const char* nullText) {
-    static_assert(held::kAtOneAddress<IBase, Interface>, "see Connect");
+    static_assert(held::kAtOneAddress<IBase, Interface>,
+                  "Connect takes the global for one of the base class");
     return {global,
             GetService<Interface>,
             Interface::registerForNotifications,

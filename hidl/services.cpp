@@ -22,8 +22,12 @@ std::function<void(int32_t, const hidl_string&)> StoreIn(int32_t* code, hidl_str
 
 hidl_string Borrow(const char* chars) {
     hidl_string text;
-    text.setToExternal(chars, strlen(chars));
+    BorrowInto(chars, &text);
     return text;
+}
+
+void BorrowInto(const char* chars, hidl_string* text) {
+    text->setToExternal(chars, strlen(chars));
 }
 
 }  // namespace native_hidl

@@ -101,6 +101,7 @@ std::function<void(int32_t, const hidl_string&)> StoreIn(int32_t* code, hidl_str
 
 /** Characters as a HIDL string without a copy; they must outlive it. */
 hidl_string Borrow(const char* chars);
+void BorrowInto(const char* chars, hidl_string* text);
 
 /**
  * The watcher's callbacks: a death releases every service, a new registration reconnects them,
