@@ -2,10 +2,12 @@
 
 #include <string.h>
 
+#include <new>
+
 namespace native_hidl {
 
 void Hold(const sp<IBase>& global, const char* nullText, sp<IBase>* service) {
-    *service = held::Copy(global);
+    new (service) sp<IBase>(held::Copy(global));  // in the place of a null one
     if (*service == nullptr) KV_LOGE("%s", nullText);
 }
 
