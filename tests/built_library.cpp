@@ -17,9 +17,11 @@ Function* EntryPoint(const char* name) {
 
 jint Load() {
     const java::LocalFrame frame;  // as the virtual machine has one for the call
+    const java::LibraryCall call("JNI_OnLoad");
     return EntryPoint<decltype(JNI_OnLoad)>("JNI_OnLoad")(java::Vm(), nullptr);
 }
 
 void Unload() {
+    const java::LibraryCall call("JNI_OnUnload");
     EntryPoint<decltype(JNI_OnUnload)>("JNI_OnUnload")(java::Vm(), nullptr);
 }

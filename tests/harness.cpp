@@ -4,6 +4,7 @@
 #include <string.h>
 
 #include <mutex>
+#include <numeric>
 #include <sstream>
 
 namespace {
@@ -31,6 +32,56 @@ void CaptureLog(const __android_logger_data* data, const char* message) {
 
 // The virtual machine's own, whatever a test puts in their place.
 const JNINativeInterface* g_functions;
+// Those, but local references are counted. The virtual machine's own go on with what later JNI
+// versions add, which nothing here calls.
+JNINativeInterface g_referenceCounting;
+// How many the thread's call of the library holds, by frame.
+thread_local std::vector<int> t_references{0};
+
+/** Does what the function does, which returns a new local reference. */
+template <auto kFunction, typename Reference, typename... Args>
+Reference Counted(JNIEnv* env, Args... args) {
+    // What the virtual machine makes itself for it, as when it loads a class, it frees as well.
+    const JNINativeInterface* functions = std::exchange(env->functions, g_functions);
+    Reference made = (g_functions->*kFunction)(env, args...);
+    env->functions = functions;
+    if (made != nullptr) t_references.back()++;
+    return made;
+}
+
+template <auto... kFunctions>
+void CountMadeBy() {
+    ((g_referenceCounting.*kFunctions = Counted<kFunctions>), ...);
+}
+
+void CountReferences() {
+    using Jni = JNINativeInterface;
+    g_referenceCounting = *g_functions;
+    // A variadic one is inlined in C++ and calls the one with a V.
+    CountMadeBy<&Jni::NewLocalRef, &Jni::FindClass, &Jni::DefineClass, &Jni::GetObjectClass,
+                &Jni::GetSuperclass, &Jni::AllocObject, &Jni::NewObjectV, &Jni::NewObjectA,
+                &Jni::CallObjectMethodV, &Jni::CallObjectMethodA, &Jni::CallStaticObjectMethodV,
+                &Jni::CallStaticObjectMethodA, &Jni::CallNonvirtualObjectMethodV,
+                &Jni::CallNonvirtualObjectMethodA, &Jni::GetObjectField, &Jni::GetStaticObjectField,
+                &Jni::GetObjectArrayElement, &Jni::NewString, &Jni::NewStringUTF,
+                &Jni::NewObjectArray, &Jni::NewBooleanArray, &Jni::NewByteArray, &Jni::NewCharArray,
+                &Jni::NewShortArray, &Jni::NewIntArray, &Jni::NewLongArray, &Jni::NewFloatArray,
+                &Jni::NewDoubleArray, &Jni::NewDirectByteBuffer, &Jni::ExceptionOccurred,
+                &Jni::ToReflectedMethod, &Jni::ToReflectedField>();
+    g_referenceCounting.DeleteLocalRef = [](JNIEnv* env, jobject reference) {
+        if (reference != nullptr) t_references.back()--;
+        g_functions->DeleteLocalRef(env, reference);
+    };
+    g_referenceCounting.PushLocalFrame = [](JNIEnv* env, jint capacity) {
+        const jint refused = g_functions->PushLocalFrame(env, capacity);
+        if (refused == JNI_OK) t_references.push_back(0);
+        return refused;
+    };
+    g_referenceCounting.PopLocalFrame = [](JNIEnv* env, jobject result) {
+        if (t_references.size() > 1) t_references.pop_back();
+        return Counted<&Jni::PopLocalFrame, jobject>(env, result);
+    };
+}
 
 JavaVM* StartVm() {
     static char classPath[] = "-Djava.class.path=" KALVORN_CLASS_PATH;
@@ -44,6 +95,7 @@ JavaVM* StartVm() {
     JNIEnv* env = nullptr;
     if (JNI_CreateJavaVM(&vm, &env, &args) != JNI_OK) abort();
     g_functions = env->functions;
+    CountReferences();
     return vm;
 }
 
@@ -163,6 +215,22 @@ jobject Application() {
     return application;
 }
 
+LibraryCall::LibraryCall(std::string name)
+    : mName(std::move(name)),
+      mFunctions(Env()->functions),
+      mReferences(std::exchange(t_references, {0})) {
+    // What counts the library's use counts references too.
+    if (mFunctions == g_functions) Env()->functions = &g_referenceCounting;
+}
+
+LibraryCall::~LibraryCall() {
+    constexpr int kGuaranteed = 16;
+    EXPECT_LE(std::accumulate(t_references.begin(), t_references.end(), 0), kGuaranteed)
+            << "local references left behind by " << mName;
+    t_references = std::move(mReferences);
+    Env()->functions = mFunctions;
+}
+
 std::string Call(const std::string& method, const std::vector<Arg>& args) {
     JNIEnv* env = Env();
     const JNINativeInterface* functions = std::exchange(env->functions, g_functions);
@@ -177,10 +245,10 @@ std::string Call(const std::string& method, const std::vector<Arg>& args) {
     jobject object = nullptr;
     jobject application = Application();
     env->functions = functions;
-    if (isNumber) {
-        number = env->CallIntMethodA(application, id, values.data());
+    if (const LibraryCall call(method); isNumber) {
+        number = g_functions->CallIntMethodA(env, application, id, values.data());
     } else {
-        object = env->CallObjectMethodA(application, id, values.data());
+        object = g_functions->CallObjectMethodA(env, application, id, values.data());
     }
     env->functions = g_functions;
     EXPECT_FALSE(env->ExceptionCheck()) << method;
@@ -217,7 +285,6 @@ namespace {
 JniUse g_use;
 Jni g_refused = Jni::kNothing;
 int g_granted;
-// The virtual machine's own goes on with what later JNI versions add, which nothing here calls.
 JNINativeInterface g_counting;
 
 /** Whether this request is the one to refuse; then its exception is pending. */
@@ -242,7 +309,7 @@ void CountTexts() {
         g_functions->ReleaseStringUTFChars(env, text, chars);
     };
     g_counting.NewStringUTF = [](JNIEnv* env, const char* text) {
-        return Refuses(env, Jni::kText) ? nullptr : g_functions->NewStringUTF(env, text);
+        return Refuses(env, Jni::kText) ? nullptr : g_referenceCounting.NewStringUTF(env, text);
     };
 }
 
@@ -260,7 +327,8 @@ void CountArrays() {
         g_functions->ReleaseByteArrayElements(env, array, elements, mode);
     };
     g_counting.NewIntArray = [](JNIEnv* env, jsize length) {
-        return Refuses(env, Jni::kIntArray) ? nullptr : g_functions->NewIntArray(env, length);
+        return Refuses(env, Jni::kIntArray) ? nullptr
+                                            : g_referenceCounting.NewIntArray(env, length);
     };
     g_counting.GetIntArrayElements = [](JNIEnv* env, jintArray array, jboolean* isCopy) -> jint* {
         if (Refuses(env, Jni::kIntElements)) return nullptr;
@@ -276,7 +344,7 @@ void CountArrays() {
 
 void CountLookups() {
     g_counting.FindClass = [](JNIEnv* env, const char* name) {
-        return Refuses(env, Jni::kClass) ? nullptr : g_functions->FindClass(env, name);
+        return Refuses(env, Jni::kClass) ? nullptr : g_referenceCounting.FindClass(env, name);
     };
     g_counting.GetFieldID = [](JNIEnv* env, jclass clazz, const char* name, const char* type) {
         return Refuses(env, Jni::kField) ? nullptr
@@ -293,7 +361,7 @@ void CountLookups() {
 
 CountJniUse::CountJniUse() {
     g_use = {};
-    g_counting = *g_functions;
+    g_counting = g_referenceCounting;
     CountTexts();
     CountArrays();
     CountLookups();

@@ -47,6 +47,23 @@ jstring String(const char* modifiedUtf8);
 jobject NewObject(const Object& object);
 
 /**
+ * Within its scope the library is called on this thread. The test fails when more local references
+ * are left behind than the 16 that a call has room for; few virtual machines warn of them.
+ */
+class LibraryCall {
+  public:
+    explicit LibraryCall(std::string name);
+    ~LibraryCall();
+    LibraryCall(const LibraryCall&) = delete;
+    LibraryCall& operator=(const LibraryCall&) = delete;
+
+  private:
+    const std::string mName;
+    const JNINativeInterface* mFunctions;
+    std::vector<int> mReferences;
+};
+
+/**
  * Calls a native method on the application's KvNativeInterface object. The result as text: 5,
  * "text" in quotes, null, or {1, 2}. An exception fails the test.
  */

@@ -12,9 +12,11 @@ extern "C" JNIEXPORT jint JNICALL JNI_OnLoad__kalvorn(JavaVM*, void*) {
 
 jint Load() {
     const java::LocalFrame frame;  // as the virtual machine has one for the call
+    const java::LibraryCall call("JNI_OnLoad");
     return JNI_OnLoad(java::Vm(), nullptr);
 }
 
 void Unload() {
+    const java::LibraryCall call("JNI_OnUnload");
     JNI_OnUnload(java::Vm(), nullptr);
 }
