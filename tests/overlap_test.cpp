@@ -30,7 +30,7 @@ class OverlapTest : public LibraryTest {
 
     /** Counts the lines of that text; to be used before they can come. */
     static std::shared_ptr<std::atomic<int>> CountOf(const std::string& line) {
-        const auto count = std::make_shared<std::atomic<int>>(0);
+        auto count = std::make_shared<std::atomic<int>>(0);
         OnLine([=](const std::string& logged) { *count += logged == line ? 1 : 0; });
         return count;
     }

@@ -20,8 +20,6 @@
 namespace {
 
 using std::chrono::microseconds;
-using std::chrono::seconds;
-using std::chrono::steady_clock;
 
 const bool g_long = getenv("KALVORN_STORM") != nullptr;
 
