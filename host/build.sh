@@ -16,7 +16,7 @@ fi
 
 mkdir -p "$build"
 # What was configured for the demo, where no test library was installed, has no tests yet.
-if [ ! -f "$build/build.ninja" ] ||
+if [ ! -f "$build/build.ninja" ] || [ CMakePresets.json -nt "$build/build.ninja" ] ||
     { [ $# = 1 ] && ! grep -q '^build kalvorn_tests:' "$build/build.ninja"; }; then
     cmake --preset "$preset" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
 fi
