@@ -104,16 +104,9 @@ TEST_F(DisplayTest, EveryGeneralScene) {
 // clang-format off
 TEST_F(DisplayTest, AnswersOfTheServices) {
     Run({
-            {kHidl, "display", "nativeDisplayTest", {"red"}, {{"displayTest", Fault::kDeadObject}},
-             {"display.displayTest(2, 2)"},
-             {"I DisplayTestByHidl", "E DisplayTest scene = 2\n"}, "\"\""},
             {kHidl, "display@1.0", "nativeDisplayTest", {"blue"}, {{"displayTest", {0, "blue on"}}},
              {"display.displayTest(2, 4)"},
              {"I DisplayTestByHidl", "E DisplayTest scene = 4\n"}, "\"blue on\""},
-            {kHidl, "display_factory", "nativeDisplayGeneralTest", {"vertical_scene4"},
-             {{"displayGeneralTest", Fault::kDeadObject}},
-             {"display_factory.displayGeneralTest(2, 22)"},
-             {"I DisplayGeneralTestByHidl", "E DisplayTest scene = 22\n"}, "\"\""},
     });
 }
 
@@ -131,32 +124,19 @@ TEST_F(DisplayTest, EachTestGoesToItsOwnService) {
 }
 
 TEST_F(DisplayTest, Hertz) {
-    Run({
-            {kAidl, "chip", "nativeStartHertzTest", {}, {{"startHertzTest", {6, "90:144"}}},
+    Run(OnBoth({
+            {"chip", "nativeStartHertzTest", {}, {{"startHertzTest", {6, "90:144"}}},
              {"chip.startHertzTest()"},
-             {"I StartHertzTestByAidl", "I startHertzTest parameters carried:90:144"},
-             "\"90:144\""},
-            {kHidl, "chip", "nativeStartHertzTest", {}, {{"startHertzTest", {6, "90:144"}}},
-             {"chip.startHertzTest()"},
-             {"I StartHertzTestByHidl", "D StartHertzTest resultCode:6, parameters carried:90:144"},
-             "\"90:144\""},
-            {kHidl, "chip", "nativeStartHertzTest", {}, {{"startHertzTest", Fault::kDeadObject}},
-             {"chip.startHertzTest()"},
-             {"I StartHertzTestByHidl", "D StartHertzTest resultCode:0, parameters carried:"},
-             "\"\""},
-            {kAidl, "chip", "nativeStopHertzTest", {}, {{"stopHertzTest", {-5}}},
-             {"chip.stopHertzTest()"},
-             {"I StopHertzTestByAidl", "I Stop hertz test result = -5\n"}, "-5"},
-            {kHidl, "chip", "nativeStopHertzTest", {}, {{"stopHertzTest", {-5}}},
-             {"chip.stopHertzTest()"},
-             {"I StopHertzTestByHidl", "E stop hertz test result = -5\n"}, "-5"},
-            {kAidl, "chip", "nativeGetHertzTestResult", {}, {{"getHertzTestResult", {120}}},
+             "I StartHertzTest", {"I startHertzTest parameters carried:90:144"},
+             {"D StartHertzTest resultCode:6, parameters carried:90:144"}, "\"90:144\""},
+            {"chip", "nativeStopHertzTest", {}, {{"stopHertzTest", {-5}}}, {"chip.stopHertzTest()"},
+             "I StopHertzTest", {"I Stop hertz test result = -5\n"},
+             {"E stop hertz test result = -5\n"}, "-5"},
+            {"chip", "nativeGetHertzTestResult", {}, {{"getHertzTestResult", {120}}},
              {"chip.getHertzTestResult()"},
-             {"I GetHertzTestResultByAidl", "I hertz test res = 120\n"}, "120"},
-            {kHidl, "chip", "nativeGetHertzTestResult", {}, {{"getHertzTestResult", {120}}},
-             {"chip.getHertzTestResult()"},
-             {"I GetHertzTestResultByHidl", "E hertz test result = 120\n"}, "120"},
-    });
+             "I GetHertzTestResult", {"I hertz test res = 120\n"}, {"E hertz test result = 120\n"},
+             "120"},
+    }));
 }
 
 TEST_F(DisplayTest, FrameRateConfigurationOverAidl) {
@@ -214,37 +194,24 @@ TEST_F(DisplayTest, FrameRateConfigurationOverHidl) {
              {"I GetScreenFpsConfigByScenesByHidl", "I setDisplayFps, freqIndex: 4, ret: 0",
               "I getDisplayFpsConfig, fpsConfig: "},
              "\"\""},
-            {kHidl, "display@1.0", "nativeGetScreenFpsConfigByScenes", {4}, {}, {},
-             {"I GetScreenFpsConfigByScenesByHidl",
-              "E displayServiceNewVer is null, not support multi fps"},
-             "\"INVALID_SERVICE\""},
     });
 }
 
 TEST_F(DisplayTest, FrameRate) {
-    Run({
-            {kAidl, "display", "nativeSetScreenFps", {3}, {{"setDisplayFps", {0}}},
+    Run(OnBoth({
+            {"display", "nativeSetScreenFps", {3}, {{"setDisplayFps", {0}}},
              {"display.setDisplayFps(3)"},
-             {"I SetScreenFpsByAidl", "I setDisplayFps, freqIndex: 3, res: 0"}, "0"},
-            {kAidl, "display", "nativeSetScreenFps", {3}, {{"setDisplayFps", {-2}}},
+             "I SetScreenFps", {"I setDisplayFps, freqIndex: 3, res: 0"},
+             {"I setDisplayFps, freqIndex: 3, ret: 0"}, "0"},
+            {"display", "nativeSetScreenFps", {3}, {{"setDisplayFps", {-2}}},
              {"display.setDisplayFps(3)"},
-             {"I SetScreenFpsByAidl", "I setDisplayFps, freqIndex: 3, res: -2"}, "-1"},
-            {kAidl, "display", "nativeSetScreenFps", {3}, {{"setDisplayFps", {8}}},
+             "I SetScreenFps", {"I setDisplayFps, freqIndex: 3, res: -2"},
+             {"I setDisplayFps, freqIndex: 3, ret: -2"}, "-1"},
+            {"display", "nativeSetScreenFps", {3}, {{"setDisplayFps", {8}}},
              {"display.setDisplayFps(3)"},
-             {"I SetScreenFpsByAidl", "I setDisplayFps, freqIndex: 3, res: 8"}, "-1"},
-            {kHidl, "display", "nativeSetScreenFps", {3}, {{"setDisplayFps", {0}}},
-             {"display.setDisplayFps(3)"},
-             {"I SetScreenFpsByHidl", "I setDisplayFps, freqIndex: 3, ret: 0"}, "0"},
-            {kHidl, "display", "nativeSetScreenFps", {3}, {{"setDisplayFps", {-2}}},
-             {"display.setDisplayFps(3)"},
-             {"I SetScreenFpsByHidl", "I setDisplayFps, freqIndex: 3, ret: -2"}, "-1"},
-            {kHidl, "display", "nativeSetScreenFps", {3}, {{"setDisplayFps", {8}}},
-             {"display.setDisplayFps(3)"},
-             {"I SetScreenFpsByHidl", "I setDisplayFps, freqIndex: 3, ret: 8"}, "-1"},
-            {kHidl, "display@1.0", "nativeSetScreenFps", {3}, {}, {},
-             {"I SetScreenFpsByHidl", "E displayServiceNewVer is null, not support multi fps"},
-             "-9999"},
-    });
+             "I SetScreenFps", {"I setDisplayFps, freqIndex: 3, res: 8"},
+             {"I setDisplayFps, freqIndex: 3, ret: 8"}, "-1"},
+    }));
 }
 
 // clang-format on
