@@ -156,44 +156,32 @@ TEST_F(DisplayTest, FrameRateConfigurationOverAidl) {
     });
 }
 
-// HIDL has no scenes: the rate is switched first, and what is then in force is read.
+/** HIDL has no scenes: the rate is switched first, and what is then in force is read. */
+Case HidlFrameRateConfiguration(const Answer& switched, const Answer& read, const std::string& last,
+                                const std::string& result) {
+    std::vector<std::string> calls{"display.setDisplayFps(4)"};
+    if (switched.code == 0) calls.push_back("display.getDisplayFpsConfig()");
+    return {kHidl, "display", "nativeGetScreenFpsConfigByScenes", {4},
+            {{"setDisplayFps", switched}, {"getDisplayFpsConfig", read}}, calls,
+            {"I GetScreenFpsConfigByScenesByHidl",
+             "I setDisplayFps, freqIndex: 4, ret: " + std::to_string(switched.code), last},
+            result};
+}
+
 TEST_F(DisplayTest, FrameRateConfigurationOverHidl) {
+    const std::string failed = "E get display fps config failed, ret: ";
     Run({
-            {kHidl, "display", "nativeGetScreenFpsConfigByScenes", {4},
-             {{"getDisplayFpsConfig", {0, "60,90"}}},
-             {"display.setDisplayFps(4)", "display.getDisplayFpsConfig()"},
-             {"I GetScreenFpsConfigByScenesByHidl", "I setDisplayFps, freqIndex: 4, ret: 0",
-              "I getDisplayFpsConfig, fpsConfig: 60,90"},
-             "\"60,90\""},
-            {kHidl, "display", "nativeGetScreenFpsConfigByScenes", {4}, {{"setDisplayFps", {3}}},
-             {"display.setDisplayFps(4)"},
-             {"I GetScreenFpsConfigByScenesByHidl", "I setDisplayFps, freqIndex: 4, ret: 3",
-              "E setDisplayFps failed, ret: 3"},
-             "null"},
-            {kHidl, "display", "nativeGetScreenFpsConfigByScenes", {4}, {{"setDisplayFps", {-3}}},
-             {"display.setDisplayFps(4)"},
-             {"I GetScreenFpsConfigByScenesByHidl", "I setDisplayFps, freqIndex: 4, ret: -3",
-              "E setDisplayFps failed, ret: -3"},
-             "null"},
-            {kHidl, "display", "nativeGetScreenFpsConfigByScenes", {4},
-             {{"getDisplayFpsConfig", {-2, "60,90"}}},
-             {"display.setDisplayFps(4)", "display.getDisplayFpsConfig()"},
-             {"I GetScreenFpsConfigByScenesByHidl", "I setDisplayFps, freqIndex: 4, ret: 0",
-              "E get display fps config failed, ret: -2"},
-             "null"},
-            {kHidl, "display", "nativeGetScreenFpsConfigByScenes", {4},
-             {{"getDisplayFpsConfig", {1, "60,90"}}},
-             {"display.setDisplayFps(4)", "display.getDisplayFpsConfig()"},
-             {"I GetScreenFpsConfigByScenesByHidl", "I setDisplayFps, freqIndex: 4, ret: 0",
-              "E get display fps config failed, ret: 1"},
-             "null"},
+            HidlFrameRateConfiguration({0}, {0, "60,90"},
+                                       "I getDisplayFpsConfig, fpsConfig: 60,90", "\"60,90\""),
+            HidlFrameRateConfiguration({3}, {}, "E setDisplayFps failed, ret: 3", "null"),
+            HidlFrameRateConfiguration({-3}, {}, "E setDisplayFps failed, ret: -3", "null"),
+            HidlFrameRateConfiguration({0}, {-2, "60,90"}, failed + "-2", "null"),
+            HidlFrameRateConfiguration({0}, {1, "60,90"}, failed + "1", "null"),
             // The code of the switch still stands when nothing comes after it.
-            {kHidl, "display", "nativeGetScreenFpsConfigByScenes", {4},
-             {{"getDisplayFpsConfig", Fault::kDeadObject}},
-             {"display.setDisplayFps(4)", "display.getDisplayFpsConfig()"},
-             {"I GetScreenFpsConfigByScenesByHidl", "I setDisplayFps, freqIndex: 4, ret: 0",
-              "I getDisplayFpsConfig, fpsConfig: "},
-             "\"\""},
+            HidlFrameRateConfiguration({0}, Fault::kDeadObject,
+                                       "I getDisplayFpsConfig, fpsConfig: ", "\"\""),
+            HidlFrameRateConfiguration({0}, Fault::kTransport,
+                                       "I getDisplayFpsConfig, fpsConfig: ", "\"\""),
     });
 }
 

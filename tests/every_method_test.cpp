@@ -444,7 +444,7 @@ TEST_F(EveryMethodTest, WithACallThatFails) {
         for (const Backend backend : BackendsOf(row)) {
             const char* expected = backend == kAidl ? row.aidlFails : row.hidlFails;
             if (expected == nullptr) continue;                              // ends the process
-            if (backend == kHidl && row.hidlFailsLog == nullptr) continue;  // two calls
+            if (backend == kHidl && row.hidlFailsLog == nullptr) continue;  // in display_test.cpp
             const Lines log = Split(backend == kAidl ? row.aidlFailsLog : row.hidlFailsLog);
             for (const Fault fault : {Fault::kTransport, Fault::kDeadObject}) {
                 Connect(backend, row);

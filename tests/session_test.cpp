@@ -144,31 +144,22 @@ TEST_F(SessionTest, PowerState) {
              {"I SetPowerStateByHidl", "E SetPowerState, testScene:s, para:p",
               "E SetPowerState result:-4"},
              "-4"},
-            {kAidl, "power", "nativeGetPowerState", {"s"}, {{"getPowerState", {0, "idle"}}},
-             {"power.getPowerState(\"com.quorvin.kalvornii\", \"s\")"},
-             {"I GetPowerStateByAidl", "I getPowerState, scene:s", "I getPowerState, resultCode:0",
-              "I getPowerState result:idle"},
-             "\"idle\""},
-            {kHidl, "power", "nativeGetPowerState", {"s"}, {{"getPowerState", {0, "idle"}}},
-             {"power.getPowerState(\"s\")"},
-             {"I GetPowerStateByHidl", "E GetPowerState, scene:s", "E GetPowerState, resultCode:0",
-              "E GetPowerState result:idle"},
-             "\"idle\""},
     });
     // Any code but 0 empties the text.
-    for (const int code : {1, -1}) {
+    for (const int code : {0, 1, -1}) {
         const std::string shown = std::to_string(code);
+        const std::string text = code == 0 ? "idle" : "";
         Run({
                 {kAidl, "power", "nativeGetPowerState", {"s"}, {{"getPowerState", {code, "idle"}}},
                  {"power.getPowerState(\"com.quorvin.kalvornii\", \"s\")"},
                  {"I GetPowerStateByAidl", "I getPowerState, scene:s",
-                  "I getPowerState, resultCode:" + shown, "I getPowerState result:"},
-                 "\"\""},
+                  "I getPowerState, resultCode:" + shown, "I getPowerState result:" + text},
+                 '"' + text + '"'},
                 {kHidl, "power", "nativeGetPowerState", {"s"}, {{"getPowerState", {code, "idle"}}},
                  {"power.getPowerState(\"s\")"},
                  {"I GetPowerStateByHidl", "E GetPowerState, scene:s",
-                  "E GetPowerState, resultCode:" + shown, "E GetPowerState result:"},
-                 "\"\""},
+                  "E GetPowerState, resultCode:" + shown, "E GetPowerState result:" + text},
+                 '"' + text + '"'},
         });
     }
     EXPECT_EQ("\"old value\"", java::StaticField("currentValue"));
