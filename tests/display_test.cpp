@@ -102,14 +102,6 @@ TEST_F(DisplayTest, EveryGeneralScene) {
 }
 
 // clang-format off
-TEST_F(DisplayTest, AnswersOfTheServices) {
-    Run({
-            {kHidl, "display@1.0", "nativeDisplayTest", {"blue"}, {{"displayTest", {0, "blue on"}}},
-             {"display.displayTest(2, 4)"},
-             {"I DisplayTestByHidl", "E DisplayTest scene = 4\n"}, "\"blue on\""},
-    });
-}
-
 // The same number means another scene to each of the two services.
 TEST_F(DisplayTest, EachTestGoesToItsOwnService) {
     device.Start(kHidl, "display");
