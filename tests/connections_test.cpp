@@ -94,19 +94,6 @@ TEST_F(ConnectionsTest, QueriesTellTheirOwnService) {
     }
 }
 
-TEST_F(ConnectionsTest, AHeldServiceIsNotLinkedAgain) {
-    LoadWithProfile("aidl");
-    EXPECT_EQ(1, native_aidl::InitLight());
-    EXPECT_EQ(1, native_aidl::InitFingerprintService());
-    EXPECT_EQ((Lines{"I InitAidlLight", "I InitAidlFingerprintService"}), TakeLog());
-    EXPECT_EQ(1u, device.DeathLinks(kAidl, "light"));
-    EXPECT_EQ(1u, device.DeathLinks(kAidl, "fingerprint"));
-    LoadWith(kHidl, "light");
-    native_hidl::InitLight();
-    EXPECT_EQ(Lines{"D InitHidlLight"}, TakeLog());
-    EXPECT_EQ(1u, device.DeathLinks(kHidl, "light"));
-}
-
 TEST_F(ConnectionsTest, ARefusedDeathLinkGoesUnnoticed) {
     for (const Backend backend : {kAidl, kHidl}) {
         Unload();

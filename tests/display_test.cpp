@@ -102,21 +102,6 @@ TEST_F(DisplayTest, EveryGeneralScene) {
 }
 
 // clang-format off
-TEST_F(DisplayTest, AnswersOfTheServices) {
-    Run({
-            {kHidl, "display", "nativeDisplayTest", {"red"}, {{"displayTest", Fault::kDeadObject}},
-             {"display.displayTest(2, 2)"},
-             {"I DisplayTestByHidl", "E DisplayTest scene = 2\n"}, "\"\""},
-            {kHidl, "display@1.0", "nativeDisplayTest", {"blue"}, {{"displayTest", {0, "blue on"}}},
-             {"display.displayTest(2, 4)"},
-             {"I DisplayTestByHidl", "E DisplayTest scene = 4\n"}, "\"blue on\""},
-            {kHidl, "display_factory", "nativeDisplayGeneralTest", {"vertical_scene4"},
-             {{"displayGeneralTest", Fault::kDeadObject}},
-             {"display_factory.displayGeneralTest(2, 22)"},
-             {"I DisplayGeneralTestByHidl", "E DisplayTest scene = 22\n"}, "\"\""},
-    });
-}
-
 // The same number means another scene to each of the two services.
 TEST_F(DisplayTest, EachTestGoesToItsOwnService) {
     device.Start(kHidl, "display");
@@ -131,32 +116,19 @@ TEST_F(DisplayTest, EachTestGoesToItsOwnService) {
 }
 
 TEST_F(DisplayTest, Hertz) {
-    Run({
-            {kAidl, "chip", "nativeStartHertzTest", {}, {{"startHertzTest", {6, "90:144"}}},
+    Run(OnBoth({
+            {"chip", "nativeStartHertzTest", {}, {{"startHertzTest", {6, "90:144"}}},
              {"chip.startHertzTest()"},
-             {"I StartHertzTestByAidl", "I startHertzTest parameters carried:90:144"},
-             "\"90:144\""},
-            {kHidl, "chip", "nativeStartHertzTest", {}, {{"startHertzTest", {6, "90:144"}}},
-             {"chip.startHertzTest()"},
-             {"I StartHertzTestByHidl", "D StartHertzTest resultCode:6, parameters carried:90:144"},
-             "\"90:144\""},
-            {kHidl, "chip", "nativeStartHertzTest", {}, {{"startHertzTest", Fault::kDeadObject}},
-             {"chip.startHertzTest()"},
-             {"I StartHertzTestByHidl", "D StartHertzTest resultCode:0, parameters carried:"},
-             "\"\""},
-            {kAidl, "chip", "nativeStopHertzTest", {}, {{"stopHertzTest", {-5}}},
-             {"chip.stopHertzTest()"},
-             {"I StopHertzTestByAidl", "I Stop hertz test result = -5\n"}, "-5"},
-            {kHidl, "chip", "nativeStopHertzTest", {}, {{"stopHertzTest", {-5}}},
-             {"chip.stopHertzTest()"},
-             {"I StopHertzTestByHidl", "E stop hertz test result = -5\n"}, "-5"},
-            {kAidl, "chip", "nativeGetHertzTestResult", {}, {{"getHertzTestResult", {120}}},
+             "I StartHertzTest", {"I startHertzTest parameters carried:90:144"},
+             {"D StartHertzTest resultCode:6, parameters carried:90:144"}, "\"90:144\""},
+            {"chip", "nativeStopHertzTest", {}, {{"stopHertzTest", {-5}}}, {"chip.stopHertzTest()"},
+             "I StopHertzTest", {"I Stop hertz test result = -5\n"},
+             {"E stop hertz test result = -5\n"}, "-5"},
+            {"chip", "nativeGetHertzTestResult", {}, {{"getHertzTestResult", {120}}},
              {"chip.getHertzTestResult()"},
-             {"I GetHertzTestResultByAidl", "I hertz test res = 120\n"}, "120"},
-            {kHidl, "chip", "nativeGetHertzTestResult", {}, {{"getHertzTestResult", {120}}},
-             {"chip.getHertzTestResult()"},
-             {"I GetHertzTestResultByHidl", "E hertz test result = 120\n"}, "120"},
-    });
+             "I GetHertzTestResult", {"I hertz test res = 120\n"}, {"E hertz test result = 120\n"},
+             "120"},
+    }));
 }
 
 TEST_F(DisplayTest, FrameRateConfigurationOverAidl) {
@@ -176,75 +148,50 @@ TEST_F(DisplayTest, FrameRateConfigurationOverAidl) {
     });
 }
 
-// HIDL has no scenes: the rate is switched first, and what is then in force is read.
+/** HIDL has no scenes: the rate is switched first, and what is then in force is read. */
+Case HidlFrameRateConfiguration(const Answer& switched, const Answer& read, const std::string& last,
+                                const std::string& result) {
+    std::vector<std::string> calls{"display.setDisplayFps(4)"};
+    if (switched.code == 0) calls.push_back("display.getDisplayFpsConfig()");
+    return {kHidl, "display", "nativeGetScreenFpsConfigByScenes", {4},
+            {{"setDisplayFps", switched}, {"getDisplayFpsConfig", read}}, calls,
+            {"I GetScreenFpsConfigByScenesByHidl",
+             "I setDisplayFps, freqIndex: 4, ret: " + std::to_string(switched.code), last},
+            result};
+}
+
 TEST_F(DisplayTest, FrameRateConfigurationOverHidl) {
+    const std::string failed = "E get display fps config failed, ret: ";
     Run({
-            {kHidl, "display", "nativeGetScreenFpsConfigByScenes", {4},
-             {{"getDisplayFpsConfig", {0, "60,90"}}},
-             {"display.setDisplayFps(4)", "display.getDisplayFpsConfig()"},
-             {"I GetScreenFpsConfigByScenesByHidl", "I setDisplayFps, freqIndex: 4, ret: 0",
-              "I getDisplayFpsConfig, fpsConfig: 60,90"},
-             "\"60,90\""},
-            {kHidl, "display", "nativeGetScreenFpsConfigByScenes", {4}, {{"setDisplayFps", {3}}},
-             {"display.setDisplayFps(4)"},
-             {"I GetScreenFpsConfigByScenesByHidl", "I setDisplayFps, freqIndex: 4, ret: 3",
-              "E setDisplayFps failed, ret: 3"},
-             "null"},
-            {kHidl, "display", "nativeGetScreenFpsConfigByScenes", {4}, {{"setDisplayFps", {-3}}},
-             {"display.setDisplayFps(4)"},
-             {"I GetScreenFpsConfigByScenesByHidl", "I setDisplayFps, freqIndex: 4, ret: -3",
-              "E setDisplayFps failed, ret: -3"},
-             "null"},
-            {kHidl, "display", "nativeGetScreenFpsConfigByScenes", {4},
-             {{"getDisplayFpsConfig", {-2, "60,90"}}},
-             {"display.setDisplayFps(4)", "display.getDisplayFpsConfig()"},
-             {"I GetScreenFpsConfigByScenesByHidl", "I setDisplayFps, freqIndex: 4, ret: 0",
-              "E get display fps config failed, ret: -2"},
-             "null"},
-            {kHidl, "display", "nativeGetScreenFpsConfigByScenes", {4},
-             {{"getDisplayFpsConfig", {1, "60,90"}}},
-             {"display.setDisplayFps(4)", "display.getDisplayFpsConfig()"},
-             {"I GetScreenFpsConfigByScenesByHidl", "I setDisplayFps, freqIndex: 4, ret: 0",
-              "E get display fps config failed, ret: 1"},
-             "null"},
+            HidlFrameRateConfiguration({0}, {0, "60,90"},
+                                       "I getDisplayFpsConfig, fpsConfig: 60,90", "\"60,90\""),
+            HidlFrameRateConfiguration({3}, {}, "E setDisplayFps failed, ret: 3", "null"),
+            HidlFrameRateConfiguration({-3}, {}, "E setDisplayFps failed, ret: -3", "null"),
+            HidlFrameRateConfiguration({0}, {-2, "60,90"}, failed + "-2", "null"),
+            HidlFrameRateConfiguration({0}, {1, "60,90"}, failed + "1", "null"),
             // The code of the switch still stands when nothing comes after it.
-            {kHidl, "display", "nativeGetScreenFpsConfigByScenes", {4},
-             {{"getDisplayFpsConfig", Fault::kDeadObject}},
-             {"display.setDisplayFps(4)", "display.getDisplayFpsConfig()"},
-             {"I GetScreenFpsConfigByScenesByHidl", "I setDisplayFps, freqIndex: 4, ret: 0",
-              "I getDisplayFpsConfig, fpsConfig: "},
-             "\"\""},
-            {kHidl, "display@1.0", "nativeGetScreenFpsConfigByScenes", {4}, {}, {},
-             {"I GetScreenFpsConfigByScenesByHidl",
-              "E displayServiceNewVer is null, not support multi fps"},
-             "\"INVALID_SERVICE\""},
+            HidlFrameRateConfiguration({0}, Fault::kDeadObject,
+                                       "I getDisplayFpsConfig, fpsConfig: ", "\"\""),
+            HidlFrameRateConfiguration({0}, Fault::kTransport,
+                                       "I getDisplayFpsConfig, fpsConfig: ", "\"\""),
     });
 }
 
 TEST_F(DisplayTest, FrameRate) {
-    Run({
-            {kAidl, "display", "nativeSetScreenFps", {3}, {{"setDisplayFps", {0}}},
+    Run(OnBoth({
+            {"display", "nativeSetScreenFps", {3}, {{"setDisplayFps", {0}}},
              {"display.setDisplayFps(3)"},
-             {"I SetScreenFpsByAidl", "I setDisplayFps, freqIndex: 3, res: 0"}, "0"},
-            {kAidl, "display", "nativeSetScreenFps", {3}, {{"setDisplayFps", {-2}}},
+             "I SetScreenFps", {"I setDisplayFps, freqIndex: 3, res: 0"},
+             {"I setDisplayFps, freqIndex: 3, ret: 0"}, "0"},
+            {"display", "nativeSetScreenFps", {3}, {{"setDisplayFps", {-2}}},
              {"display.setDisplayFps(3)"},
-             {"I SetScreenFpsByAidl", "I setDisplayFps, freqIndex: 3, res: -2"}, "-1"},
-            {kAidl, "display", "nativeSetScreenFps", {3}, {{"setDisplayFps", {8}}},
+             "I SetScreenFps", {"I setDisplayFps, freqIndex: 3, res: -2"},
+             {"I setDisplayFps, freqIndex: 3, ret: -2"}, "-1"},
+            {"display", "nativeSetScreenFps", {3}, {{"setDisplayFps", {8}}},
              {"display.setDisplayFps(3)"},
-             {"I SetScreenFpsByAidl", "I setDisplayFps, freqIndex: 3, res: 8"}, "-1"},
-            {kHidl, "display", "nativeSetScreenFps", {3}, {{"setDisplayFps", {0}}},
-             {"display.setDisplayFps(3)"},
-             {"I SetScreenFpsByHidl", "I setDisplayFps, freqIndex: 3, ret: 0"}, "0"},
-            {kHidl, "display", "nativeSetScreenFps", {3}, {{"setDisplayFps", {-2}}},
-             {"display.setDisplayFps(3)"},
-             {"I SetScreenFpsByHidl", "I setDisplayFps, freqIndex: 3, ret: -2"}, "-1"},
-            {kHidl, "display", "nativeSetScreenFps", {3}, {{"setDisplayFps", {8}}},
-             {"display.setDisplayFps(3)"},
-             {"I SetScreenFpsByHidl", "I setDisplayFps, freqIndex: 3, ret: 8"}, "-1"},
-            {kHidl, "display@1.0", "nativeSetScreenFps", {3}, {}, {},
-             {"I SetScreenFpsByHidl", "E displayServiceNewVer is null, not support multi fps"},
-             "-9999"},
-    });
+             "I SetScreenFps", {"I setDisplayFps, freqIndex: 3, res: 8"},
+             {"I setDisplayFps, freqIndex: 3, ret: 8"}, "-1"},
+    }));
 }
 
 // clang-format on

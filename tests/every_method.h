@@ -20,6 +20,7 @@ struct Row {
     const char* aidlFailsLog;     // without the dispatch's line, as the next
     const char* aidlAbsentLine;   // with those before it, when the service is looked at late
     const char* hidlAbsentLines;  // null: no HIDL side
+    const char* hidlFailsLog = nullptr;
 };
 
 /** One for each method of jni/methods.inc that asks a service. */

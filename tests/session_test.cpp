@@ -57,48 +57,33 @@ TEST_F(SessionTest, StationAndCycle) {
                 Cycle(backend, -100, 3, "-103", 0),
         });
     }
-    Run({
-            {kHidl, "factory@1.0", "nativeSetTestCycle", {7, 9}, {}, {},
-             {"I KvSetTestCycleByHidl", "D KvSetTestCycle, stationID = 7 cycle = 9\n",
-              "D KvSetTestCycle, fi is null, IQxFactoryV1_1 not support!"},
-             "-9999"},
-    });
 }
 
 TEST_F(SessionTest, ItemNames) {
     const std::string longName(70, 'n');
-    Run({
-            {kAidl, "factory", "nativeSetTestItemName", {"main", "sub \xe2\x82\xac"},
+    Run(OnBoth({
+            {"factory", "nativeSetTestItemName", {"main", "sub \xe2\x82\xac"},
              {{"writeOemSubInfo", {3}}, {"writeOemSubInfo", {4}}},
              {"factory.writeOemSubInfo(204, 10, 64, \"main\")",
               "factory.writeOemSubInfo(204, 11, 64, \"sub \xe2\x82\xac\")"},
-             {"I KvSetTestItemNameByAidl",
-              "I KvSetTestItemName, mainItemName = main, subItemName = sub \xe2\x82\xac\n",
+             "I KvSetTestItemName",
+             {"I KvSetTestItemName, mainItemName = main, subItemName = sub \xe2\x82\xac\n",
               "I kvSetTestItemName, main result = 3\n", "I kvSetTestItemName, sub result = 4\n"},
-             "{3, 4}"},
-            {kHidl, "factory", "nativeSetTestItemName", {"main", "sub \xe2\x82\xac"},
-             {{"writeOemSubInfo", {3}}, {"writeOemSubInfo", {4}}},
-             {"factory.writeOemSubInfo(204, 10, 64, \"main\")",
-              "factory.writeOemSubInfo(204, 11, 64, \"sub \xe2\x82\xac\")"},
-             {"I KvSetTestItemNameByHidl",
-              "D KvSetTestItemName, mainItemName = main, subItemName = sub \xe2\x82\xac\n",
+             {"D KvSetTestItemName, mainItemName = main, subItemName = sub \xe2\x82\xac\n",
               "D KvSetTestItemName, main result = 3\n", "D KvSetTestItemName, sub result = 4\n"},
              "{3, 4}"},
             // The length is 64 for any name, which goes out whole.
-            {kAidl, "factory", "nativeSetTestItemName", {longName.c_str(), ""}, {},
+            {"factory", "nativeSetTestItemName", {longName.c_str(), ""}, {},
              {"factory.writeOemSubInfo(204, 10, 64, \"" + longName + "\")",
               "factory.writeOemSubInfo(204, 11, 64, \"\")"},
-             {"I KvSetTestItemNameByAidl",
-              "I KvSetTestItemName, mainItemName = " + longName + ", subItemName = \n",
+             "I KvSetTestItemName",
+             {"I KvSetTestItemName, mainItemName = " + longName + ", subItemName = \n",
               "I kvSetTestItemName, main result = 0\n", "I kvSetTestItemName, sub result = 0\n"},
-             "{0, 0}"},
-            {kHidl, "factory", "nativeSetTestItemName", {longName.c_str(), ""}, {},
-             {"factory.writeOemSubInfo(204, 10, 64, \"" + longName + "\")",
-              "factory.writeOemSubInfo(204, 11, 64, \"\")"},
-             {"I KvSetTestItemNameByHidl",
-              "D KvSetTestItemName, mainItemName = " + longName + ", subItemName = \n",
+             {"D KvSetTestItemName, mainItemName = " + longName + ", subItemName = \n",
               "D KvSetTestItemName, main result = 0\n", "D KvSetTestItemName, sub result = 0\n"},
              "{0, 0}"},
+    }));
+    Run({
             // A failure of one call is not the other's.
             {kAidl, "factory", "nativeSetTestItemName", {"main", "sub"},
              {{"writeOemSubInfo", {3}}, {"writeOemSubInfo", Fault::kTransport}},
@@ -108,37 +93,20 @@ TEST_F(SessionTest, ItemNames) {
               "I KvSetTestItemName, mainItemName = main, subItemName = sub\n",
               "I kvSetTestItemName, main result = 3\n", "I kvSetTestItemName, sub result = -1\n"},
              "{3, -1}"},
-            {kHidl, "factory@1.0", "nativeSetTestItemName", {"main", "sub"}, {}, {},
-             {"I KvSetTestItemNameByHidl",
-              "D KvSetTestItemName, mainItemName = main, subItemName = sub\n",
-              "D KvSetTestItemName, fi is null, IQxFactoryV1_1 not support!"},
-             "{-9999, -9999}"},
     });
 }
 
 TEST_F(SessionTest, AgeingAndManufactureMode) {
-    Run({
-            {kAidl, "display", "nativeSetEndTimeOfAgeing", {},
-             {{"mft_set_end_time_of_ageing", {-7}}}, {"display.mft_set_end_time_of_ageing()"},
-             {"I SetEndTimeOfAgeingByAidl", "I mft_set_end_time_of_ageing res is: -7"},
-             "-7"},
-            {kHidl, "display@1.0", "nativeSetEndTimeOfAgeing", {},
-             {{"mft_set_end_time_of_ageing", {-7}}}, {"display.mft_set_end_time_of_ageing()"},
-             {"I SetEndTimeOfAgeingByHidl", "E mft_set_end_time_of_ageing result is: -7"},
-             "-7"},
-            {kAidl, "factory", "nativeGetManufactureMode", {}, {{"getManufactureMode", {2}}},
+    Run(OnBoth({
+            {"display", "nativeSetEndTimeOfAgeing", {}, {{"mft_set_end_time_of_ageing", {-7}}},
+             {"display.mft_set_end_time_of_ageing()"},
+             "I SetEndTimeOfAgeing", {"I mft_set_end_time_of_ageing res is: -7"},
+             {"E mft_set_end_time_of_ageing result is: -7"}, "-7"},
+            {"factory", "nativeGetManufactureMode", {}, {{"getManufactureMode", {2}}},
              {"factory.getManufactureMode()"},
-             {"I GetManufactureModeByAidl", "I GetManufactureMode, res = 2"},
-             "2"},
-            {kHidl, "factory", "nativeGetManufactureMode", {}, {{"getManufactureMode", {2}}},
-             {"factory.getManufactureMode()"},
-             {"I GetManufactureModeByHidl", "D GetManufactureMode, ret = 2"},
-             "2"},
-            {kHidl, "factory@1.0", "nativeGetManufactureMode", {}, {}, {},
-             {"I GetManufactureModeByHidl",
-              "E GetManufactureMode, fi is null, IQxFactoryV1_1 not support!"},
-             "-9999"},
-    });
+             "I GetManufactureMode", {"I GetManufactureMode, res = 2"},
+             {"D GetManufactureMode, ret = 2"}, "2"},
+    }));
 }
 
 // AIDL composes a text and has no value to publish; HIDL sends the four and publishes.
@@ -162,12 +130,6 @@ TEST_F(SessionTest, PowerTest) {
                   {"I KvPowerTestByHidl", "E KvPowerTest, testScene:s, testTimes:10, "
                    "maxLimit:500, minLimit:100, testValue:312"},
                   "-3"}, "312");
-    RunPowerTest({kHidl, "power", "nativePowerTest", {"s", "10", "500", "100"},
-                  {{"powerTest", Fault::kDeadObject}},
-                  {"power.powerTest(\"s\", \"10\", \"500\", \"100\")"},
-                  {"I KvPowerTestByHidl", "E KvPowerTest, testScene:s, testTimes:10, "
-                   "maxLimit:500, minLimit:100, testValue:"},
-                  "0"}, "");
 }
 
 TEST_F(SessionTest, PowerState) {
@@ -182,143 +144,78 @@ TEST_F(SessionTest, PowerState) {
              {"I SetPowerStateByHidl", "E SetPowerState, testScene:s, para:p",
               "E SetPowerState result:-4"},
              "-4"},
-            {kAidl, "power", "nativeGetPowerState", {"s"}, {{"getPowerState", {0, "idle"}}},
-             {"power.getPowerState(\"com.quorvin.kalvornii\", \"s\")"},
-             {"I GetPowerStateByAidl", "I getPowerState, scene:s", "I getPowerState, resultCode:0",
-              "I getPowerState result:idle"},
-             "\"idle\""},
-            {kHidl, "power", "nativeGetPowerState", {"s"}, {{"getPowerState", {0, "idle"}}},
-             {"power.getPowerState(\"s\")"},
-             {"I GetPowerStateByHidl", "E GetPowerState, scene:s", "E GetPowerState, resultCode:0",
-              "E GetPowerState result:idle"},
-             "\"idle\""},
-            {kHidl, "power", "nativeGetPowerState", {"s"}, {{"getPowerState", Fault::kDeadObject}},
-             {"power.getPowerState(\"s\")"},
-             {"I GetPowerStateByHidl", "E GetPowerState, scene:s", "E GetPowerState, resultCode:0",
-              "E GetPowerState result:"},
-             "\"\""},
     });
     // Any code but 0 empties the text.
-    for (const int code : {1, -1}) {
+    for (const int code : {0, 1, -1}) {
         const std::string shown = std::to_string(code);
+        const std::string text = code == 0 ? "idle" : "";
         Run({
                 {kAidl, "power", "nativeGetPowerState", {"s"}, {{"getPowerState", {code, "idle"}}},
                  {"power.getPowerState(\"com.quorvin.kalvornii\", \"s\")"},
                  {"I GetPowerStateByAidl", "I getPowerState, scene:s",
-                  "I getPowerState, resultCode:" + shown, "I getPowerState result:"},
-                 "\"\""},
+                  "I getPowerState, resultCode:" + shown, "I getPowerState result:" + text},
+                 '"' + text + '"'},
                 {kHidl, "power", "nativeGetPowerState", {"s"}, {{"getPowerState", {code, "idle"}}},
                  {"power.getPowerState(\"s\")"},
                  {"I GetPowerStateByHidl", "E GetPowerState, scene:s",
-                  "E GetPowerState, resultCode:" + shown, "E GetPowerState result:"},
-                 "\"\""},
+                  "E GetPowerState, resultCode:" + shown, "E GetPowerState result:" + text},
+                 '"' + text + '"'},
         });
     }
     EXPECT_EQ("\"old value\"", java::StaticField("currentValue"));
 }
 
 TEST_F(SessionTest, CpuSleepAndModemLog) {
-    Run({
-            {kAidl, "factory", "nativeLockOrReleaseBigCpu", {2}, {{"lockBigCpu", {-5}}},
+    Run(OnBoth({
+            {"factory", "nativeLockOrReleaseBigCpu", {2}, {{"lockBigCpu", {-5}}},
              {"factory.lockBigCpu(2)"},
-             {"I KvLockBigCpuByAidl", "I lockBigCpu, lockOrRelease: 2\n",
-              "I lockBigCpu, result: -5\n"},
-             "-5"},
-            {kHidl, "factory@1.0", "nativeLockOrReleaseBigCpu", {2}, {{"lockBigCpu", {-5}}},
-             {"factory.lockBigCpu(2)"},
-             {"I KvLockBigCpuByHidl", "D LockBigCpu, lockOrRelease: 2\n",
-              "D LockBigCpu, result: -5\n"},
-             "-5"},
-            {kAidl, "factory", "nativeSetLightSleep", {3}, {{"setLightSleep", {6}}},
+             "I KvLockBigCpu", {"I lockBigCpu, lockOrRelease: 2\n", "I lockBigCpu, result: -5\n"},
+             {"D LockBigCpu, lockOrRelease: 2\n", "D LockBigCpu, result: -5\n"}, "-5"},
+            {"factory", "nativeSetLightSleep", {3}, {{"setLightSleep", {6}}},
              {"factory.setLightSleep(3)"},
-             {"I KvSetLightSleepByAidl", "I setLightSleep, action: 3\n",
-              "I setLightSleep, result: 6\n"},
-             "6"},
-            {kHidl, "factory@1.0", "nativeSetLightSleep", {3}, {{"setLightSleep", {6}}},
-             {"factory.setLightSleep(3)"},
-             {"I KvSetLightSleepByHidl", "D SetLightSleep, action: 3\n",
-              "D SetLightSleep, result: 6\n"},
-             "6"},
+             "I KvSetLightSleep", {"I setLightSleep, action: 3\n", "I setLightSleep, result: 6\n"},
+             {"D SetLightSleep, action: 3\n", "D SetLightSleep, result: 6\n"}, "6"},
             // All 32 bits of the state pass.
-            {kAidl, "radio", "nativeSetModemLogState", {-2}, {{"setModemLogState", {7}}},
+            {"radio", "nativeSetModemLogState", {-2}, {{"setModemLogState", {7}}},
              {"radio.setModemLogState(-2)"},
-             {"I KvModemLogByAidl", "I kvModemLog, state: -2\n", "I kvModemLog, result: 7\n"},
-             "7"},
-            {kHidl, "radio", "nativeSetModemLogState", {-2}, {{"setModemLogState", {7}}},
-             {"radio.setModemLogState(-2)"},
-             {"I KvModemLogByHidl", "D KvModemLog, state: -2\n", "D KvModemLog, result: 7\n"},
-             "7"},
-    });
+             "I KvModemLog", {"I kvModemLog, state: -2\n", "I kvModemLog, result: 7\n"},
+             {"D KvModemLog, state: -2\n", "D KvModemLog, result: 7\n"}, "7"},
+    }));
 }
 
 TEST_F(SessionTest, FactoryCommand) {
     const std::vector<std::string> call{"factory.setCommand(\"a\", \"b\", 2048)"};
     const std::string fail = "\"native setCommand fail\"";
-    Run({
-            {kAidl, "factory", "nativeSetCommand", {"a", "b"}, {{"setCommand", {0, "t"}}}, call,
-             {"I NativeSetCommandByAidl", "I nativeSetCommand, a b\n"}, "\"t\""},
-            {kHidl, "factory@1.0", "nativeSetCommand", {"a", "b"}, {{"setCommand", {0, "t"}}}, call,
-             {"I NativeSetCommandByHidl", "E NativeSetCommand, a b\n"}, "\"t\""},
-            {kAidl, "factory", "nativeSetCommand", {"a", "b"}, {{"setCommand", {0, ""}}}, call,
-             {"I NativeSetCommandByAidl", "I nativeSetCommand, a b\n"}, "\"\""},
-            {kHidl, "factory@1.0", "nativeSetCommand", {"a", "b"}, {{"setCommand", {0, ""}}}, call,
-             {"I NativeSetCommandByHidl", "E NativeSetCommand, a b\n"}, "\"\""},
-            {kAidl, "factory", "nativeSetCommand", {"a", "b"}, {{"setCommand", {3, "t"}}}, call,
-             {"I NativeSetCommandByAidl", "I nativeSetCommand, a b\n",
-              "I nativeSetCommand, resultCode 3\n"},
-             fail},
-            {kHidl, "factory@1.0", "nativeSetCommand", {"a", "b"}, {{"setCommand", {3, "t"}}}, call,
-             {"I NativeSetCommandByHidl", "E NativeSetCommand, a b\n",
-              "E NativeSetCommand, resultCode 3\n"},
-             fail},
-            {kAidl, "factory", "nativeSetCommand", {"a", "b"}, {{"setCommand", {-1, "t"}}}, call,
-             {"I NativeSetCommandByAidl", "I nativeSetCommand, a b\n",
-              "I nativeSetCommand, resultCode -1\n"},
-             fail},
-            {kHidl, "factory@1.0", "nativeSetCommand", {"a", "b"}, {{"setCommand", {-2, "t"}}},
-             call,
-             {"I NativeSetCommandByHidl", "E NativeSetCommand, a b\n",
-              "E NativeSetCommand, resultCode -2\n"},
-             fail},
-            {kHidl, "factory@1.0", "nativeSetCommand", {"a", "b"},
-             {{"setCommand", Fault::kDeadObject}}, call,
-             {"I NativeSetCommandByHidl", "E NativeSetCommand, a b\n",
-              "E NativeSetCommand, resultCode -1\n"},
-             fail},
-    });
+    Run(OnBoth({
+            {"factory", "nativeSetCommand", {"a", "b"}, {{"setCommand", {0, "t"}}}, call,
+             "I NativeSetCommand", {"I nativeSetCommand, a b\n"}, {"E NativeSetCommand, a b\n"},
+             "\"t\""},
+            {"factory", "nativeSetCommand", {"a", "b"}, {{"setCommand", {0, ""}}}, call,
+             "I NativeSetCommand", {"I nativeSetCommand, a b\n"}, {"E NativeSetCommand, a b\n"},
+             "\"\""},
+            {"factory", "nativeSetCommand", {"a", "b"}, {{"setCommand", {3, "t"}}}, call,
+             "I NativeSetCommand",
+             {"I nativeSetCommand, a b\n", "I nativeSetCommand, resultCode 3\n"},
+             {"E NativeSetCommand, a b\n", "E NativeSetCommand, resultCode 3\n"}, fail},
+            {"factory", "nativeSetCommand", {"a", "b"}, {{"setCommand", {-2, "t"}}}, call,
+             "I NativeSetCommand",
+             {"I nativeSetCommand, a b\n", "I nativeSetCommand, resultCode -2\n"},
+             {"E NativeSetCommand, a b\n", "E NativeSetCommand, resultCode -2\n"}, fail},
+    }));
 }
 
 // The service's true means failure.
 TEST_F(SessionTest, WifiCommand) {
     const std::vector<std::string> call{"factory.setWifiCommand(\"s\", \"c\", 1024)"};
     const std::string fail = "\"setWifiCommand fail\"";
-    Run({
-            {kAidl, "factory", "nativeSetWifiCommand", {"s", "c"}, {{"setWifiCommand", {0, "t"}}},
-             call,
-             {"I SetWifiCommandByAidl",
-              "I setWifiCommand, testScene:s, cmd:c, buf:t, resultCode:0\n"},
-             "\"t\""},
-            {kHidl, "factory@1.0", "nativeSetWifiCommand", {"s", "c"},
-             {{"setWifiCommand", {0, "t"}}}, call,
-             {"I SetWifiCommandByHidl",
-              "E SetWifiCommand, testScene:s, cmd:c, buf:t, resultCode:0\n"},
-             "\"t\""},
-            {kAidl, "factory", "nativeSetWifiCommand", {"s", "c"}, {{"setWifiCommand", {1, "t"}}},
-             call,
-             {"I SetWifiCommandByAidl",
-              "I setWifiCommand, testScene:s, cmd:c, buf:t, resultCode:1\n"},
-             fail},
-            {kHidl, "factory@1.0", "nativeSetWifiCommand", {"s", "c"},
-             {{"setWifiCommand", {1, "t"}}}, call,
-             {"I SetWifiCommandByHidl",
-              "E SetWifiCommand, testScene:s, cmd:c, buf:t, resultCode:1\n"},
-             fail},
-            {kHidl, "factory@1.0", "nativeSetWifiCommand", {"s", "c"},
-             {{"setWifiCommand", Fault::kDeadObject}}, call,
-             {"I SetWifiCommandByHidl",
-              "E SetWifiCommand, testScene:s, cmd:c, buf:, resultCode:-1\n"},
-             fail},
-    });
+    Run(OnBoth({
+            {"factory", "nativeSetWifiCommand", {"s", "c"}, {{"setWifiCommand", {0, "t"}}}, call,
+             "I SetWifiCommand", {"I setWifiCommand, testScene:s, cmd:c, buf:t, resultCode:0\n"},
+             {"E SetWifiCommand, testScene:s, cmd:c, buf:t, resultCode:0\n"}, "\"t\""},
+            {"factory", "nativeSetWifiCommand", {"s", "c"}, {{"setWifiCommand", {1, "t"}}}, call,
+             "I SetWifiCommand", {"I setWifiCommand, testScene:s, cmd:c, buf:t, resultCode:1\n"},
+             {"E SetWifiCommand, testScene:s, cmd:c, buf:t, resultCode:1\n"}, fail},
+    }));
 }
 
 TEST_F(SessionTest, BigDataOperation) {
@@ -328,19 +225,14 @@ TEST_F(SessionTest, BigDataOperation) {
     const std::vector<std::string> call{
             "factory.sendBigDataOperation(\"version=1 commandId=2 operation=3 cycle=-4 station=S "
             "bsn=B\")"};
-    Run({
-            {kAidl, "factory", "nativeSendBigDataOperation", {operation},
-             {{"sendBigDataOperation", {9}}}, call,
-             {"I KvSendFmdOperationByAidl",
-              "I Version: 1; commandId: 2; operation: 3; bsn: B; station: S; cycle: -4",
+    Run(OnBoth({
+            {"factory", "nativeSendBigDataOperation", {operation}, {{"sendBigDataOperation", {9}}},
+             call,
+             "I KvSendFmdOperation",
+             {"I Version: 1; commandId: 2; operation: 3; bsn: B; station: S; cycle: -4",
               "I SendBigDataOperation, result: 9"},
-             "9"},
-            {kHidl, "factory@1.0", "nativeSendBigDataOperation", {operation},
-             {{"sendBigDataOperation", {9}}}, call,
-             {"I KvSendFmdOperationByHidl",
-              "D version: 1; commandId: 2; operation: 3; bsn: B; station: S; cycle: -4"},
-             "9"},
-    });
+             {"D version: 1; commandId: 2; operation: 3; bsn: B; station: S; cycle: -4"}, "9"},
+    }));
 }
 
 TEST_F(SessionTest, BigDataValue) {
@@ -373,21 +265,14 @@ TEST_F(SessionTest, BigDataValue) {
                                      "itemId: 4; bsn: ; station: ; cycle: 5";
     const std::string emptyValues = " deviceName: ; testName: ; value: ; minThreshold: ; "
                                     "maxThreshold: ; result: ; time: ; firmware: ; description: ";
-    Run({
-            {kAidl, "factory", "nativeSendBigDataValue", {full}, {{"sendBigData", {-8}}}, call,
-             {"I KvSendFmdDataByAidl", "I" + numbers, "I" + values, "I SendBigData, result: -8"},
-             "-8"},
-            {kHidl, "factory@1.0", "nativeSendBigDataValue", {full}, {{"sendBigData", {-8}}}, call,
-             {"I KvSendFmdDataByHidl", "D" + numbers, "D" + values},
-             "-8"},
-            {kAidl, "factory", "nativeSendBigDataValue", {empty}, {}, emptyCall,
-             {"I KvSendFmdDataByAidl", "I" + emptyNumbers, "I" + emptyValues,
-              "I SendBigData, result: 0"},
-             "0"},
-            {kHidl, "factory@1.0", "nativeSendBigDataValue", {empty}, {}, emptyCall,
-             {"I KvSendFmdDataByHidl", "D" + emptyNumbers, "D" + emptyValues},
-             "0"},
-    });
+    Run(OnBoth({
+            {"factory", "nativeSendBigDataValue", {full}, {{"sendBigData", {-8}}}, call,
+             "I KvSendFmdData", {"I" + numbers, "I" + values, "I SendBigData, result: -8"},
+             {"D" + numbers, "D" + values}, "-8"},
+            {"factory", "nativeSendBigDataValue", {empty}, {}, emptyCall,
+             "I KvSendFmdData", {"I" + emptyNumbers, "I" + emptyValues, "I SendBigData, result: 0"},
+             {"D" + emptyNumbers, "D" + emptyValues}, "0"},
+    }));
 }
 
 // clang-format on
