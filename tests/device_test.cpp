@@ -4,15 +4,21 @@
 #include <binder/IServiceManager.h>
 #include <gtest/gtest.h>
 #include <hidl/hidl_host.h>
+#include <unistd.h>
 #include <vendor/zantor/hardware/light/2.0/ILight.h>
 #include <vendor/zantor/hardware/light/ILight.h>
 #include <vendor/zantor/hardware/power/1.0/IQXPower.h>
+#include <vendor/zantor/hardware/power/IQXPower.h>
+#include <vendor/zantor/hardware/qxfactoryinterface/1.1/IQxFactoryInterface.h>
 
 #include <atomic>
+#include <chrono>
 #include <functional>
+#include <future>
 #include <stdexcept>
 #include <thread>
 
+#include "asleep.h"
 #include "device/objects.h"
 
 using android::IBinder;
@@ -25,7 +31,12 @@ using kalvorn::device::Backend;
 using kalvorn::device::Device;
 using kalvorn::device::Fault;
 using vendor::zantor::hardware::power::V1_0::IQXPower;
+using namespace std::chrono_literals;
 
+namespace factory = vendor::zantor::hardware::qxfactoryinterface;
+using Factory10 = factory::V1_0::IQxFactoryInterface;
+using Factory11 = factory::V1_1::IQxFactoryInterface;
+using AidlPower = vendor::zantor::hardware::power::IQXPower;
 using AidlLight = vendor::zantor::hardware::light::ILight;
 using HidlLight = vendor::zantor::hardware::light::V2_0::ILight;
 
@@ -49,9 +60,14 @@ struct Watcher : IBinder::DeathRecipient,
     std::function<void()> onAidlDeath, onHidlDeath, onRegistered;
 };
 
-sp<AidlLight> FindAidlLight() {
-    static const android::String16 name("vendor.zantor.hardware.light.ILight/default");
-    return android::interface_cast<AidlLight>(android::defaultServiceManager()->checkService(name));
+template <typename Interface>
+android::String16 NameOf() {
+    return Interface::descriptor + android::String16("/default");
+}
+
+template <typename Interface>
+sp<IBinder> Find() {
+    return android::defaultServiceManager()->checkService(NameOf<Interface>());
 }
 
 class DeviceTest : public testing::Test {
@@ -71,38 +87,22 @@ class DeviceTest : public testing::Test {
 };
 
 TEST_F(DeviceTest, ServicesShareAProcessAsGrouped) {
-    const struct {
-        const char* grouping;
-        const char* service;
-        Names expected;
-    } cases[] = {
-            {"each", "display", {"display"}},
-            {"one", "display@1.0", Device::Services()},
-            {"device", "factory@1.0", {"factory"}},
-            {"device", "display@1.0", {"display", "display_factory"}},
-            {"device", "light", {"touch", "sensors", "light"}},
-            {"device", "power", {"power"}},
-            {"device", "sim", {"radio", "sim"}},
-            {"device", "chip", {"chip", "satellite"}},
-    };
-    for (const auto& c : cases) {
-        EXPECT_TRUE(device.GroupProcesses(c.grouping));
-        EXPECT_FALSE(device.GroupProcesses("none"));
-        EXPECT_EQ(c.expected, device.ServicesWith(c.service)) << c.grouping;
-    }
+    EXPECT_TRUE(device.GroupProcesses("one"));
+    EXPECT_EQ(Device::Services(), device.ServicesWith("display@1.0"));
+    EXPECT_TRUE(device.GroupProcesses("device"));
+    EXPECT_FALSE(device.GroupProcesses("none"));
+    EXPECT_EQ((Names{"display", "display_factory"}), device.ServicesWith("display@1.0"));
+    EXPECT_EQ(Names{"power"}, device.ServicesWith("power"));
     device.Reset();
-    EXPECT_EQ(Names{"chip"}, device.ServicesWith("chip"));
+    EXPECT_EQ(Names{"display"}, device.ServicesWith("display"));
     EXPECT_THROW(device.KillProcess("lights"), std::out_of_range);
 }
 
 TEST_F(DeviceTest, AProcessComesBackAsItWas) {
-    const auto start = [this] {
-        device.Start(kAidl, "display");
-        device.Start(kHidl, "display_factory");
-        device.Start(kHidl, "factory@1.0");
-    };
+    device.Start(kAidl, "display");
+    device.Start(kHidl, "display_factory");
+    device.Start(kHidl, "factory@1.0");
     const Names all{"hidl factory@1.0", "aidl display", "hidl display_factory"};
-    start();
     device.KillProcess("display");
     EXPECT_EQ((Names{"hidl factory@1.0", "hidl display_factory"}), Running());
     device.RestartProcess("display");
@@ -112,50 +112,93 @@ TEST_F(DeviceTest, AProcessComesBackAsItWas) {
     device.KillProcess("display_factory");
     EXPECT_EQ(Names{"hidl factory@1.0"}, Running());
     device.KillProcess("display");  // nothing runs there
-    device.RestartProcess("display");
-    EXPECT_EQ(all, Running());
-
-    EXPECT_TRUE(device.GroupProcesses("one"));
-    device.KillProcess("chip");
-    EXPECT_EQ(Names{}, Running());
     device.Start(kAidl, "display");
     const auto display = device.At(kAidl, "display").Running();
-    device.RestartProcess("chip");
+    device.RestartProcess("display");
     EXPECT_EQ(all, Running());
     EXPECT_EQ(display, device.At(kAidl, "display").Running()) << "it ran already";
 }
 
 TEST_F(DeviceTest, AProcessIsDeadOverBothBackendsBeforeANotice) {
     device.GroupProcesses("one");
-    for (int i = 0; i < 50; i++) {
-        device.Start(kAidl, "light");
-        device.Start(kHidl, "light");
-        const sp<AidlLight> aidl = FindAidlLight();
-        const sp<HidlLight> hidl = HidlLight::getService("default");
+    for (int i = 0; i < 100; i++) {
+        for (const char* service : {"light", "power"}) {
+            device.Start(kAidl, service);
+            device.Start(kHidl, service);
+        }
+        const sp<IBinder> binders[] = {Find<AidlLight>(), Find<AidlPower>()};
+        const sp<Watcher::IBase> services[] = {HidlLight::getService("default"),
+                                               IQXPower::getService("default")};
         const sp<Watcher> watcher = new Watcher;
         std::atomic<int> deaths = 0;
         watcher->onAidlDeath = watcher->onHidlDeath = [&] {
-            EXPECT_EQ(android::DEAD_OBJECT, AidlLight::asBinder(aidl)->pingBinder());
-            EXPECT_TRUE(hidl->ping().isDeadObject());
+            for (const auto& dead : binders) EXPECT_EQ(android::DEAD_OBJECT, dead->pingBinder());
+            for (const auto& dead : services) EXPECT_TRUE(dead->ping().isDeadObject());
+            EXPECT_TRUE(Find<AidlLight>() == nullptr && Find<AidlPower>() == nullptr);
+            EXPECT_EQ(nullptr, HidlLight::tryGetService("default"));
+            EXPECT_EQ(nullptr, IQXPower::tryGetService("default"));
             deaths++;
         };
-        EXPECT_EQ(android::OK, AidlLight::asBinder(aidl)->linkToDeath(watcher));
-        EXPECT_TRUE(hidl->linkToDeath(watcher, 0));
+        for (const auto& binder : binders) EXPECT_EQ(android::OK, binder->linkToDeath(watcher));
+        for (const auto& service : services) EXPECT_TRUE(service->linkToDeath(watcher, 0));
         device.KillProcess("factory");
         EXPECT_TRUE(Device::Settle());
-        EXPECT_EQ(2, deaths);
+        EXPECT_EQ(4, deaths);
     }
+}
+
+TEST_F(DeviceTest, OnlyTheServiceOrAResetEndsAWait) {
+    for (const Backend backend : {kAidl, kHidl}) {
+        for (const bool served : {true, false}) {
+            device.Reset();
+            device.At(backend, "light").Declare();
+            const auto manager = android::defaultServiceManager();
+            const auto name = NameOf<AidlLight>();
+            std::promise<pid_t> id;
+            auto search = std::async(std::launch::async, [&] {
+                id.set_value(gettid());
+                return backend == kAidl ? manager->waitForService(name) != nullptr
+                                        : HidlLight::getService("default") != nullptr;
+            });
+            WaitUntilAsleep(id.get_future());
+            device.At(backend, "light").Undeclare();
+            EXPECT_EQ(std::future_status::timeout, search.wait_for(20ms));
+            if (served) {
+                device.At(backend, "light").Start();
+            } else {
+                device.Reset();
+            }
+            EXPECT_EQ(served, search.get());
+        }
+    }
+}
+
+// A parent version has a declaration of its own, and casts ask the living.
+TEST_F(DeviceTest, HidlVersionsAreDeclaredAndAskedFor) {
+    const std::string name = "qxfactoryinterface_hal";
+    device.Start(kHidl, "factory");
+    const sp<Factory10> factory = Factory10::getService(name);
+    ASSERT_NE(nullptr, factory);
+    EXPECT_EQ(nullptr, Factory11::getService(name));
+    kalvorn::host::DeclareHidlService(Factory11::descriptor, name);
+    EXPECT_EQ(factory, Factory11::getService(name));
+    EXPECT_EQ(factory, sp<Factory11>(Factory11::castFrom(factory)));
+    device.KillProcess("factory");
+    EXPECT_EQ(nullptr, sp<Factory11>(Factory11::castFrom(factory)));
+    EXPECT_FALSE(Factory11::castFrom(factory, /*emitError=*/true).isOk());
+    device.Start(kHidl, "factory@1.0");
+    EXPECT_EQ(nullptr, sp<Factory11>(Factory11::castFrom(Factory10::getService(name))));
 }
 
 // Each death has a service registered on the other backend, whose registration brings a death.
 TEST_F(DeviceTest, SettlesWhenBothBackendsAreIdleAtOnce) {
     const sp<Watcher> watcher = new Watcher;
     std::atomic<int> deaths = 0;
-    sp<AidlLight> light;
+    sp<IBinder> light;
     watcher->onRegistered = [&] {
         device.Start(kAidl, "light");
-        light = FindAidlLight();
-        EXPECT_EQ(android::OK, AidlLight::asBinder(light)->linkToDeath(watcher));
+        light = Find<AidlLight>();
+        EXPECT_EQ(android::OK, light->linkToDeath(watcher));
         device.At(kAidl, "light").Kill();
     };
     watcher->onAidlDeath = [&] {
@@ -198,54 +241,6 @@ TEST_F(DeviceTest, HidlCallsThatFail) {
     EXPECT_TRUE(ask("s").isDeadObject()) << "dead before the call";
     EXPECT_EQ("preset", answer);
     EXPECT_EQ(Names{}, device.TakeCalls());
-}
-
-TEST_F(DeviceTest, RecordsCallsUnlessToldNotTo) {
-    device.Start(kAidl, "light");
-    int ret = 0;
-    device.RecordCalls(false);
-    FindAidlLight()->setLightsBrightness(1, 2, &ret);
-    device.RecordCalls(true);
-    FindAidlLight()->setLightsBrightness(3, 4, &ret);
-    EXPECT_EQ(Names{"aidl light.setLightsBrightness(3, 4)"}, device.TakeCalls());
-    device.RecordCalls(false);
-    device.Reset();
-    device.Start(kAidl, "light");
-    FindAidlLight()->setLightsBrightness(5, 6, &ret);
-    EXPECT_EQ(1u, device.TakeCalls().size());
-}
-
-TEST_F(DeviceTest, DiesWhileItIsCalledAndLookedAt) {
-    device.GroupProcesses("device");
-    device.RecordCalls(false);
-    ASSERT_TRUE(device.StartProfile("mixed"));
-    device.Start(kAidl, "light");
-    std::atomic<bool> done = false;
-    std::vector<std::thread> callers(4);
-    for (std::thread& caller : callers) {
-        caller = std::thread([&] {
-            while (!done) {
-                const sp<AidlLight> aidl = FindAidlLight();
-                int32_t ret = -1;
-                if (aidl != nullptr && aidl->setLightsBrightness(1, 2, &ret).isOk()) {
-                    EXPECT_EQ(0, ret);
-                }
-                const sp<HidlLight> hidl = HidlLight::tryGetService("default");
-                if (hidl != nullptr) (void)hidl->setLightsBrightness(1, 2).isOk();
-                device.DeathLinks(kAidl, "light");
-                device.IsRunning(kHidl, "light");
-            }
-        });
-    }
-    for (int i = 0; i < 200; i++) {
-        device.KillProcess("sensors");
-        device.RestartProcess("touch");
-    }
-    done = true;
-    for (std::thread& caller : callers) caller.join();
-    EXPECT_TRUE(Device::Settle());
-    EXPECT_TRUE(device.IsRunning(kAidl, "light"));
-    EXPECT_TRUE(device.IsRunning(kHidl, "light"));
 }
 
 }  // namespace

@@ -1,7 +1,9 @@
 // The host's HIDL library: the rules that end the process, and the registry with its threads.
+#include <android/hidl/manager/1.0/IServiceNotification.h>
 #include <gtest/gtest.h>
-#include <hidl/HostInterface.h>
 #include <hidl/hidl_host.h>
+
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
@@ -13,7 +15,9 @@
 #include <utility>
 #include <vector>
 
-namespace kalvorn_test {
+#include "asleep.h"
+
+namespace {
 
 using ::android::sp;
 using ::android::wp;
@@ -27,75 +31,35 @@ using ::android::hardware::Void;
 using ::android::hidl::base::V1_0::IBase;
 using ::android::hidl::manager::V1_0::IServiceNotification;
 
-// The library's own notification interface serves as the 1.0 service, this child of it as the 1.1.
-struct IExtended : public IServiceNotification {
-    static const char* descriptor;
-    Return<void> interfaceChain(interfaceChain_cb callback) override;
-    Return<void> debug(const hidl_handle& fd, const hidl_vec<hidl_string>& options) override;
-    Return<void> interfaceDescriptor(interfaceDescriptor_cb callback) override;
-    Return<void> getHashChain(getHashChain_cb callback) override;
-    Return<void> setHALInstrumentation() override;
-    Return<bool> linkToDeath(const sp<hidl_death_recipient>& recipient, uint64_t cookie) override;
-    Return<void> ping() override;
-    Return<void> getDebugInfo(getDebugInfo_cb callback) override;
-    Return<void> notifySyspropsChanged() override;
-    Return<bool> unlinkToDeath(const sp<hidl_death_recipient>& recipient) override;
-    static Return<sp<IExtended>> castFrom(const sp<IExtended>& same, bool emitError = false);
-    static Return<sp<IExtended>> castFrom(const sp<IServiceNotification>&, bool emitError = false);
-    static Return<sp<IExtended>> castFrom(const sp<IBase>& parent, bool emitError = false);
-    static sp<IExtended> tryGetService(const std::string& name, bool getStub = false);
-    static sp<IExtended> getService(const std::string& name, bool getStub = false);
-    ::android::status_t registerAsService(const std::string& name);
-    static bool registerForNotifications(const std::string&, const sp<IServiceNotification>&);
-};
-
-}  // namespace kalvorn_test
-
-KALVORN_HIDL_INTERFACE_EXTENDS(::kalvorn_test::IExtended, "test@1.1::IExtended",
-                               ::android::hidl::manager::V1_0::IServiceNotification)
-
-namespace kalvorn_test {
-namespace {
-
 using namespace ::kalvorn::host;
 using namespace std::chrono_literals;
 
-const char kBase[] = "android.hidl.manager@1.0::IServiceNotification";
-const char kExtended[] = "test@1.1::IExtended";
+// The library's own notification interface serves as the service.
+const char* const kService = IServiceNotification::descriptor;
 
-template <typename Interface>
-struct Service : Interface {
+struct Service : IServiceNotification {
     Return<void> onRegistration(const hidl_string&, const hidl_string&, bool) override {
         return Void();
     }
 };
-using Service10 = Service<IServiceNotification>;
-using Service11 = Service<IExtended>;
-
-struct Disowning11 : Service11 {
-    Return<void> interfaceChain(interfaceChain_cb callback) override {
-        // NOLINTNEXTLINE(bugprone-parent-virtual-call): so that it denies being an IExtended
-        return IServiceNotification::interfaceChain(callback);
-    }
-};
 
 /** A service that answers look-ups with a failed call. */
-struct Failing11 : Service11 {
+struct Failing : Service {
     Return<void> interfaceChain(interfaceChain_cb callback) override {
         ++asked;
-        return status.isOk() ? Service11::interfaceChain(callback) : status;
+        return status.isOk() ? Service::interfaceChain(callback) : status;
     }
     Status status;
     std::atomic<int> asked = 0;
 };
 
-/** Writes down what arrives, as "name instance preexisting" or "died cookie". */
+/** Writes down what arrives, as "instance preexisting" or "died cookie". */
 class Listener : public IServiceNotification, public hidl_death_recipient {
   public:
-    Return<void> onRegistration(const hidl_string& fqName, const hidl_string& name,
+    Return<void> onRegistration(const hidl_string&, const hidl_string& name,
                                 bool preexisting) override {
         if (mOnRegistration) mOnRegistration();
-        note(std::string(fqName) + " " + name.c_str() + (preexisting ? " true" : " false"));
+        note(name.c_str() + std::string(preexisting ? " true" : " false"));
         return Void();
     }
     void serviceDied(uint64_t cookie, const wp<IBase>& who) override {
@@ -134,37 +98,6 @@ class HostHidlTest : public ::testing::Test {
     }
 };
 
-bool Eventually(const std::function<bool()>& condition) {
-    const auto end = std::chrono::steady_clock::now() + 20s;
-    while (!condition() && std::chrono::steady_clock::now() < end) {
-        std::this_thread::sleep_for(1ms);
-    }
-    return condition();
-}
-
-/** A look-up on a thread of its own, so that a failed test does not hang. */
-class Search {
-  public:
-    explicit Search(const std::string& name)
-        : mFound(std::async(std::launch::async, [name] { return IExtended::getService(name); })) {}
-    ~Search() {
-        if (mFound.valid()) ResetHidlRegistry();
-    }
-
-    bool waits() const {
-        return Eventually([] { return HidlWaiterCount() == 1; });
-    }
-
-    sp<IExtended> found() {
-        const bool ended = mFound.wait_for(20s) == std::future_status::ready;
-        EXPECT_TRUE(ended);
-        return ended ? mFound.get() : nullptr;
-    }
-
-  private:
-    std::future<sp<IExtended>> mFound;
-};
-
 /** Keeps the HIDL thread busy, so that what is posted meanwhile stays queued. */
 class BusyHidlThread {
   public:
@@ -174,7 +107,7 @@ class BusyHidlThread {
             mDone.get_future().wait();
         };
         IServiceNotification::registerForNotifications("busy", mListener);
-        EXPECT_EQ(::android::OK, (new Service10)->registerAsService("busy"));
+        EXPECT_EQ(::android::OK, (new Service)->registerAsService("busy"));
         EXPECT_EQ(std::future_status::ready, mBusy.get_future().wait_for(20s));
     }
     ~BusyHidlThread() {
@@ -234,194 +167,82 @@ TEST(HostHidlTypes, StringsAndVectorsOwnTheirCopies) {
     hidl_vec<hidl_string> vec = {"first", "second"};
     vec[1].setToExternal(text, 3);
     const hidl_vec<hidl_string> copy = vec;
-    hidl_string moved = std::move(vec[1]);
+    const hidl_string moved = std::move(vec[1]);
     text[0] = 'X';
     EXPECT_STREQ("abc", copy[1].c_str());
     EXPECT_STREQ("Xbc", moved.c_str());
     EXPECT_STREQ("", vec[1].c_str());
-    moved = *&moved;
-    EXPECT_EQ(hidl_string("Xbc"), moved);
-    EXPECT_EQ(std::string("a\0b", 3), std::string(hidl_string("a\0b", 3)));
-
     vec.resize(3);
-    EXPECT_EQ(hidl_string("first"), vec[0]);
-    EXPECT_TRUE(vec[2].empty());
-    vec.resize(1);
-    EXPECT_EQ(1u, vec.size());
-
-    int32_t numbers[] = {1, 2};
-    hidl_vec<int32_t> lent;
-    lent.setToExternal(numbers, 2);
-    const hidl_vec<int32_t> owned = lent;
-    numbers[1] = 9;
-    EXPECT_EQ((hidl_vec<int32_t>{1, 9}), lent);
-    EXPECT_EQ((hidl_vec<int32_t>{1, 2}), owned);
-}
-
-TEST_F(HostHidlTest, GetServiceWaitsForADeclaredServiceOnly) {
-    EXPECT_EQ(nullptr, IExtended::getService("x"));
-    DeclareHidlService(kExtended, "x");
-    EXPECT_EQ(nullptr, IExtended::tryGetService("x"));
-
-    Search late("x");
-    EXPECT_TRUE(late.waits());
-    const sp<IExtended> service = new Service11;
-    EXPECT_EQ(::android::OK, service->registerAsService("x"));
-    EXPECT_EQ(service, late.found());
-    EXPECT_EQ(nullptr, IServiceNotification::tryGetService("x")) << "the parent is not declared";
-    DeclareHidlService(kBase, "x");
-    EXPECT_EQ(service, IServiceNotification::getService("x"));
-}
-
-TEST_F(HostHidlTest, OnlyTheServiceOrAResetEndsAWait) {
-    DeclareHidlService(kExtended, "x");
-    {
-        Search search("x");
-        EXPECT_TRUE(search.waits());
-        UndeclareHidlService(kExtended, "x");
-        EXPECT_EQ(nullptr, IExtended::getService("x")) << "asked after the withdrawal";
-        const sp<IExtended> service = new Service11;
-        EXPECT_EQ(::android::OK, service->registerAsService("x"));
-        EXPECT_EQ(service, search.found());
-    }
-    ResetHidlRegistry();
-    DeclareHidlService(kExtended, "x");
-    Search search("x");
-    EXPECT_TRUE(search.waits());
-    ResetHidlRegistry();
-    DeclareHidlService(kExtended, "x");
-    EXPECT_EQ(nullptr, search.found());
+    EXPECT_EQ((hidl_vec<hidl_string>{"first", "", ""}), vec);
 }
 
 TEST_F(HostHidlTest, AServiceFoundDeadCountsAsNotThereYet) {
-    DeclareHidlService(kExtended, "x");
-    const sp<Failing11> failing = new Failing11;
+    DeclareHidlService(kService, "x");
+    const sp<Failing> failing = new Failing;
     EXPECT_EQ(::android::OK, failing->registerAsService("x"));
     failing->status = Status::fromStatusT(::android::FAILED_TRANSACTION);
-    EXPECT_EQ(nullptr, Search("x").found()) << "a cast that fails otherwise ends the wait";
+    EXPECT_EQ(nullptr, IServiceNotification::getService("x")) << "otherwise failed: no wait";
 
-    failing->status = Status::fromStatusT(::android::DEAD_OBJECT);
-    EXPECT_EQ(nullptr, IExtended::tryGetService("x"));
+    failing->status = Failed();
+    EXPECT_EQ(nullptr, IServiceNotification::tryGetService("x"));
     failing->asked = 0;
     const auto start = std::chrono::steady_clock::now();
-    Search search("x");
-    EXPECT_TRUE(search.waits());
+    std::promise<pid_t> id;
+    auto search = std::async(std::launch::async, [&] {
+        id.set_value(gettid());
+        return IServiceNotification::getService("x");
+    });
+    WaitUntilAsleep(id.get_future());
     std::this_thread::sleep_for(20ms);
     const auto seconds = (std::chrono::steady_clock::now() - start) / 1s;
     EXPECT_LE(failing->asked, 2 + seconds) << "it waits before it looks again";
-    const sp<IExtended> living = new Service11;
+    const sp<Service> living = new Service;
     EXPECT_EQ(::android::OK, living->registerAsService("x"));
-    EXPECT_EQ(living, search.found());
+    EXPECT_EQ(living, search.get());
 }
 
 TEST_F(HostHidlTest, ADeadServicesNameMayStayForAWhile) {
     const auto registered = [] {
         const sp<Listener> listener = new Listener;
-        IExtended::registerForNotifications("x", listener);
+        IServiceNotification::registerForNotifications("x", listener);
         return !listener->heard().empty();
     };
-    DeclareHidlService(kExtended, "x");
-    KeepDeadHidlNames(true);
+    DeclareHidlService(kService, "x");
     for (const bool replaced : {true, false}) {
-        const sp<IExtended> dying = new Service11;
+        KeepDeadHidlNames(true);
+        const sp<Service> dying = new Service, next = new Service;
         EXPECT_EQ(::android::OK, dying->registerAsService("x"));
         KillHidlService(dying);
         EXPECT_TRUE(registered());
-        EXPECT_EQ(nullptr, IExtended::tryGetService("x"));
-        const sp<IExtended> next = new Service11;
+        EXPECT_EQ(nullptr, IServiceNotification::tryGetService("x"));
         if (replaced) {
             EXPECT_EQ(::android::OK, next->registerAsService("x"));
         }
         KeepDeadHidlNames(false);
         EXPECT_EQ(replaced, registered());
-        EXPECT_EQ(replaced ? next : nullptr, IExtended::tryGetService("x"));
         KillHidlService(next);
-        KeepDeadHidlNames(true);
+        EXPECT_FALSE(registered());
     }
-    ResetHidlRegistry();
-    const sp<IExtended> last = new Service11;
-    EXPECT_EQ(::android::OK, last->registerAsService("x"));
-    KillHidlService(last);
-    EXPECT_FALSE(registered()) << "a reset ends it";
 }
 
-TEST_F(HostHidlTest, NotificationsTellNewFromPresent) {
-    const sp<Listener> all = new Listener;
-    const sp<Listener> one = new Listener;
-    EXPECT_FALSE(IExtended::registerForNotifications("", nullptr));
-    EXPECT_TRUE(IExtended::registerForNotifications("", all));
-    EXPECT_TRUE(IExtended::registerForNotifications("", all));
-    EXPECT_TRUE(IServiceNotification::registerForNotifications("b", one));
-    EXPECT_EQ(2u, HidlNotificationCount(kExtended));
-
-    const sp<Service11> service = new Service11;
-    EXPECT_EQ(::android::OK, service->registerAsService("a"));
-    EXPECT_EQ((Lines{"test@1.1::IExtended a false", "test@1.1::IExtended a false"}), all->heard());
-    EXPECT_EQ(::android::OK, service->registerAsService("b"));
-    EXPECT_EQ((Lines{std::string(kBase) + " b false"}), one->heard());
-
-    const sp<Listener> late = new Listener;
-    EXPECT_TRUE(IExtended::registerForNotifications("", late));
-    EXPECT_EQ((Lines{"test@1.1::IExtended a true", "test@1.1::IExtended b true"}), late->heard());
-}
-
-TEST_F(HostHidlTest, CallbacksComeOneAtATimeAndInOrder) {
-    const sp<Listener> blocked = new Listener;
-    const sp<Listener> other = new Listener;
-    DeclareHidlService(kExtended, "late");
-    std::atomic<int> entered = 0;
-    blocked->mOnRegistration = [&] {
-        ++entered;
-        EXPECT_NE(nullptr, IExtended::getService("late"));
-    };
-    IServiceNotification::registerForNotifications("x", blocked);
-    IServiceNotification::registerForNotifications("x", blocked);
-
-    const sp<Service10> service = new Service10;
-    EXPECT_EQ(::android::OK, service->registerAsService("x"));
-    EXPECT_TRUE(service->linkToDeath(other, 1));
-    KillHidlService(service);
-    EXPECT_TRUE(Eventually([] { return HidlWaiterCount() == 1; }));
-    EXPECT_FALSE(WaitForHidlDelivery(0ms));
-    EXPECT_EQ(1, entered);
-    EXPECT_EQ(nullptr, other->mDied.promote());
-    EXPECT_EQ(::android::OK, (new Service11)->registerAsService("late"));
-    EXPECT_EQ(2u, blocked->heard().size());
-    EXPECT_EQ(Lines{"died 1"}, other->heard());
-}
-
-TEST_F(HostHidlTest, EveryLinkOfADeadServiceIsDelivered) {
-    DeclareHidlService(kBase, "x");
-    const sp<Listener> recipient = new Listener;
-    const sp<Service10> service = new Service10;
-    EXPECT_EQ(::android::OK, service->registerAsService("x"));
-    EXPECT_FALSE(service->unlinkToDeath(recipient));
-    for (const uint64_t cookie : {1, 2, 3}) EXPECT_TRUE(service->linkToDeath(recipient, cookie));
-    EXPECT_TRUE(service->linkToDeath(new Listener, 4)) << "a recipient that goes at once";
-    EXPECT_TRUE(service->unlinkToDeath(recipient));
-    RefuseHidlDeathLinks(service, true);
-    EXPECT_FALSE(service->linkToDeath(recipient, 5));
-    EXPECT_EQ(3u, HidlDeathLinkCount(service));
-
-    EXPECT_FALSE(IsHidlServiceDead(service.get()));
-    KillHidlService(service);
-    EXPECT_EQ((Lines{"died 1", "died 2"}), recipient->heard());
-    EXPECT_EQ(service, recipient->mDied.promote());
-    KillHidlService(service);
-    EXPECT_EQ(Lines{}, recipient->heard());
-
-    EXPECT_TRUE(IsHidlServiceDead(service.get()));
-    EXPECT_TRUE(service->ping().isDeadObject());
-    EXPECT_FALSE(service->linkToDeath(recipient, 6));
-    EXPECT_FALSE(service->unlinkToDeath(recipient));
-    EXPECT_EQ(nullptr, IServiceNotification::tryGetService("x"));
-    EXPECT_NE(::android::OK, service->registerAsService("x"));
+TEST_F(HostHidlTest, EveryListenerHearsOfItsInstances) {
+    const sp<Listener> all = new Listener, one = new Listener;
+    EXPECT_FALSE(IServiceNotification::registerForNotifications("", nullptr));
+    for (int i = 0; i < 2; ++i) IServiceNotification::registerForNotifications("", all);
+    IServiceNotification::registerForNotifications("b", one);
+    for (const char* name : {"a", "b"}) {
+        EXPECT_EQ(::android::OK, (new Service)->registerAsService(name));
+        EXPECT_EQ(Lines(2, std::string(name) + " false"), all->heard());
+    }
+    EXPECT_EQ(Lines{"b false"}, one->heard());
 }
 
 TEST_F(HostHidlTest, LinksChangeUntilTheObituaryIsOut) {
     const sp<Listener> first = new Listener, second = new Listener;
-    const sp<Service10> service = new Service10, unheard = new Service10;
+    const sp<Service> service = new Service, unheard = new Service, unlinked = new Service;
+    EXPECT_FALSE(service->unlinkToDeath(first));
     for (const uint64_t cookie : {1, 2, 3}) EXPECT_TRUE(service->linkToDeath(first, cookie));
+    EXPECT_TRUE(service->linkToDeath(new Listener, 9)) << "a recipient that goes at once";
     EXPECT_TRUE(service->linkToDeath(second, 4));
     EXPECT_TRUE(unheard->linkToDeath(second, 5));
     first->mOnDeath = [&] {
@@ -431,7 +252,10 @@ TEST_F(HostHidlTest, LinksChangeUntilTheObituaryIsOut) {
     };
     {
         const BusyHidlThread busy;
-        KillHidlProcess({service, unheard});
+        KillHidlProcess({service, nullptr, unheard, service});
+        EXPECT_FALSE(WaitForHidlDelivery(0ms));
+        EXPECT_TRUE(service->ping().isDeadObject());
+        EXPECT_NE(::android::OK, service->registerAsService("x"));
         EXPECT_TRUE(service->unlinkToDeath(first)) << "the youngest";
         EXPECT_TRUE(service->unlinkToDeath(second));
         EXPECT_FALSE(service->unlinkToDeath(second)) << "it had one link";
@@ -439,69 +263,17 @@ TEST_F(HostHidlTest, LinksChangeUntilTheObituaryIsOut) {
         EXPECT_TRUE(unheard->unlinkToDeath(second));
     }
     EXPECT_EQ((Lines{"died 1", "died 2"}), first->heard());
+    EXPECT_EQ(service, first->mDied.promote());
     EXPECT_EQ(Lines{"died 7"}, second->heard());
-    for (const auto& dead : {service, unheard}) {
+    KillHidlProcess({service, unheard, unlinked});
+    EXPECT_TRUE(unlinked->linkToDeath(second, 10)) << "brings the obituary";
+    EXPECT_EQ(Lines{"died 10"}, second->heard());
+    for (const auto& dead : {service, unheard, unlinked}) {
         EXPECT_FALSE(dead->linkToDeath(second, 8));
         EXPECT_FALSE(dead->unlinkToDeath(second));
         EXPECT_EQ(0u, HidlDeathLinkCount(dead));
     }
-}
-
-TEST_F(HostHidlTest, ALinkToTheDeadBringsTheObituary) {
-    const sp<Listener> recipient = new Listener;
-    const sp<Service10> service = new Service10;
-    KillHidlService(service);
-    EXPECT_TRUE(service->linkToDeath(recipient, 1));
-    EXPECT_EQ(Lines{"died 1"}, recipient->heard());
-    EXPECT_FALSE(service->linkToDeath(recipient, 2));
-    EXPECT_EQ(Lines{}, recipient->heard());
-}
-
-TEST_F(HostHidlTest, AProcessIsDeadBeforeTheFirstNotice) {
-    DeclareHidlService(kBase, "a");
-    const sp<Listener> recipient = new Listener;
-    const sp<Service10> a = new Service10, b = new Service10;
-    EXPECT_EQ(::android::OK, a->registerAsService("a"));
-    EXPECT_TRUE(b->linkToDeath(recipient, 1));
-    EXPECT_TRUE(a->linkToDeath(recipient, 2));
-    const size_t queued = HidlDeliveryCount();
-    KillHidlProcess({b, nullptr, a, b}, [&] {
-        EXPECT_TRUE(a->ping().isDeadObject());
-        EXPECT_TRUE(b->ping().isDeadObject());
-        EXPECT_EQ(nullptr, IServiceNotification::tryGetService("a"));
-        EXPECT_EQ(queued, HidlDeliveryCount());
-    });
-    EXPECT_EQ((Lines{"died 1", "died 2"}), recipient->heard());
-    EXPECT_EQ(queued + 2, HidlDeliveryCount());
-}
-
-TEST_F(HostHidlTest, CastsFollowTheInterfaceChain) {
-    const sp<IServiceNotification> only10 = new Service10;
-    const sp<IServiceNotification> both = new Service11;
-    const auto cast = [](const sp<IServiceNotification>& from) -> sp<IExtended> {
-        return IExtended::castFrom(from);
-    };
-    EXPECT_EQ(nullptr, cast(nullptr));
-    EXPECT_EQ(nullptr, cast(only10));
-    EXPECT_EQ(both, cast(both));
-    EXPECT_EQ(nullptr, cast(new Disowning11)) << "the chain decides, not the C++ type";
-    KillHidlService(both);
-    EXPECT_EQ(nullptr, cast(both));
-    EXPECT_FALSE(IExtended::castFrom(both, /*emitError=*/true).isOk());
-}
-
-TEST_F(HostHidlTest, TheRegistryLetsGoOfWhatItHeld) {
-    wp<IServiceNotification> service = new Service10;
-    wp<Listener> listener = new Listener;
-    EXPECT_EQ(::android::OK, service.promote()->registerAsService("x"));
-    EXPECT_TRUE(IServiceNotification::registerForNotifications("x", listener.promote()));
-    EXPECT_TRUE(WaitForHidlDelivery(5s));
-    EXPECT_NE(nullptr, service.promote());
-    EXPECT_NE(nullptr, listener.promote());
-    ResetHidlRegistry();
-    EXPECT_EQ(nullptr, service.promote());
-    EXPECT_EQ(nullptr, listener.promote());
+    EXPECT_EQ(Lines{}, second->heard());
 }
 
 }  // namespace
-}  // namespace kalvorn_test

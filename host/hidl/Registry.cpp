@@ -66,7 +66,6 @@ struct Registry {
     std::condition_variable changed;
     int resets = 0;
     int registrations = 0;
-    size_t waiters = 0;
     bool keepsDeadNames = false;
     std::set<ServiceName> declared;
     std::map<ServiceName, sp<IBase>> services;
@@ -196,11 +195,9 @@ class LookUp {
     /** Until there is cause to look again: a registration, or a second. False after a reset. */
     bool wait() {
         std::unique_lock<std::mutex> lock(mRegistry.mutex);
-        ++mRegistry.waiters;
         mRegistry.changed.wait_for(lock, std::chrono::seconds(1), [this] {
             return mRegistry.registrations != mRegistrations || mRegistry.resets != mResets;
         });
-        --mRegistry.waiters;
         mRegistrations = mRegistry.registrations;
         return mRegistry.resets == mResets;
     }
@@ -379,11 +376,6 @@ size_t HidlNotificationCount(const std::string& descriptor) {
     size_t count = 0;
     for (const auto& entry : TheRegistry().listeners) count += entry.name.first == descriptor;
     return count;
-}
-
-size_t HidlWaiterCount() {
-    const std::lock_guard<std::mutex> lock(TheRegistry().mutex);
-    return TheRegistry().waiters;
 }
 
 size_t HidlDeliveryCount() {

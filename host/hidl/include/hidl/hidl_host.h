@@ -59,9 +59,6 @@ size_t HidlDeathLinkCount(const HidlService& service);
 /** How many registerForNotifications() calls are in force for the descriptor. */
 size_t HidlNotificationCount(const std::string& descriptor);
 
-/** How many getService() calls wait for their service now. */
-size_t HidlWaiterCount();
-
 /** How many notifications and obituaries were ever queued. */
 size_t HidlDeliveryCount();
 
