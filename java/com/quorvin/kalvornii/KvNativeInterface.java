@@ -18,7 +18,9 @@ package com.quorvin.kalvornii;
  *       that of an absent service.
  *   <li>Ids, scenes, commands and parameters mean what the service says, and are passed on as they
  *       are; so are the service's own codes and texts in the results. An empty text is "", not
- *       null.
+ *       null. What is not UTF-8 in a service's text becomes U+FFFD.
+ *   <li>Out of memory: a text or array that cannot be made is null, and a static field that cannot
+ *       be written stays as it was; the log tells what was lost.
  *   <li>A call that breaks off on its way (the service dies during it) tells Java nothing of that:
  *       text methods return "", int methods 0, save where "broken call" says otherwise. Over HIDL a
  *       broken call of an int method ends the process, save where "broken call" names HIDL.
