@@ -7,24 +7,35 @@ namespace kalvorn {
 
 namespace {
 
-constexpr const char* kOperationClass = "com/quorvin/kalvornii/BigDataOperation";
-constexpr const char* kValueClass = "com/quorvin/kalvornii/BigDataValue";
 constexpr const char* kInt = "I";
 constexpr const char* kString = "Ljava/lang/String;";
 
-// No JNI function may be called with an exception pending: after one that failed, none is looked
-// up.
-jfieldID FieldId(JNIEnv* env, jclass clazz, const char* name, const char* type) {
-    return env->ExceptionCheck() ? nullptr : env->GetFieldID(clazz, name, type);
-}
+// A class and the ids of its fields. No JNI function may be called with an exception pending: after
+// a look-up that failed there is none.
+class Fields {
+  public:
+    Fields(JNIEnv* env, const char* className)
+        : mEnv(env), mName(className), mClass(env->FindClass(className)) {}
 
-// Whether the class and all of its fields so far were found.
-bool Found(JNIEnv* env, const char* className) {
-    if (!env->ExceptionCheck()) return true;
-    env->ExceptionClear();
-    KV_LOGE("cannot find the fields of %s", className);
-    return false;
-}
+    jfieldID Id(const char* name, const char* type) {
+        jfieldID id = mClass == nullptr ? nullptr : mEnv->GetFieldID(mClass, name, type);
+        if (id == nullptr) mClass = nullptr;
+        return id;
+    }
+
+    /** Whether the class and all of its fields so far were found; if not, after one line. */
+    bool Found() const {
+        if (mClass != nullptr) return true;
+        mEnv->ExceptionClear();
+        KV_LOGE("cannot find the fields of %s", mName);
+        return false;
+    }
+
+  private:
+    JNIEnv* const mEnv;
+    const char* const mName;
+    jclass mClass;
+};
 
 jstring StringAt(JNIEnv* env, jobject object, jfieldID field) {
     return static_cast<jstring>(env->GetObjectField(object, field));
@@ -37,14 +48,14 @@ bool ReadBigData(JNIEnv* env, jobject operation, BigDataOperation* record) {
         KV_LOGE("operation is null");
         return false;
     }
-    jclass clazz = env->FindClass(kOperationClass);
-    jfieldID version = FieldId(env, clazz, "version", kInt);
-    jfieldID commandId = FieldId(env, clazz, "commandId", kInt);
-    jfieldID operationId = FieldId(env, clazz, "operation", kInt);
-    jfieldID bsn = FieldId(env, clazz, "bsn", kString);
-    jfieldID station = FieldId(env, clazz, "station", kString);
-    jfieldID cycle = FieldId(env, clazz, "cycle", kInt);
-    if (!Found(env, kOperationClass)) return false;
+    Fields fields(env, "com/quorvin/kalvornii/BigDataOperation");
+    jfieldID version = fields.Id("version", kInt);
+    jfieldID commandId = fields.Id("commandId", kInt);
+    jfieldID operationId = fields.Id("operation", kInt);
+    jfieldID bsn = fields.Id("bsn", kString);
+    jfieldID station = fields.Id("station", kString);
+    jfieldID cycle = fields.Id("cycle", kInt);
+    if (!fields.Found()) return false;
 
     record->version = env->GetIntField(operation, version);
     record->commandId = env->GetIntField(operation, commandId);
@@ -64,16 +75,16 @@ bool ReadBigData(JNIEnv* env, jobject value, BigDataValue* record) {
         KV_LOGE("value is null");
         return false;
     }
-    jclass clazz = env->FindClass(kValueClass);
-    jfieldID version = FieldId(env, clazz, "version", kInt);
-    jfieldID dataSource = FieldId(env, clazz, "dataSource", kInt);
-    if (!Found(env, kValueClass)) return false;
+    Fields fields(env, "com/quorvin/kalvornii/BigDataValue");
+    jfieldID version = fields.Id("version", kInt);
+    jfieldID dataSource = fields.Id("dataSource", kInt);
+    if (!fields.Found()) return false;
     record->version = env->GetIntField(value, version);
     record->dataSource = env->GetIntField(value, dataSource);
 
-    jfieldID errorCode = FieldId(env, clazz, "errorCode", kInt);
-    jfieldID itemId = FieldId(env, clazz, "itemId", kInt);
-    jfieldID cycle = FieldId(env, clazz, "cycle", kInt);
+    jfieldID errorCode = fields.Id("errorCode", kInt);
+    jfieldID itemId = fields.Id("itemId", kInt);
+    jfieldID cycle = fields.Id("cycle", kInt);
     struct {
         const char* name;
         const char** chars;
@@ -93,8 +104,8 @@ bool ReadBigData(JNIEnv* env, jobject value, BigDataValue* record) {
             {"description", &record->description, nullptr, nullptr},
     };
     // All ids, then all objects, then all texts, each in this order.
-    for (auto& text : texts) text.field = FieldId(env, clazz, text.name, kString);
-    if (!Found(env, kValueClass)) return false;
+    for (auto& text : texts) text.field = fields.Id(text.name, kString);
+    if (!fields.Found()) return false;
 
     record->errorCode = env->GetIntField(value, errorCode);
     record->itemId = env->GetIntField(value, itemId);
