@@ -1,0 +1,145 @@
+package com.quorvin.kalvornii.ctl;
+
+import static java.nio.charset.StandardCharsets.UTF_8;
+
+import android.os.Process;
+import android.util.Log;
+import java.io.BufferedReader;
+import java.io.Closeable;
+import java.io.IOException;
+import java.io.InputStreamReader;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.concurrent.LinkedBlockingQueue;
+import java.util.concurrent.TimeUnit;
+
+/**
+ * This process's own log, read through logcat while it runs. Whether a line has arrived is told by
+ * marks, lines of our own: all that was logged before a mark is read before it.
+ */
+final class LogReader implements Closeable {
+    private static final String TAG = "kalvornctl";
+    private static final long MARK_MILLISECONDS = 3000;
+    private static final String END = new String("end");  // told from a line by its identity
+
+    private final LinkedBlockingQueue<String> lines = new LinkedBlockingQueue<>();
+    private java.lang.Process logcat;
+    private int marks;
+    private String trouble;
+
+    /** Starts logcat; lines from now on are read. */
+    static LogReader start() {
+        LogReader reader = new LogReader();
+        try {
+            reader.logcat = logcat("--pid=" + Process.myPid(), "-s", LogLine.LIBRARY + ":V", TAG + ":V");
+        } catch (IOException e) {
+            reader.trouble = e.getMessage();
+            return reader;
+        }
+        Runtime.getRuntime().addShutdownHook(new Thread(reader::close));
+        Thread thread = new Thread(reader::read, "logcat");
+        thread.setDaemon(true);
+        thread.start();
+        reader.upToNow();  // an earlier process may have had our pid
+        return reader;
+    }
+
+    /** What is in the log now under other processes' tags; empty when it cannot be read. */
+    static List<LogLine> dump(String... tags) {
+        List<LogLine> found = new ArrayList<>();
+        List<String> filter = new ArrayList<>(List.of("-d", "-s"));
+        for (String tag : tags) filter.add(tag + ":V");
+        try {
+            BufferedReader output = output(logcat(filter.toArray(new String[0])));
+            for (String line = output.readLine(); line != null; line = output.readLine()) {
+                LogLine parsed = LogLine.parse(line);
+                if (parsed != null) found.add(parsed);
+            }
+        } catch (IOException e) {
+            // Nothing is known then.
+        }
+        return found;
+    }
+
+    private static java.lang.Process logcat(String... options) throws IOException {
+        List<String> command = new ArrayList<>(List.of("logcat", "-v", "threadtime"));
+        command.addAll(List.of(options));
+        return new ProcessBuilder(command).redirectErrorStream(true).start();
+    }
+
+    private static BufferedReader output(java.lang.Process process) {
+        return new BufferedReader(new InputStreamReader(process.getInputStream(), UTF_8));
+    }
+
+    private void read() {
+        try (BufferedReader output = output(logcat)) {
+            for (String line = output.readLine(); line != null; line = output.readLine()) {
+                lines.add(line);
+            }
+        } catch (IOException e) {
+            // As at its end.
+        }
+        lines.add(END);
+    }
+
+    /** Why the log cannot be read; null while it can. */
+    String trouble() {
+        return trouble;
+    }
+
+    /** The lines that were logged until now and not taken yet. */
+    List<LogLine> upToNow() {
+        List<LogLine> taken = new ArrayList<>();
+        if (trouble != null) return taken;
+        String mark = "mark " + Process.myPid() + "." + System.nanoTime() + "." + marks++;
+        Log.i(TAG, mark);
+        long end = System.nanoTime() + TimeUnit.MILLISECONDS.toNanos(MARK_MILLISECONDS);
+        String last = "nothing of it arrives";
+        while (trouble == null) {
+            String line = poll(TimeUnit.NANOSECONDS.toMillis(end - System.nanoTime()));
+            if (line == null || line == END) {
+                trouble = "logcat: " + last;
+                close();
+            } else {
+                LogLine parsed = LogLine.parse(line);
+                if (parsed == null) {
+                    last = line;  // a separator, or what logcat has to say
+                } else if (parsed.isOfLibrary()) {
+                    taken.add(parsed);
+                } else if (parsed.text.equals(mark)) {
+                    return taken;
+                }
+            }
+        }
+        return taken;
+    }
+
+    /** The library's next line; null when none comes in that time. */
+    LogLine next(long milliseconds) {
+        long end = System.nanoTime() + TimeUnit.MILLISECONDS.toNanos(milliseconds);
+        for (;;) {
+            String line = poll(TimeUnit.NANOSECONDS.toMillis(end - System.nanoTime()));
+            if (line == null) return null;
+            if (line == END) {
+                trouble = "logcat has ended";
+                return null;
+            }
+            LogLine parsed = LogLine.parse(line);
+            if (parsed != null && parsed.isOfLibrary()) return parsed;
+        }
+    }
+
+    private String poll(long milliseconds) {
+        try {
+            return lines.poll(Math.max(milliseconds, 0), TimeUnit.MILLISECONDS);
+        } catch (InterruptedException e) {
+            throw new IllegalStateException(e);
+        }
+    }
+
+    /** Ends logcat. */
+    @Override
+    public void close() {
+        if (logcat != null) logcat.destroy();
+    }
+}

@@ -1,0 +1,139 @@
+package com.quorvin.kalvornii.ctl;
+
+import static java.nio.charset.StandardCharsets.UTF_8;
+
+import java.io.BufferedReader;
+import java.io.IOException;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.Map;
+import java.util.Objects;
+
+/**
+ * "run": each line is called as it is read, so that another program can write them one by one. The
+ * result goes to standard output as a line of the same kind.
+ */
+final class RunCommand {
+    private final Console console;
+    private final CallCommand calls;
+    private Library library;  // loaded for the first call
+    private int made;
+    private int refused;
+    private int different;
+    private int absent;
+
+    RunCommand(Console console) {
+        this.console = console;
+        calls = new CallCommand(console);
+    }
+
+    int run(Options options) throws UsageException, LoadException, IOException {
+        options.allow(1, "-v", "--json", "--yes", "--keep-going");
+        String name = options.words.isEmpty() ? "-" : options.words.get(0);
+        try (BufferedReader lines = open(name)) {
+            int number = 0;
+            for (String line = lines.readLine(); line != null; line = lines.readLine()) {
+                number++;
+                try {
+                    take(line, options);
+                } catch (UsageException e) {
+                    refused++;
+                    console.tell((name.equals("-") ? "line " : name + ":") + number + ": "
+                            + e.getMessage());
+                    if (!options.has("--keep-going")) break;
+                }
+            }
+        }
+        summary();
+        if (refused > 0) return Main.USAGE;
+        if (different > 0) return Main.DIFFERENT;
+        return absent > 0 ? Main.ABSENT : Main.DONE;
+    }
+
+    private BufferedReader open(String name) throws UsageException {
+        if (name.equals("-")) return console.in;
+        try {
+            return Files.newBufferedReader(Path.of(name), UTF_8);
+        } catch (IOException e) {
+            throw new UsageException("cannot read " + e.getMessage());
+        }
+    }
+
+    private void summary() {
+        console.tell(made + (made == 1 ? " call" : " calls")
+                + (different > 0 ? ", " + different + " with another result" : "")
+                + (absent > 0 ? ", " + absent + " of an absent service" : "")
+                + (refused > 0 ? ", " + refused + " that could not be made" : ""));
+    }
+
+    /** Calls what a line says. */
+    private void take(String line, Options options) throws UsageException, LoadException {
+        List<String> words = new ArrayList<>();
+        List<String> expected = null;
+        for (Words.Word word : Words.of(line)) {
+            if (expected == null && !word.quoted && word.text.equals("=")) {
+                expected = new ArrayList<>();
+            } else {
+                (expected == null ? words : expected).add(word.text);
+            }
+        }
+        if (words.isEmpty() && expected == null) return;
+        Contract.Method method = calls.method(words);
+        Object[] arguments = calls.arguments(method, words.subList(1, words.size()), options);
+        Object wanted = expected == null ? null : expectation(method, expected);
+        call(method, arguments, expected != null, wanted, options);
+    }
+
+    private static Object expectation(Contract.Method method, List<String> words)
+            throws UsageException {
+        Class<?> type = Values.typeOf(method.result);
+        if (type == int[].class) {
+            int[] numbers = new int[words.size()];
+            for (int i = 0; i < numbers.length; i++) {
+                numbers[i] = (int) Values.parse(int.class, words.get(i));
+            }
+            return numbers;
+        }
+        if (words.size() != 1) {
+            throw new UsageException("after = one word is expected; quote a text with blanks\n  "
+                    + method.declaration());
+        }
+        return Values.parse(type, words.get(0));
+    }
+
+    private void call(Contract.Method method, Object[] arguments, boolean expects, Object wanted,
+            Options options) throws LoadException {
+        boolean withLog = options.has("-v") || options.has("--json");
+        if (library == null) {
+            library = new Library(console);
+            if (!withLog) library.log.close();
+        }
+        Call call = library.call(method, arguments, withLog);
+        made++;
+        boolean differs = expects && !Objects.deepEquals(wanted, call.result);
+        if (differs) different++;
+        if (call.isAbsent() && (!expects || differs)) absent++;
+        show(call, expects, wanted, options);
+        if (options.has("-v")) calls.showLog(call, library.log);
+    }
+
+    private void show(Call call, boolean expects, Object wanted, Options options) {
+        boolean differs = expects && !Objects.deepEquals(wanted, call.result);
+        if (options.has("--json")) {
+            Map<String, Object> members = call.members();
+            if (expects) {
+                members.put("expected", wanted);
+                members.put("differs", differs);
+            }
+            console.out.println(Json.of(members));
+            return;
+        }
+        List<String> notes = new ArrayList<>();
+        call.fields.forEach((name, text) -> notes.add(name + ": " + Values.words(text)));
+        if (differs) notes.add("expected: " + Values.words(wanted));
+        console.out.println(call.line()
+                + (notes.isEmpty() ? "" : "  # " + String.join(", ", notes)));
+    }
+}

@@ -1,0 +1,212 @@
+package com.quorvin.kalvornii.ctl;
+
+import java.util.ArrayList;
+import java.util.HashMap;
+import java.util.List;
+import java.util.Map;
+import java.util.regex.Matcher;
+import java.util.regex.Pattern;
+
+/**
+ * The thirteen services and who holds each, as the library's log tells it. The lines of one
+ * connector come on one thread in a row: its start, then what came of it, and only the start when
+ * the service was connected already.
+ */
+final class Services {
+    private static final String VENDOR = "vendor.zantor.hardware.";
+    private static final Pattern OUTCOME = Pattern.compile(
+            ".*( linkToDeath|is null|is not Declared)|Could not connect to declared .*");
+    private static final Pattern DENIAL = Pattern.compile(
+            "avc: +denied +\\{ find \\} for .*\\b(?:name|interface)=(\\S+)");
+
+    /** A service over one backend. */
+    static final class Link {
+        /** The service manager's name for it. */
+        final String instance;
+        private final String start;
+        private String said;
+        private boolean held;
+        private boolean denied;
+
+        private Link(String start, String instance) {
+            this.start = start;
+            this.instance = VENDOR + instance;
+        }
+
+        /** Denials over HIDL name the interface without its version and instance. */
+        private boolean isNamed(String denied) {
+            return denied.equals(instance)
+                    || denied.equals(instance.replaceAll("@[0-9.]+", "").replaceAll("/.*", ""));
+        }
+
+        private String said() {
+            return denied && !held ? said + " (denied to this process)" : said;
+        }
+    }
+
+    static final class Service {
+        final String name;
+        final Link aidl;
+        /** Null for a service that HIDL does not have. */
+        final Link hidl;
+
+        private Service(String name, Link aidl, Link hidl) {
+            this.name = name;
+            this.aidl = aidl;
+            this.hidl = hidl;
+        }
+
+        /** The backend that serves its methods. */
+        String backend() {
+            if (aidl.held) return "AIDL";
+            return hidl != null && hidl.held ? "HIDL" : "none";
+        }
+
+        /** The instance that is held, or else the one that AIDL would have. */
+        String instance() {
+            return backend().equals("HIDL") ? hidl.instance : aidl.instance;
+        }
+
+        /** Whether the platform's policy keeps this process from it, as far as the log tells. */
+        boolean isDenied() {
+            return aidl.denied || (hidl != null && hidl.denied);
+        }
+
+        /** The library's last words on it, in one line. */
+        String said() {
+            List<String> said = new ArrayList<>();
+            if (aidl.said != null) said.add(aidl.said());
+            if (!aidl.held && hidl != null && hidl.said != null) said.add(hidl.said());
+            return String.join("; ", said);
+        }
+    }
+
+    private final List<Service> all = new ArrayList<>();
+    private final Map<Integer, Link> connecting = new HashMap<>();  // by thread
+    private Link last;
+
+    Services() {
+        add("factory",
+                "InitAidlFactoryInterface",
+                "qxfactoryinterface.IQxFactoryInterface/qxfactoryinterface_hal",
+                "InitHidlFactoryInterface",
+                "qxfactoryinterface@1.0::IQxFactoryInterface/qxfactoryinterface_hal");
+        add("display",
+                "InitAidlDisplayService", "qxdisplay.IDisplay/default",
+                "InitHidlDisplayService", "qxdisplay@1.0::IDisplay/default");
+        add("touch",
+                "InitAidlTouchscreen", "tp.ITouchscreen/default",
+                "InitHidlTouchScreen", "tp@1.0::ITouchscreen/default");
+        add("sensors",
+                "InitAidlSensors", "sensors.ISensors/default",
+                "InitHidlSensors", "sensors@1.2::ISensors/default");
+        add("power",
+                "InitAidlPower", "power.IQXPower/default",
+                "InitHidlPower", "power@1.0::IQXPower/default");
+        add("light",
+                "InitAidlLight", "light.ILight/default",
+                "InitHidlLight", "light@2.0::ILight/default");
+        add("camera",
+                "InitAidlCameraFactory", "camera.factory.ICameraFactory/default",
+                "InitHidlCameraFactory", "camera.factory@1.0::ICameraFactory/default");
+        add("radio",
+                "InitAidlRadioEnhance", "radioenhance.IRadioenhance/default",
+                "InitHidlRadioEnhance", "radioenhance@1.0::IRadioenhance/default");
+        add("display_factory",
+                "InitAidlDisplayFactory", "qxdisplay.displayfactory.IDisplayFactory/default",
+                "InitHidlDisplayFactory", "qxdisplay.displayfactory@1.0::IDisplayFactory/default");
+        add("fingerprint",
+                "InitAidlFingerprintService", "biometrics.fingerprint.IFingerprint/default",
+                "InitHidlFingerprintService",
+                "biometrics.fingerprint@2.2::IExtBiometricsFingerprint/default");
+        add("chip",
+                "InitAidlChipSrvInterface", "ztchipsrvhertz.IZtChipSrvHertz/ztchipsrv_hertz",
+                "InitHidlChipSrvInterface", "ztchipsrv@1.0::IZtChipSrvInterface/ztchipsrv_hal");
+        add("sim", "InitSimInterface", "ztsimradio.IZtsimradio/slot1");
+        add("satellite", "InitChipSrvSat", "ztchipsrvsat.IZtChipSrvSat/ztchipsrv_sat");
+    }
+
+    private void add(String name, String aidlStart, String aidlInstance) {
+        all.add(new Service(name, new Link(aidlStart, aidlInstance), null));
+    }
+
+    private void add(String name, String aidlStart, String aidlInstance, String hidlStart,
+            String hidlInstance) {
+        all.add(new Service(name, new Link(aidlStart, aidlInstance),
+                new Link(hidlStart, hidlInstance)));
+    }
+
+    /** In the order of connection. */
+    List<Service> all() {
+        return all;
+    }
+
+    /** The service of that name; null for none. */
+    Service named(String name) {
+        return all.stream().filter(service -> service.name.equals(name)).findFirst().orElse(null);
+    }
+
+    boolean isAnyAbsent() {
+        return all.stream().anyMatch(service -> service.backend().equals("none"));
+    }
+
+    void take(List<LogLine> lines) {
+        lines.forEach(this::take);
+    }
+
+    /** Follows a line of the library's log. */
+    void take(LogLine line) {
+        for (Service service : all) {
+            if (line.text.equals("ExitKvManager by aidl")) release(service.aidl, line);
+            if (line.text.equals("ExitKvManager by hidl")) release(service.hidl, line);
+        }
+        Link started = startedBy(line.text);
+        if (started != null) {
+            connecting.put(line.tid, started);
+            last = started;
+            return;
+        }
+        Link link = connecting.get(line.tid);
+        if (link == null) return;
+        if (OUTCOME.matcher(line.text).matches()) {
+            link.held = line.text.endsWith(" linkToDeath");
+            link.said = line.text;
+        } else {
+            connecting.remove(line.tid);
+        }
+    }
+
+    private static void release(Link link, LogLine line) {
+        if (link == null || !link.held) return;
+        link.held = false;
+        link.said = line.text;
+    }
+
+    private Link startedBy(String text) {
+        for (Service service : all) {
+            if (text.equals(service.aidl.start)) return service.aidl;
+            if (service.hidl != null && text.equals(service.hidl.start)) return service.hidl;
+        }
+        return null;
+    }
+
+    /** What the last connector to start looks for; null when none has started. */
+    String lookedFor() {
+        return last == null ? null : last.instance;
+    }
+
+    /** Learns from the service managers' lines which services were denied to a process. */
+    void takeDenials(List<LogLine> lines, int pid) {
+        for (LogLine line : lines) {
+            Matcher denial = DENIAL.matcher(line.text);
+            if (!denial.find() || line.text.contains("permissive=1")) continue;
+            if (!line.text.matches(".*\\bpid=" + pid + "\\b.*")) continue;
+            for (Service service : all) {
+                service.aidl.denied |= service.aidl.isNamed(denial.group(1));
+                if (service.hidl != null) {
+                    service.hidl.denied |= service.hidl.isNamed(denial.group(1));
+                }
+            }
+        }
+    }
+}

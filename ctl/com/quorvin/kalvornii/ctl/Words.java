@@ -1,0 +1,139 @@
+package com.quorvin.kalvornii.ctl;
+
+import java.util.ArrayList;
+import java.util.List;
+
+/**
+ * The words of a line, quoted as in a shell: 'literally', "with \" and \\", $'with \n, \t, \' and
+ * \x41', and \ before a single character. Nothing is expanded. A # at the start of a word begins a
+ * comment.
+ */
+final class Words {
+    /** A word; whether a part of it was quoted. */
+    static final class Word {
+        final String text;
+        final boolean quoted;
+
+        Word(String text, boolean quoted) {
+            this.text = text;
+            this.quoted = quoted;
+        }
+    }
+
+    private final String line;
+    private int at;
+
+    private Words(String line) {
+        this.line = line;
+    }
+
+    static List<Word> of(String line) throws UsageException {
+        return new Words(line).all();
+    }
+
+    private List<Word> all() throws UsageException {
+        List<Word> words = new ArrayList<>();
+        for (;;) {
+            while (at < line.length() && isBlank(line.charAt(at))) at++;
+            if (at == line.length() || line.charAt(at) == '#') return words;
+            words.add(word());
+        }
+    }
+
+    private static boolean isBlank(char c) {
+        return c == ' ' || c == '\t' || c == '\r';
+    }
+
+    private Word word() throws UsageException {
+        StringBuilder text = new StringBuilder();
+        boolean quoted = false;
+        while (at < line.length() && !isBlank(line.charAt(at))) {
+            char c = line.charAt(at++);
+            boolean ansi = c == '$' && at < line.length() && line.charAt(at) == '\'';
+            if (ansi) at++;
+            if (c == '\'' || c == '"' || ansi) {
+                quoted(text, c);
+            } else if (c == '\\') {
+                text.append(next("a \\ has nothing after it"));
+            } else {
+                text.append(c);
+                continue;
+            }
+            quoted = true;
+        }
+        return new Word(text.toString(), quoted);
+    }
+
+    /** Up to the closing quote. */
+    private void quoted(StringBuilder text, char kind) throws UsageException {
+        String open = "a quote is not closed";
+        char end = kind == '$' ? '\'' : kind;
+        for (char c = next(open); c != end; c = next(open)) {
+            if (c != '\\' || kind == '\'') {
+                text.append(c);
+            } else if (kind == '$') {
+                escape(text, next(open));
+            } else {
+                char escaped = next(open);
+                if ("\"\\$`".indexOf(escaped) < 0) text.append(c);
+                text.append(escaped);
+            }
+        }
+    }
+
+    private void escape(StringBuilder text, char c) throws UsageException {
+        int known = "ntr\\'\"".indexOf(c);
+        if (known >= 0) {
+            text.append("\n\t\r\\'\"".charAt(known));
+        } else if (c == 'x') {
+            text.append((char) hex(2));
+        } else if (c == 'u') {
+            text.append((char) hex(4));
+        } else {
+            throw new UsageException("\\" + c + " is not known in $'...': \\n, \\t, \\r, \\\\, \\', "
+                    + "\\\", \\xHH and \\uHHHH are");
+        }
+    }
+
+    private int hex(int digits) throws UsageException {
+        int value = 0;
+        for (int i = 0; i < digits; i++) {
+            int digit = HexText.digit(next("a quote is not closed"));
+            if (digit < 0) throw new UsageException("$'...' has \\x or \\u without its " + digits
+                    + " hexadecimal digits");
+            value = 16 * value + digit;
+        }
+        return value;
+    }
+
+    private char next(String missing) throws UsageException {
+        if (at == line.length()) throw new UsageException(missing);
+        return line.charAt(at++);
+    }
+
+    /** The text as one word of a line. */
+    static String quote(String text) {
+        if (text.chars().anyMatch(c -> c < ' ' || c == 0x7f)) return "$'" + escaped(text) + "'";
+        boolean plain = !text.isEmpty() && !text.equals("=") && text.chars().allMatch(Words::isPlain);
+        return plain ? text : "'" + text.replace("'", "'\\''") + "'";
+    }
+
+    private static boolean isPlain(int c) {
+        return Character.isLetterOrDigit(c) || "-_=+:,./@%".indexOf(c) >= 0;
+    }
+
+    private static String escaped(String text) {
+        StringBuilder line = new StringBuilder();
+        for (char c : text.toCharArray()) {
+            int known = "\n\t\r\\'".indexOf(c);
+            if (known >= 0) {
+                line.append('\\').append("ntr\\'".charAt(known));
+            } else if (c < ' ' || c == 0x7f) {
+                line.append(String.format("\\x%02x", (int) c));
+            } else {
+                line.append(c);
+            }
+        }
+        return line.toString();
+    }
+}
