@@ -9,11 +9,11 @@ package com.quorvin.kalvornii;
  * service has answered. Nothing throws. For every method, unless it says otherwise:
  *
  * <ul>
- *   <li>Absent service: an int method returns -9999, a String method "INVALID_SERVICE". A service
- *       is absent when the device has none, and for the while between its death and its return. The
- *       death of one service takes along all others of the same backend until they are reconnected;
- *       an AIDL service may be served over HIDL meanwhile, and HIDL services come back only when
- *       one of them registers anew.
+ *   <li>Absent service: an int method returns {@link #SERVICE_ABSENT}, a String method {@link
+ *       #INVALID_SERVICE}. A service is absent when the device has none, and for the while between
+ *       its death and its return. The death of one service takes along all others of the same
+ *       backend until they are reconnected; an AIDL service may be served over HIDL meanwhile, and
+ *       HIDL services come back only when one of them registers anew.
  *   <li>Null argument: nothing is sent; the library logs which argument is null, and the result is
  *       that of an absent service.
  *   <li>Ids, scenes, commands and parameters mean what the service says, and are passed on as they
@@ -25,8 +25,16 @@ package com.quorvin.kalvornii;
  *       text methods return "", int methods 0, save where "broken call" says otherwise. Over HIDL a
  *       broken call of an int method ends the process, save where "broken call" names HIDL.
  * </ul>
+ *
+ * <p>The comment above each group of methods names the service that serves them.
  */
 public class KvNativeInterface {
+    /** The result of an int method whose service is absent. */
+    public static final int SERVICE_ABSENT = -9999;
+
+    /** The result of a String method whose service is absent. */
+    public static final String INVALID_SERVICE = "INVALID_SERVICE";
+
     /**
      * What the last storage test had to say (its text, whatever the result), or the measured value
      * of the last power test. Written by {@link #nativeStorageJoblessTest}, {@link
@@ -246,7 +254,7 @@ public class KvNativeInterface {
      */
     public native int sendCmdToFingerprintHalNative(int cmd, byte[] rawData);
 
-    // Camera (camera factory service)
+    // Camera (camera service)
 
     /**
      * Drives the flash light. Only the low 8 bits of either number are sent: signed (-128 to 127)
@@ -265,7 +273,7 @@ public class KvNativeInterface {
      */
     public native int nativeGetOisAgingResult();
 
-    // Sensors (sensor service)
+    // Sensors (sensors service)
 
     /**
      * Gives a sensor a self-test command.
@@ -295,7 +303,7 @@ public class KvNativeInterface {
      */
     public native String nativeGetSensorPara(int sensorId, int mainCmd, int subCmd, int length);
 
-    // Display panel (display service, display factory service)
+    // Display panel (display service)
 
     /**
      * Shows a test pattern or runs a panel check of the display service: "white", "black", "red",
@@ -307,6 +315,8 @@ public class KvNativeInterface {
      * @return the service's text
      */
     public native String nativeDisplayTest(String scene);
+
+    // Display panel, general and low-voltage scenes (display_factory service)
 
     /**
      * Runs a scene of the display factory service: "lcd_general", "vertical_scene1" to
@@ -421,7 +431,7 @@ public class KvNativeInterface {
      */
     public native int nativeSetLedAlwaysOnStatus(int type, int status);
 
-    // Power test, CPU and sleep (power service; factory service)
+    // Power test (power service)
 
     /**
      * Runs a power test. {@link #currentValue} gets the measured value on a HIDL device, whatever
@@ -435,6 +445,8 @@ public class KvNativeInterface {
      */
     public native int nativePowerTest(
             String testScene, String testTimes, String maxLimit, String minLimit);
+
+    // CPU (factory service)
 
     /**
      * Locks the big CPU cores, or releases them. Broken call: -1 over AIDL.
@@ -450,7 +462,7 @@ public class KvNativeInterface {
      * Reports an operation record.
      *
      * @param operation the record, all texts set
-     * @return the service's result; -9999 also when a text of the record is null
+     * @return the service's result; {@link #SERVICE_ABSENT} also when a text of the record is null
      */
     public native int nativeSendBigDataOperation(BigDataOperation operation);
 
@@ -458,7 +470,7 @@ public class KvNativeInterface {
      * Reports a value record.
      *
      * @param value the record, all texts set
-     * @return the service's result; -9999 also when a text of the record is null
+     * @return the service's result; {@link #SERVICE_ABSENT} also when a text of the record is null
      */
     public native int nativeSendBigDataValue(BigDataValue value);
 
@@ -510,12 +522,12 @@ public class KvNativeInterface {
      *
      * @param mainItemName the main item
      * @param subItemName the sub item
-     * @return two elements, the service's results for the main and the sub item; both are -9999
-     *     when the service is absent or a name null
+     * @return two elements, the service's results for the main and the sub item; both are {@link
+     *     #SERVICE_ABSENT} when the service is absent or a name null
      */
     public native int[] nativeSetTestItemName(String mainItemName, String subItemName);
 
-    // Modem log (radio-enhance service)
+    // Modem log (radio service)
 
     /**
      * Switches the modem's log. Broken call: -1 over AIDL.
@@ -536,7 +548,7 @@ public class KvNativeInterface {
 
     /**
      * Writes a signature, as lower-case hexadecimal text, to NV item 11 for the device to verify.
-     * Broken call: -9999 over AIDL.
+     * Broken call: {@link #SERVICE_ABSENT} over AIDL.
      *
      * @param signature the bytes of the signature
      * @return the service's result; -1 also for an empty signature
@@ -584,7 +596,7 @@ public class KvNativeInterface {
      */
     public native int nativeUnregisterCallback(int result, int serviceId);
 
-    // Frame interpolation (the display chip vendor's library, no service)
+    // Frame interpolation (no service; the display chip vendor's library)
 
     /**
      * Sets the display chip's frame-interpolation mode.
@@ -616,7 +628,7 @@ public class KvNativeInterface {
      */
     public native int nativeInperpolateFrameRecoverFreshRate();
 
-    // SIM (SIM radio service, AIDL only)
+    // SIM (sim service; AIDL only)
 
     /**
      * Switches the power of the SIM.
@@ -626,7 +638,7 @@ public class KvNativeInterface {
      */
     public native int nativeSetSimPowerState(int state);
 
-    // Satellite chip (satellite chip service, AIDL only)
+    // Satellite chip (satellite service; AIDL only)
 
     /**
      * Runs the satellite chip's CP test.

@@ -251,8 +251,9 @@ final class Session {
     }
 
     private static boolean isAbsent(Object result) {
-        if (result instanceof int[] results) return results[0] == -9999;
-        return result != null && (result.equals(-9999) || result.equals("INVALID_SERVICE"));
+        if (result instanceof int[] results) return results[0] == KvNativeInterface.SERVICE_ABSENT;
+        return result != null && (result.equals(KvNativeInterface.SERVICE_ABSENT)
+                || result.equals(KvNativeInterface.INVALID_SERVICE));
     }
 
     private static String show(Object value) {
