@@ -21,7 +21,8 @@ if [ ! -f "$build/build.ninja" ] || [ CMakePresets.json -nt "$build/build.ninja"
     cmake --preset "$preset" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
 fi
 if [ -t 1 ]; then
-    ninja -C "$build" "${@:2}"
+    # Commands build what they run; where there is nothing to build they say nothing of it.
+    ninja -C "$build" -n "${@:2}" | grep -q 'no work to do' || ninja -C "$build" "${@:2}"
 else
     ninja -C "$build" "${@:2}" >"$log" 2>&1 || { grep -vE '^\[|^ninja: Entering' "$log" >&2; exit 1; }
 fi

@@ -58,4 +58,7 @@ size_t DeathLinkCount(const android::sp<android::IBinder>& local);
 /** Waits until all death notices have returned. False if some have not within `timeout`. */
 bool WaitForDeathDelivery(std::chrono::milliseconds timeout);
 
+/** The same, but a notice whose thread waits for a service counts as returned. */
+bool WaitForDeathUptake(std::chrono::milliseconds timeout);
+
 }  // namespace kalvorn::host

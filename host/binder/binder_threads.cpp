@@ -7,6 +7,12 @@
 
 namespace kalvorn::host {
 
+namespace {
+
+thread_local bool t_isBinderThread = false;
+
+}  // namespace
+
 BinderThreads& BinderThreads::Get() {
     static auto* const threads = new BinderThreads;
     return *threads;
@@ -29,7 +35,21 @@ bool BinderThreads::waitUntilIdle(std::chrono::milliseconds timeout) {
                                  [this] { return mTasks.empty() && mIdle == mThreads; });
 }
 
+bool BinderThreads::waitUntilTakenUp(std::chrono::milliseconds timeout) {
+    std::unique_lock<std::mutex> lock(mMutex);
+    return mIdleChanged.wait_for(lock, timeout,
+                                 [this] { return mTasks.empty() && mIdle + mWaiting == mThreads; });
+}
+
+void BinderThreads::countWaiting(int change) {
+    if (!t_isBinderThread) return;
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mWaiting += static_cast<size_t>(change);
+    mIdleChanged.notify_all();
+}
+
 void BinderThreads::serve() {
+    t_isBinderThread = true;
     for (;;) nextTask()();
 }
 
@@ -42,6 +62,10 @@ std::function<void()> BinderThreads::nextTask() {
     std::function<void()> task = std::move(mTasks.front());
     mTasks.pop_front();
     return task;
+}
+
+bool WaitForDeathUptake(std::chrono::milliseconds timeout) {
+    return BinderThreads::Get().waitUntilTakenUp(timeout);
 }
 
 bool WaitForDeathDelivery(std::chrono::milliseconds timeout) {

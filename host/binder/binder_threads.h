@@ -24,10 +24,23 @@ class BinderThreads {
     /** False if tasks are still waiting or running after `timeout`. */
     bool waitUntilIdle(std::chrono::milliseconds timeout);
 
+    /** The same, but a thread that waits for a service counts as idle. */
+    bool waitUntilTakenUp(std::chrono::milliseconds timeout);
+
+    /** While it lives, the calling thread waits for a service. */
+    class WaitingForService {
+      public:
+        WaitingForService() { BinderThreads::Get().countWaiting(1); }
+        ~WaitingForService() { BinderThreads::Get().countWaiting(-1); }
+        WaitingForService(const WaitingForService&) = delete;
+        WaitingForService& operator=(const WaitingForService&) = delete;
+    };
+
   private:
     BinderThreads() = default;
     void serve();
     std::function<void()> nextTask();
+    void countWaiting(int change);
 
     static constexpr size_t kMaxThreads = 15;
 
@@ -37,6 +50,7 @@ class BinderThreads {
     std::deque<std::function<void()>> mTasks;
     size_t mThreads = 0;
     size_t mIdle = 0;
+    size_t mWaiting = 0;
 };
 
 }  // namespace kalvorn::host

@@ -1,9 +1,12 @@
 #include "service_manager.h"
 
 #include <binder/IServiceManager.h>
+#include <dlfcn.h>
+#include <stdlib.h>
 
 #include <chrono>
 #include <condition_variable>
+#include <cstdio>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -11,6 +14,7 @@
 #include <vector>
 
 #include "binder_host.h"
+#include "binder_threads.h"
 #include "local_service.h"
 
 using android::IBinder;
@@ -23,6 +27,22 @@ using android::Vector;
 
 namespace kalvorn::host {
 namespace {
+
+/**
+ * On a device init has started the services before any application asks for one. Here the first
+ * question starts the simulated device that the environment names, when it names one.
+ */
+void StartDevice() {
+    static const bool named = getenv("KALVORN_DEVICE") != nullptr;
+    if (!named) return;
+    void* const device = dlopen("libkalvorn_simulated.so", RTLD_NOW);
+    void* const start = device == nullptr ? nullptr : dlsym(device, "StartDeviceAsNamed");
+    if (start == nullptr) {
+        fprintf(stderr, "no simulated device: %s\n", dlerror());
+    } else {
+        reinterpret_cast<void (*)()>(start)();
+    }
+}
 
 /** Services are released outside the lock throughout: their destructors may look services up. */
 class ServiceManager : public IServiceManager {
@@ -62,6 +82,7 @@ class ServiceManager : public IServiceManager {
     }
 
     bool isDeclared(const String16& name) override {
+        StartDevice();
         std::lock_guard<std::mutex> lock(mMutex);
         return mEntries[name].declared;
     }
@@ -119,6 +140,8 @@ class ServiceManager : public IServiceManager {
 
     /** The service's proxy; null after `timeout`, or if everything is reset. */
     sp<IBinder> await(const String16& name, std::optional<std::chrono::seconds> timeout) const {
+        StartDevice();
+        const BinderThreads::WaitingForService waiting;
         std::unique_lock<std::mutex> lock(mMutex);
         const Entry& entry = mEntries[name];
         const auto settled = [this, &entry, before = mResets] {

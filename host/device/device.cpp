@@ -185,9 +185,11 @@ void Device::RestartProcess(const std::string& service) {
     }
 }
 
+namespace {
+
 // Idle at once: the binder threads are seen idle while no HIDL delivery is under way, nor one came
 // since the HIDL thread was seen idle.
-bool Device::Settle(int milliseconds) {
+bool WaitForBoth(int milliseconds, bool (*waitForBinder)(std::chrono::milliseconds)) {
     using Clock = std::chrono::steady_clock;
     const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
     const auto left = [end] {
@@ -196,15 +198,33 @@ bool Device::Settle(int milliseconds) {
     };
     for (;;) {
         const size_t deliveries = host::HidlDeliveryCount();
-        if (!host::WaitForHidlDelivery(left()) || !host::WaitForDeathDelivery(left())) return false;
+        if (!host::WaitForHidlDelivery(left()) || !waitForBinder(left())) return false;
         if (host::HidlDeliveryCount() == deliveries) return true;
         if (Clock::now() > end) return false;
     }
 }
 
+const char* NameOf(Backend backend) {
+    return backend == Backend::kAidl ? "aidl" : "hidl";
+}
+
+}  // namespace
+
+bool Device::Settle(int milliseconds) {
+    return WaitForBoth(milliseconds, host::WaitForDeathDelivery);
+}
+
+bool Device::AwaitHeard(int milliseconds) {
+    return WaitForBoth(milliseconds, host::WaitForDeathUptake);
+}
+
 void Device::Script(const std::string& method, Answer answer) {
     const std::lock_guard lock(mLock);
     mScript[method].push_back(std::move(answer));
+}
+
+void Device::Script(Backend backend, const std::string& method, Answer answer) {
+    Script(std::string(NameOf(backend)) + " " + method, std::move(answer));
 }
 
 std::vector<std::string> Device::TakeCalls() {
@@ -231,11 +251,15 @@ Answer Device::Ask(const std::string& method, const std::string& call, Answer us
     }
     if (observer) observer();  // it may kill, or look at the calls
     const std::lock_guard lock(mLock);
-    std::deque<Answer>& scripted = mScript[method];
-    if (scripted.empty()) return usual;
-    Answer answer = std::move(scripted.front());
-    scripted.pop_front();
-    return answer;
+    const std::string backend = call.substr(0, call.find(' ') + 1);
+    for (const std::string& asked : {backend + method, method}) {
+        std::deque<Answer>& scripted = mScript[asked];
+        if (scripted.empty()) continue;
+        Answer answer = std::move(scripted.front());
+        scripted.pop_front();
+        return answer;
+    }
+    return usual;
 }
 
 void Device::Reset() {
@@ -246,6 +270,10 @@ void Device::Reset() {
         for (const auto& [name, service] : *services) service->Forget();
     }
     GroupProcesses("each");
+    Clear();
+}
+
+void Device::Clear() {
     const std::lock_guard lock(mLock);
     mRecordsCalls = true;
     mScript.clear();

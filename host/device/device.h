@@ -153,8 +153,14 @@ class Device {
      */
     static bool Settle(int milliseconds = 5000);
 
+    /** The same, but a death whose handling waits for an AIDL service counts as handled. */
+    static bool AwaitHeard(int milliseconds);
+
     /** Queues an answer for the next call of a method, "readNv" say, on any service. */
     void Script(const std::string& method, Answer answer);
+
+    /** The same for the next call over one backend, before what is queued for either. */
+    void Script(Backend backend, const std::string& method, Answer answer);
 
     /** The calls since the last time, as "aidl factory.writeNv(7, \"abc\")". */
     std::vector<std::string> TakeCalls();
@@ -165,7 +171,10 @@ class Device {
     /** Called, on the calling thread, as a call reaches a service. */
     void OnCall(std::function<void()> observer);
 
-    /** An empty device: no services, declarations, groups, script, calls, observer or texts. */
+    /** No script, recorded calls, observer or texts; what runs runs on. */
+    void Clear();
+
+    /** An empty device: no services, declarations or groups, and cleared. */
     void Reset();
 
     /** Simulated service objects in memory, dead ones that somebody still holds included. */

@@ -1,9 +1,13 @@
 package com.quorvin.kalvornii.demo;
 
+import static com.quorvin.kalvornii.simulated.SimulatedDevice.Backend.AIDL;
+import static com.quorvin.kalvornii.simulated.SimulatedDevice.Backend.HIDL;
 import static java.nio.charset.StandardCharsets.US_ASCII;
 
 import com.quorvin.kalvornii.BigDataOperation;
 import com.quorvin.kalvornii.BigDataValue;
+import com.quorvin.kalvornii.simulated.SimulatedDevice;
+import com.quorvin.kalvornii.simulated.SimulatedDevice.Backend;
 import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
@@ -61,19 +65,12 @@ public final class RunningTest {
      */
     public static void main(String[] arguments) throws IOException {
         boolean colour = System.getenv("KALVORN_COLOUR") != null;
-        if (!SimulatedDevice.start(arguments[0], colour)) {
-            throw new IllegalArgumentException("no device " + arguments[0]);
-        }
-        boolean asExpected;
-        try {
-            legend(arguments[0]);
-            Session.chapter("The library loads and connects the services");
-            SimulatedDevice.print(Session.time(), "System.loadLibrary(\"_kalvorn\")", Session.BOLD);
-            asExpected = new RunningTest(new Session()).play();
-        } finally {
-            SimulatedDevice.stop();
-        }
-        if (!asExpected) System.exit(1);
+        Screen.open(colour);
+        SimulatedDevice.start(arguments[0]);
+        legend(arguments[0]);
+        Session.chapter("The library loads and connects the services");
+        Screen.print(Session.time(), "System.loadLibrary(\"_kalvorn\")", Session.BOLD);
+        if (!new RunningTest(new Session()).play()) System.exit(1);
     }
 
     private static final Map<String, String> DEVICES = Map.of(
@@ -83,10 +80,10 @@ public final class RunningTest {
             "bare", "no service at all");
 
     private static void legend(String device) {
-        SimulatedDevice.print("", "Running test on the device \"" + device + "\": "
+        Screen.print("", "Running test on the device \"" + device + "\": "
                 + DEVICES.get(device), Session.BOLD);
         Session.blank();
-        SimulatedDevice.print("seconds  ", Session.beside("call(arguments)", "result"), "");
+        Screen.print("seconds  ", Session.beside("call(arguments)", "result"), "");
         note("    I  ", "what the library logs during the call: Debug, Info, Warning or Error; "
                 + "much is logged at error priority that is none");
         note("  ~ W  ", "what it logs on another thread than the test's");
@@ -96,7 +93,7 @@ public final class RunningTest {
     }
 
     private static void note(String sign, String meaning) {
-        SimulatedDevice.print(" ".repeat(9) + sign, meaning, "");
+        Screen.print(" ".repeat(9) + sign, meaning, "");
     }
 
     /** False when something did not come as expected. */
@@ -137,7 +134,7 @@ public final class RunningTest {
         Session.say("\"... is null\" means that this backend does not have the service: HIDL is "
                 + "asked after AIDL, and the methods of a service that neither has answer -9999 or "
                 + "\"INVALID_SERVICE\".");
-        if (Session.anyHolds("HIDL")) {
+        if (Session.anyHolds(HIDL)) {
             Session.say("\"ReinitHal ... preexisting:1\" announces a HIDL service that was there "
                     + "before; only one that comes later makes the library connect again.");
         }
@@ -146,7 +143,7 @@ public final class RunningTest {
         for (String service : SimulatedDevice.services()) {
             session.check("SERVES in RunningTest.java tells of " + service, true,
                     SERVES.containsKey(service));
-            Session.row(service, SimulatedDevice.holder(service),
+            Session.row(service, Session.holder(service),
                     SERVES.getOrDefault(service, ""));
         }
         Session.blank();
@@ -155,7 +152,7 @@ public final class RunningTest {
     }
 
     private void settle() {
-        session.check("the library at rest", true, SimulatedDevice.settle());
+        SimulatedDevice.settle();
     }
 
     private void whereTheTestStands() {
@@ -189,7 +186,7 @@ public final class RunningTest {
 
     private static Item answered(int code, String scripted, Item item) {
         return new Item(item.name, item.sound, () -> {
-            SimulatedDevice.script(scripted, code, "");
+            SimulatedDevice.answer(scripted, code, "");
             return item.run.get();
         });
     }
@@ -242,7 +239,7 @@ public final class RunningTest {
         Session.chapter("Power, CPU, sleep and modem log");
         Session.say("A power test measures a value over HIDL; over AIDL there is none.");
         power.callAndFollow(0, "nativePowerTest", "charge", "10", "500", "100");
-        power.field(SimulatedDevice.holder("power").equals("HIDL") ? "312" : "", "currentValue");
+        power.field(SimulatedDevice.holder("power") == HIDL ? "312" : "", "currentValue");
         power.call(0, "nativeSetPowerState", "charge", "limit=80");
         power.call("charging", "nativeGetPowerState", "charge");
         factory.call(0, "nativeLockOrReleaseBigCpu", 1);
@@ -341,8 +338,8 @@ public final class RunningTest {
 
     private void deaths() {
         Session.chapter("A service dies in the middle of the test");
-        boolean aidl = SimulatedDevice.holder("factory").equals("AIDL");
-        boolean hidl = SimulatedDevice.holder("light").equals("HIDL");
+        boolean aidl = SimulatedDevice.holder("factory") == AIDL;
+        boolean hidl = SimulatedDevice.holder("light") == HIDL;
         if (!aidl && !hidl) Session.say("No service is up on this device, so none can die.");
         if (aidl) aidlDeath();
         if (aidl && hidl) Session.blank();
@@ -356,16 +353,16 @@ public final class RunningTest {
         factory.call(0, "nativeSetTestResult", "PASS;first", 21);
 
         Session.event("the factory service dies (AIDL)");
-        SimulatedDevice.kill("AIDL", "factory");
-        awaitReleaseOf("power");
+        SimulatedDevice.kill(AIDL, "factory");
+        sleep(50);  // for the lines of the restart, up to where it waits
         Session.event("the library has released all AIDL services: " + Session.holders());
-        session.checkReleased("AIDL");
+        session.checkReleased(AIDL);
         Session.say("Its binder thread waits for the factory service, then reconnects them all. "
                 + "Meanwhile calls take the HIDL path, and fail where HIDL has no such service, "
                 + "here the power service too: it lives, but has been released with the others.");
         factory.call(0, "nativeSetTestResult", "PASS;second", 22);
         power.call("charging", "nativeGetPowerState", "charge");
-        if (SimulatedDevice.holder("light").equals("HIDL")) {
+        if (SimulatedDevice.holder("light") == HIDL) {
             Session.say("The light is held over HIDL and serves on.");
             light.call(0, "nativeSetLedBrightness", 1, 64);
         }
@@ -375,7 +372,7 @@ public final class RunningTest {
         sleep(250);
 
         Session.event("the factory service is back");
-        SimulatedDevice.restart("AIDL", "factory");
+        SimulatedDevice.restart(AIDL, "factory");
         reconnected();
         factory.call(0, "nativeSetTestResult", "PASS;second", 22);
         factory.call("PASS;first", "nativeGetTestResult", 21);
@@ -387,33 +384,33 @@ public final class RunningTest {
         light.call(0, "nativeSetLedBrightness", 1, 255);
 
         Session.event("the light service dies (HIDL)");
-        SimulatedDevice.kill("HIDL", "light");
+        SimulatedDevice.kill(HIDL, "light");
         settle();
         Session.event("the library has released all HIDL services: " + Session.holders());
-        session.checkReleased("HIDL");
+        session.checkReleased(HIDL);
         Session.say("Calls fail with their own values; the sensors live, but are released too.");
         light.call(0, "nativeSetLedBrightness", 1, 0);
         sensors.call("0.01,0.02,9.81", "nativeGetSensorPara", 1, 2, 3, 64);
-        if (SimulatedDevice.holder("factory").equals("AIDL")) {
+        if (SimulatedDevice.holder("factory") == AIDL) {
             Session.say("The factory service is held over AIDL and serves on.");
             factory.call(BOARD, "nativeReadNvValue", 7);
         }
         sleep(250);
 
         Session.event("the light service is back and registers anew");
-        SimulatedDevice.restart("HIDL", "light");
+        SimulatedDevice.restart(HIDL, "light");
         reconnected();
         light.call(0, "nativeSetLedBrightness", 1, 0);
         sensors.call("0.01,0.02,9.81", "nativeGetSensorPara", 1, 2, 3, 64);
     }
 
-    private void processDeath(String backend) {
+    private void processDeath(Backend backend) {
         Session.blank();
         Session.say("The two display services run in one process, as on many devices.");
         Session.event("their process dies (" + backend + ")");
         SimulatedDevice.killProcess("display");
-        awaitReleaseOf("display");
-        if (backend.equals("AIDL")) {
+        sleep(50);
+        if (backend == AIDL) {
             Session.say("Each death has a notice, on a thread of its own. The first to come "
                     + "releases the services, which takes the other back if it is not under way "
                     + "yet; each that comes reconnects what it finds released.");
@@ -434,11 +431,6 @@ public final class RunningTest {
         settle();
         Session.event("the library has connected them again: " + Session.holders());
         session.checkConnected();
-    }
-
-    private static void awaitReleaseOf(String service) {
-        for (int i = 0; i < 500 && !SimulatedDevice.holder(service).equals("none"); i++) sleep(10);
-        sleep(50);  // for the lines of the restart, up to where it waits
     }
 
     private static void sleep(int milliseconds) {

@@ -3,6 +3,8 @@ package com.quorvin.kalvornii.demo;
 import com.quorvin.kalvornii.BigDataOperation;
 import com.quorvin.kalvornii.BigDataValue;
 import com.quorvin.kalvornii.KvNativeInterface;
+import com.quorvin.kalvornii.simulated.SimulatedDevice;
+import com.quorvin.kalvornii.simulated.SimulatedDevice.Backend;
 import java.lang.reflect.Field;
 import java.lang.reflect.InvocationTargetException;
 import java.lang.reflect.Method;
@@ -22,7 +24,7 @@ import java.util.TreeSet;
  */
 final class Session {
     private static final String NO_TIME = " ".repeat(9);
-    private static final int COLUMNS = SimulatedDevice.columns();
+    private static final int COLUMNS = Screen.columns();
     /** What a line has room for after the time. */
     private static final int WIDTH = COLUMNS - NO_TIME.length();
     private static final String PLAIN = "";
@@ -76,7 +78,9 @@ final class Session {
         /** A call, and what it became on the way to the service. */
         void callAndFollow(Object expected, String method, Object... arguments) {
             call(expected, method, arguments);
-            SimulatedDevice.showReceived();
+            for (String call : SimulatedDevice.received()) {
+                Screen.print(NO_TIME + "    -> ", call, CYAN);
+            }
         }
 
         /** Shows a static field that the library has written from an answer of this service. */
@@ -91,7 +95,7 @@ final class Session {
         }
 
         private boolean isConnected() {
-            return name == null || !SimulatedDevice.holder(name).equals("none");
+            return name == null || SimulatedDevice.holder(name) != null;
         }
     }
 
@@ -106,14 +110,14 @@ final class Session {
 
     /** Each service that the device runs is held over its backend. */
     void checkConnected() {
-        checkReleased("none");
+        checkReleased(null);
     }
 
     /** The same, but for the services of one backend, which are held no more. */
-    void checkReleased(String backend) {
+    void checkReleased(Backend backend) {
         for (String service : SimulatedDevice.services()) {
-            String runs = SimulatedDevice.runs(service);
-            check("the backend that holds " + service, runs.equals(backend) ? "none" : runs,
+            Backend runs = SimulatedDevice.runs(service);
+            check("the backend that holds " + service, runs == backend ? null : runs,
                     SimulatedDevice.holder(service));
         }
     }
@@ -126,40 +130,44 @@ final class Session {
     }
 
     static void fault(String text) {
-        SimulatedDevice.print(NO_TIME + "!! ", text, RED);
+        Screen.print(NO_TIME + "!! ", text, RED);
+    }
+
+    /** The backend over which the library holds a service: "AIDL", "HIDL" or "none". */
+    static String holder(String service) {
+        return Objects.toString(SimulatedDevice.holder(service), "none");
     }
 
     /** How many services are held over which backend. */
     static String holders() {
-        List<String> all = Arrays.stream(SimulatedDevice.services())
-                .map(SimulatedDevice::holder).toList();
+        List<String> all = SimulatedDevice.services().stream().map(Session::holder).toList();
         return String.format("%d over AIDL, %d over HIDL, %d not connected",
                 Collections.frequency(all, "AIDL"), Collections.frequency(all, "HIDL"),
                 Collections.frequency(all, "none"));
     }
 
-    static boolean anyHolds(String backend) {
-        return Arrays.stream(SimulatedDevice.services())
-                .anyMatch(service -> SimulatedDevice.holder(service).equals(backend));
+    static boolean anyHolds(Backend backend) {
+        return SimulatedDevice.services().stream()
+                .anyMatch(service -> SimulatedDevice.holder(service) == backend);
     }
 
     static void chapter(String title) {
         blank();
         String rule = "-".repeat(Math.max(3, COLUMNS - title.length() - 5));
-        SimulatedDevice.print("", "--- " + title + " " + rule, BOLD);
+        Screen.print("", "--- " + title + " " + rule, BOLD);
     }
 
     static void blank() {
-        SimulatedDevice.print("", "", PLAIN);
+        Screen.print("", "", PLAIN);
     }
 
     static void say(String text) {
-        SimulatedDevice.print(NO_TIME, text, PLAIN);
+        Screen.print(NO_TIME, text, PLAIN);
     }
 
     /** Something that happens to the device. */
     static void event(String text) {
-        SimulatedDevice.print(time() + "** ", text, MAGENTA);
+        Screen.print(time() + "** ", text, MAGENTA);
     }
 
     /** A row of the table of services. */
@@ -171,11 +179,11 @@ final class Session {
             default -> BOLD;
         };
         String lead = NO_TIME + String.format("%-16s %-8s ", service, backend);
-        SimulatedDevice.print(lead, serves, style);
+        Screen.print(lead, serves, style);
     }
 
     static String time() {
-        return String.format("%7.3f  ", SimulatedDevice.seconds());
+        return String.format("%7.3f  ", Screen.seconds());
     }
 
     /** A call and its result on one line, the results in one column where the calls leave room. */
@@ -185,8 +193,8 @@ final class Session {
 
     private Object invoke(String name, Object[] arguments) {
         String time = time();
-        SimulatedDevice.forgetReceived();
-        SimulatedDevice.holdLog();
+        SimulatedDevice.received();
+        Screen.holdLog();
         Object result;
         try {
             result = method(name).invoke(kv, arguments);
@@ -199,7 +207,7 @@ final class Session {
         String[] shown = Arrays.stream(arguments).map(Session::show).toArray(String[]::new);
         showCall(time, name + "(" + String.join(", ", shown) + ")", show(result),
                 isAbsent(result) ? RED : BOLD);
-        SimulatedDevice.showLog();
+        Screen.showLog();
         return result;
     }
 
@@ -207,10 +215,10 @@ final class Session {
         String together = call + " = " + result;
         if (beside(call, result).length() <= WIDTH) together = beside(call, result);
         if (together.length() <= WIDTH) {
-            SimulatedDevice.print(time, together, style);
+            Screen.print(time, together, style);
         } else {
-            SimulatedDevice.print(time, call, style);
-            SimulatedDevice.print(NO_TIME, "    = " + result, style);
+            Screen.print(time, call, style);
+            Screen.print(NO_TIME, "    = " + result, style);
         }
     }
 
@@ -221,7 +229,7 @@ final class Session {
         int filled = done * length / total;
         String bar = "#".repeat(filled) + ".".repeat(length - filled);
         String verdict = pass ? "PASS" : isAbsent(result) ? "no service" : "FAIL";
-        SimulatedDevice.print(NO_TIME,
+        Screen.print(NO_TIME,
                 String.format("[%2d/%d] %s  %-21s %s", done, total, bar, item, verdict),
                 pass ? GREEN : RED);
     }

@@ -1,5 +1,4 @@
-// The native half of com.quorvin.kalvornii.demo.SimulatedDevice: the device, and the library's log
-// lines on the way to the screen.
+// The native half of com.quorvin.kalvornii.demo.Screen: the library's log lines on the way to it.
 #include <android/log.h>
 #include <jni.h>
 #include <stdlib.h>
@@ -15,13 +14,7 @@
 #include <thread>
 #include <vector>
 
-#include "device/device.h"
-
 namespace {
-
-using kalvorn::device::Answer;
-using kalvorn::device::Backend;
-using kalvorn::device::Device;
 
 constexpr int kUsualColumns = 80;
 constexpr int kLeastColumns = 60;  // the leads and tables of the session need as much
@@ -129,114 +122,35 @@ std::string Text(JNIEnv* env, jstring text) {
     return copy;
 }
 
-bool Holds(Backend backend, const std::string& service) {
-    return Device::Get().DeathLinks(backend, service) > 0;
-}
-
-bool Runs(Backend backend, const std::string& service) {
-    return Device::Get().IsRunning(backend, service);
-}
-
-/** The name of the first backend of which that is true. */
-jstring BackendWhere(bool (*is)(Backend, const std::string&), JNIEnv* env, jstring service) {
-    const std::string name = Text(env, service);
-    if (is(Backend::kAidl, name)) return env->NewStringUTF("AIDL");
-    return env->NewStringUTF(is(Backend::kHidl, name) ? "HIDL" : "none");
-}
-
-Backend BackendNamed(const std::string& name) {
-    return name == "AIDL" ? Backend::kAidl : Backend::kHidl;
-}
-
 }  // namespace
 
-#define SIMULATED_DEVICE(result, name) \
-    extern "C" JNIEXPORT result JNICALL Java_com_quorvin_kalvornii_demo_SimulatedDevice_##name
+#define SCREEN(result, name) \
+    extern "C" JNIEXPORT result JNICALL Java_com_quorvin_kalvornii_demo_Screen_##name
 
-SIMULATED_DEVICE(jboolean, start)(JNIEnv* env, jclass, jstring profile, jboolean colour) {
+SCREEN(void, open)(JNIEnv*, jclass, jboolean colour) {
     g_colour = colour;
     g_application = std::this_thread::get_id();
     __android_log_set_minimum_priority(ANDROID_LOG_DEBUG);
     __android_log_set_logger(ShowLogLine);
-    Device& device = Device::Get();
-    return device.StartProfile(Text(env, profile)) && device.GroupProcesses("device");
 }
 
-SIMULATED_DEVICE(void, stop)(JNIEnv*, jclass) {
-    Device::Get().Reset();
-}
-
-SIMULATED_DEVICE(jobjectArray, services)(JNIEnv* env, jclass) {
-    const std::vector<std::string>& services = Device::Services();
-    jobjectArray array = env->NewObjectArray(static_cast<jsize>(services.size()),
-                                             env->FindClass("java/lang/String"), nullptr);
-    for (size_t i = 0; i < services.size(); i++) {
-        env->SetObjectArrayElement(array, static_cast<jsize>(i),
-                                   env->NewStringUTF(services[i].c_str()));
-    }
-    return array;
-}
-
-// The library watches each service that it holds, so the death link tells who holds it.
-SIMULATED_DEVICE(jstring, holder)(JNIEnv* env, jclass, jstring service) {
-    return BackendWhere(Holds, env, service);
-}
-
-SIMULATED_DEVICE(jstring, runs)(JNIEnv* env, jclass, jstring service) {
-    return BackendWhere(Runs, env, service);
-}
-
-SIMULATED_DEVICE(void, kill)(JNIEnv* env, jclass, jstring backend, jstring service) {
-    Device::Get().At(BackendNamed(Text(env, backend)), Text(env, service)).Kill();
-}
-
-SIMULATED_DEVICE(void, restart)(JNIEnv* env, jclass, jstring backend, jstring service) {
-    Device::Get().Start(BackendNamed(Text(env, backend)), Text(env, service));
-}
-
-SIMULATED_DEVICE(void, killProcess)(JNIEnv* env, jclass, jstring service) {
-    Device::Get().KillProcess(Text(env, service));
-}
-
-SIMULATED_DEVICE(void, restartProcess)(JNIEnv* env, jclass, jstring service) {
-    Device::Get().RestartProcess(Text(env, service));
-}
-
-SIMULATED_DEVICE(jboolean, settle)(JNIEnv*, jclass) {
-    return Device::Settle();
-}
-
-SIMULATED_DEVICE(void, script)(JNIEnv* env, jclass, jstring method, jint code, jstring text) {
-    Device::Get().Script(Text(env, method), Answer(code, Text(env, text)));
-}
-
-SIMULATED_DEVICE(void, showReceived)(JNIEnv*, jclass) {
-    for (const std::string& call : Device::Get().TakeCalls()) {
-        Write(Wrap(std::string(kNoTime) + "    -> ", call, "\033[36m"));
-    }
-}
-
-SIMULATED_DEVICE(void, forgetReceived)(JNIEnv*, jclass) {
-    Device::Get().TakeCalls();
-}
-
-SIMULATED_DEVICE(jint, columns)(JNIEnv*, jclass) {
+SCREEN(jint, columns)(JNIEnv*, jclass) {
     return static_cast<jint>(Columns());
 }
 
-SIMULATED_DEVICE(jdouble, seconds)(JNIEnv*, jclass) {
+SCREEN(jdouble, seconds)(JNIEnv*, jclass) {
     return Seconds();
 }
 
-SIMULATED_DEVICE(void, holdLog)(JNIEnv*, jclass) {
+SCREEN(void, holdLog)(JNIEnv*, jclass) {
     t_holding = true;
 }
 
-SIMULATED_DEVICE(void, showLog)(JNIEnv*, jclass) {
+SCREEN(void, showLog)(JNIEnv*, jclass) {
     t_holding = false;
     ShowHeld();
 }
 
-SIMULATED_DEVICE(void, print)(JNIEnv* env, jclass, jstring lead, jstring text, jstring style) {
+SCREEN(void, print)(JNIEnv* env, jclass, jstring lead, jstring text, jstring style) {
     Write(Wrap(Text(env, lead), Text(env, text), Text(env, style)));
 }

@@ -1,0 +1,263 @@
+package com.quorvin.kalvornii.simulated;
+
+import static java.nio.charset.StandardCharsets.UTF_8;
+
+import java.util.ArrayList;
+import java.util.Arrays;
+import java.util.List;
+import java.util.stream.Collectors;
+
+/**
+ * The simulated device under this process's library, for tests of what stands above it: its
+ * services die, come back, answer as they are told, and show what they were asked.
+ *
+ * <p>Under {@code ./simulate} the device that its option names runs before anything else does.
+ * Services have the names that {@link #services} gives, their methods those of the vendor's
+ * interfaces ({@link #methods}). Every method here may be called on any thread, and ends with an
+ * IllegalArgumentException that names what is right when it is given a name that is not.
+ */
+public final class SimulatedDevice {
+    /** The two ways to a service. */
+    public enum Backend {
+        AIDL,
+        HIDL
+    }
+
+    private static final int PATIENCE_MS = 5000;
+
+    static {
+        System.loadLibrary("kalvorn_simulated");
+        startAsNamed();
+        // What the library still waits for is let go before the process takes it apart.
+        Runtime.getRuntime().addShutdownHook(new Thread(SimulatedDevice::stop));
+    }
+
+    private SimulatedDevice() {}
+
+    /**
+     * Replaces the device: "aidl" has every service over AIDL, "hidl" all that HIDL has, "mixed"
+     * sensors, light and touch over HIDL, no satellite chip and the rest over AIDL, "bare" none.
+     * Services that share a process on many devices share one here too.
+     *
+     * @throws IllegalStateException once the library is loaded: it has connected its services, and
+     *     a device that becomes another beneath a running application does not exist
+     */
+    public static void start(String profile) {
+        List<String> profiles = List.of("aidl", "hidl", "mixed", "bare");
+        check(profile, profiles, "device");
+        if (isLibraryLoaded()) {
+            throw new IllegalStateException("The library is loaded: start the device before "
+                    + "KvNativeInterface is first used, or choose it with ./simulate --device");
+        }
+        startProfile(profile);
+    }
+
+    /** The thirteen services, in the order in which the library connects them. */
+    public static List<String> services() {
+        return List.of(serviceNames());
+    }
+
+    /** The methods of the vendor's interfaces, in alphabetical order. */
+    public static List<String> methods() {
+        return List.of(methodNames());
+    }
+
+    /** The backend over which the library holds a service now; null when it holds none. */
+    public static Backend holder(String service) {
+        check(service, services(), "service");
+        for (Backend backend : Backend.values()) {
+            if (holds(backend.ordinal(), service)) return backend;
+        }
+        return null;
+    }
+
+    /** The backend over which the device runs a service now, AIDL when both; null for neither. */
+    public static Backend runs(String service) {
+        check(service, services(), "service");
+        for (Backend backend : Backend.values()) {
+            if (isRunning(backend.ordinal(), service)) return backend;
+        }
+        return null;
+    }
+
+    /**
+     * Lets a service die, whatever its process holds besides. It stays declared, so that the
+     * library waits for it. Returns when the library has heard of it: all services of the backend
+     * are released, and those of AIDL that come before this one connected again. A call that
+     * another thread has on its way over HIDL may end the process, as on a device.
+     *
+     * @throws IllegalArgumentException when that service does not run over that backend
+     */
+    public static void kill(Backend backend, String service) {
+        checkRuns(backend, service);
+        kill(backend.ordinal(), service);
+        awaitHeard(PATIENCE_MS);
+    }
+
+    /**
+     * Declares a service and starts it, which is also how a killed one comes back. Returns at once;
+     * {@link #settle} waits until the library has connected it.
+     */
+    public static void restart(Backend backend, String service) {
+        checkHas(backend, service);
+        restart(backend.ordinal(), service);
+    }
+
+    /**
+     * Declares a service that {@link #restart} starts later. A library that is loaded meanwhile
+     * waits for it.
+     */
+    public static void declare(Backend backend, String service) {
+        checkHas(backend, service);
+        declare(backend.ordinal(), service);
+    }
+
+    /** Lets the process of a service die, with all services in it, as {@link #kill} does with one. */
+    public static void killProcess(String service) {
+        check(service, services(), "service");
+        killProcessOf(service);
+        awaitHeard(PATIENCE_MS);
+    }
+
+    /** Starts again what ran in the process of a service when it was killed. Returns at once. */
+    public static void restartProcess(String service) {
+        check(service, services(), "service");
+        restartProcessOf(service);
+    }
+
+    /** Has the next call of a method answered so; each further answer serves one more call. */
+    public static void answer(String method, int code, String text) {
+        answer(method, code, text, "");
+    }
+
+    /**
+     * The same with the second text, which few methods have ("i2cTest" has). A method without one
+     * of the values does not look at it.
+     */
+    public static void answer(String method, int code, String text, String detail) {
+        check(method, methods(), "method");
+        answer(method, code, text.getBytes(UTF_8), detail.getBytes(UTF_8));
+    }
+
+    /**
+     * Lets the next call of a method over this backend fail on its way: the service has been asked,
+     * its answer does not arrive.
+     *
+     * @throws IllegalArgumentException also for a method that returns one number over HIDL, since
+     *     there such a failure ends the process
+     */
+    public static void fail(Backend backend, String method) {
+        check(backend);
+        check(method, methods(), "method");
+        List<String> ending = List.of(methodsOfOneNumber());
+        if (backend == Backend.HIDL && ending.contains(method)) {
+            List<String> others = new ArrayList<>(methods());
+            others.removeAll(ending);
+            throw new IllegalArgumentException("over HIDL a failed call of " + method
+                    + " ends the process; those that do not: " + String.join(", ", others));
+        }
+        failNext(backend.ordinal(), method);
+    }
+
+    /**
+     * The calls that have reached services since the last time, such as {@code aidl
+     * factory.writeNv(7, "abc")}.
+     */
+    public static List<String> received() {
+        return Arrays.stream(takeCalls())
+                .map(call -> new String(call, UTF_8))
+                .collect(Collectors.toUnmodifiableList());
+    }
+
+    /**
+     * Waits until the library has handled every death and registration.
+     *
+     * @throws IllegalStateException when it has not after five seconds; as a rule it then waits for
+     *     a declared service that does not run
+     */
+    public static void settle() {
+        if (!settle(PATIENCE_MS)) {
+            throw new IllegalStateException("the library still waits for a declared service");
+        }
+    }
+
+    /**
+     * As the device was when it started: what has died is back, and answers, failures, received
+     * calls and stored texts are forgotten. Then waits as {@link #settle} does.
+     */
+    public static void restore() {
+        forget();
+        restartKilled();
+        settle();
+        forget();
+    }
+
+    private static void check(String name, List<String> right, String what) {
+        if (name == null || !right.contains(name)) {
+            throw new IllegalArgumentException(
+                    "no " + what + " \"" + name + "\"; there are: " + String.join(", ", right));
+        }
+    }
+
+    private static void check(Backend backend) {
+        if (backend == null) throw new IllegalArgumentException("the backend is AIDL or HIDL");
+    }
+
+    private static void checkHas(Backend backend, String service) {
+        check(backend);
+        List<String> having = new ArrayList<>(services());
+        having.removeIf(name -> !has(backend.ordinal(), name));
+        check(service, having, "service over " + backend);
+    }
+
+    private static void checkRuns(Backend backend, String service) {
+        check(backend);
+        List<String> running = new ArrayList<>(services());
+        running.removeIf(name -> !isRunning(backend.ordinal(), name));
+        check(service, running, "running service over " + backend);
+    }
+
+    private static native void startAsNamed();
+
+    private static native void startProfile(String profile);
+
+    private static native boolean isLibraryLoaded();
+
+    private static native String[] serviceNames();
+
+    private static native String[] methodNames();
+
+    private static native String[] methodsOfOneNumber();
+
+    private static native boolean has(int backend, String service);
+
+    private static native boolean holds(int backend, String service);
+
+    private static native boolean isRunning(int backend, String service);
+
+    private static native void kill(int backend, String service);
+
+    private static native void restart(int backend, String service);
+
+    private static native void declare(int backend, String service);
+
+    private static native void killProcessOf(String service);
+
+    private static native void restartProcessOf(String service);
+
+    private static native void answer(String method, int code, byte[] text, byte[] detail);
+
+    private static native void failNext(int backend, String method);
+
+    private static native byte[][] takeCalls();
+
+    private static native boolean awaitHeard(int milliseconds);
+
+    private static native boolean settle(int milliseconds);
+
+    private static native void restartKilled();
+
+    private static native void forget();
+
+    private static native void stop();
+}

@@ -1,0 +1,56 @@
+// Preloaded by ./simulate: what a process logs goes to the file KALVORN_LOG, as logcat's
+// "threadtime" format shows it.
+#include <android/log.h>
+#include <fcntl.h>
+#include <stdlib.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <sstream>
+#include <string>
+
+namespace {
+
+std::string Lead(const __android_logger_data& data) {
+    timespec now{};
+    tm local{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    localtime_r(&now.tv_sec, &local);
+    char time[32];
+    strftime(time, sizeof(time), "%m-%d %H:%M:%S", &local);
+    constexpr char kLetters[] = "??VDIWEF";
+    const char letter = data.priority >= 0 && data.priority < 8 ? kLetters[data.priority] : '?';
+    char lead[128];
+    snprintf(lead, sizeof(lead), "%s.%03ld %5d %5d %c %-8s: ", time, now.tv_nsec / 1000000,
+             getpid(), gettid(), letter, data.tag == nullptr ? "" : data.tag);
+    return lead;
+}
+
+int LogFile() {
+    const char* path = getenv("KALVORN_LOG");
+    const int file = open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+    if (file < 0) fprintf(stderr, "simulated device: cannot write to %s\n", path);
+    return file;
+}
+
+// Each line of a message gets the lead, and one at its end is dropped, as logcat does it. One
+// write, so that the lines of two threads or processes do not mix.
+void WriteLines(const __android_logger_data* data, const char* message) {
+    static const int file = LogFile();
+    if (file < 0) return;
+    const std::string lead = Lead(*data);
+    std::istringstream lines(message);
+    std::string text;
+    for (std::string line; std::getline(lines, line);) text += lead + line + '\n';
+    if (text.empty()) text = lead + '\n';
+    if (write(file, text.data(), text.size()) < 0) perror("simulated device");
+}
+
+__attribute__((constructor)) void Redirect() {
+    if (getenv("KALVORN_LOG") == nullptr) return;
+    __android_log_set_minimum_priority(ANDROID_LOG_VERBOSE);
+    __android_log_set_logger(WriteLines);
+}
+
+}  // namespace

@@ -1,0 +1,170 @@
+// The native half of com.quorvin.kalvornii.simulated.SimulatedDevice, which checks what it is
+// given.
+#include <dlfcn.h>
+#include <jni.h>
+
+#include <string>
+#include <vector>
+
+#include "device/device.h"
+#include "simulated/device_start.h"
+
+namespace {
+
+using kalvorn::device::Answer;
+using kalvorn::device::Backend;
+using kalvorn::device::Device;
+using kalvorn::device::Fault;
+
+struct ServiceMethod {
+    const char* name;
+    bool givesOneNumberOverHidl;
+};
+
+constexpr ServiceMethod kMethods[] = {
+#include "service_methods.inc"
+};
+
+std::string Name(JNIEnv* env, jstring text) {
+    const char* chars = env->GetStringUTFChars(text, nullptr);
+    std::string copy = chars;
+    env->ReleaseStringUTFChars(text, chars);
+    return copy;
+}
+
+std::string Text(JNIEnv* env, jbyteArray bytes) {
+    std::string text(static_cast<size_t>(env->GetArrayLength(bytes)), '\0');
+    env->GetByteArrayRegion(bytes, 0, static_cast<jsize>(text.size()),
+                            reinterpret_cast<jbyte*>(text.data()));
+    return text;
+}
+
+jbyteArray Bytes(JNIEnv* env, const std::string& text) {
+    const auto size = static_cast<jsize>(text.size());
+    jbyteArray bytes = env->NewByteArray(size);
+    env->SetByteArrayRegion(bytes, 0, size, reinterpret_cast<const jbyte*>(text.data()));
+    return bytes;
+}
+
+jobjectArray Names(JNIEnv* env, const std::vector<std::string>& names) {
+    jobjectArray array = env->NewObjectArray(static_cast<jsize>(names.size()),
+                                             env->FindClass("java/lang/String"), nullptr);
+    for (size_t i = 0; i < names.size(); i++) {
+        env->SetObjectArrayElement(array, static_cast<jsize>(i),
+                                   env->NewStringUTF(names[i].c_str()));
+    }
+    return array;
+}
+
+jobjectArray MethodNames(JNIEnv* env, bool all) {
+    std::vector<std::string> names;
+    for (const ServiceMethod& method : kMethods) {
+        if (all || method.givesOneNumberOverHidl) names.emplace_back(method.name);
+    }
+    return Names(env, names);
+}
+
+}  // namespace
+
+#define SIMULATED_DEVICE(result, name) \
+    extern "C" JNIEXPORT result JNICALL Java_com_quorvin_kalvornii_simulated_SimulatedDevice_##name
+
+SIMULATED_DEVICE(void, startAsNamed)(JNIEnv*, jclass) {
+    kalvorn::simulated::StartAsNamed();
+}
+
+SIMULATED_DEVICE(void, startProfile)(JNIEnv* env, jclass, jstring profile) {
+    kalvorn::simulated::Start(Name(env, profile));
+}
+
+SIMULATED_DEVICE(jboolean, isLibraryLoaded)(JNIEnv*, jclass) {
+    void* library = dlopen("lib_kalvorn.so", RTLD_NOW | RTLD_NOLOAD);
+    if (library != nullptr) dlclose(library);
+    return library != nullptr;
+}
+
+SIMULATED_DEVICE(jobjectArray, serviceNames)(JNIEnv* env, jclass) {
+    return Names(env, Device::Services());
+}
+
+SIMULATED_DEVICE(jobjectArray, methodNames)(JNIEnv* env, jclass) {
+    return MethodNames(env, true);
+}
+
+SIMULATED_DEVICE(jobjectArray, methodsOfOneNumber)(JNIEnv* env, jclass) {
+    return MethodNames(env, false);
+}
+
+SIMULATED_DEVICE(jboolean, has)(JNIEnv* env, jclass, jint backend, jstring service) {
+    return Device::Get().Has(static_cast<Backend>(backend), Name(env, service));
+}
+
+// The library watches each service that it holds, so the death link tells who holds it.
+SIMULATED_DEVICE(jboolean, holds)(JNIEnv* env, jclass, jint backend, jstring service) {
+    return Device::Get().DeathLinks(static_cast<Backend>(backend), Name(env, service)) > 0;
+}
+
+SIMULATED_DEVICE(jboolean, isRunning)(JNIEnv* env, jclass, jint backend, jstring service) {
+    return Device::Get().IsRunning(static_cast<Backend>(backend), Name(env, service));
+}
+
+SIMULATED_DEVICE(void, kill)(JNIEnv* env, jclass, jint backend, jstring service) {
+    Device::Get().At(static_cast<Backend>(backend), Name(env, service)).Kill();
+}
+
+SIMULATED_DEVICE(void, restart)(JNIEnv* env, jclass, jint backend, jstring service) {
+    Device::Get().Start(static_cast<Backend>(backend), Name(env, service));
+}
+
+SIMULATED_DEVICE(void, declare)(JNIEnv* env, jclass, jint backend, jstring service) {
+    Device::Get().At(static_cast<Backend>(backend), Name(env, service)).Declare();
+}
+
+SIMULATED_DEVICE(void, killProcessOf)(JNIEnv* env, jclass, jstring service) {
+    Device::Get().KillProcess(Name(env, service));
+}
+
+SIMULATED_DEVICE(void, restartProcessOf)(JNIEnv* env, jclass, jstring service) {
+    Device::Get().RestartProcess(Name(env, service));
+}
+
+SIMULATED_DEVICE(void, answer)
+(JNIEnv* env, jclass, jstring method, jint code, jbyteArray text, jbyteArray detail) {
+    Device::Get().Script(Name(env, method), Answer(code, Text(env, text), Text(env, detail)));
+}
+
+SIMULATED_DEVICE(void, failNext)(JNIEnv* env, jclass, jint backend, jstring method) {
+    Device::Get().Script(static_cast<Backend>(backend), Name(env, method), Fault::kTransport);
+}
+
+SIMULATED_DEVICE(jobjectArray, takeCalls)(JNIEnv* env, jclass) {
+    const std::vector<std::string> calls = Device::Get().TakeCalls();
+    jobjectArray array =
+            env->NewObjectArray(static_cast<jsize>(calls.size()), env->FindClass("[B"), nullptr);
+    for (size_t i = 0; i < calls.size(); i++) {
+        jbyteArray call = Bytes(env, calls[i]);
+        env->SetObjectArrayElement(array, static_cast<jsize>(i), call);
+        env->DeleteLocalRef(call);
+    }
+    return array;
+}
+
+SIMULATED_DEVICE(jboolean, awaitHeard)(JNIEnv*, jclass, jint milliseconds) {
+    return Device::AwaitHeard(milliseconds);
+}
+
+SIMULATED_DEVICE(jboolean, settle)(JNIEnv*, jclass, jint milliseconds) {
+    return Device::Settle(milliseconds);
+}
+
+SIMULATED_DEVICE(void, restartKilled)(JNIEnv*, jclass) {
+    kalvorn::simulated::RestartKilled();
+}
+
+SIMULATED_DEVICE(void, forget)(JNIEnv*, jclass) {
+    Device::Get().Clear();
+}
+
+SIMULATED_DEVICE(void, stop)(JNIEnv*, jclass) {
+    kalvorn::simulated::Stop();
+}
