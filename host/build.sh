@@ -20,9 +20,21 @@ if [ ! -f "$build/build.ninja" ] || [ CMakePresets.json -nt "$build/build.ninja"
     { [ $# = 1 ] && ! grep -q '^build kalvorn_tests:' "$build/build.ninja"; }; then
     cmake --preset "$preset" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
 fi
+# How far ninja is, on one line; nothing when there is nothing to build.
+show_progress() {
+    local line
+    while IFS= read -r line; do
+        case $line in
+            'ninja: Entering '* | 'ninja: no work '* | *'Re-checking globbed directories...') ;;
+            '['*) printf '\r\033[K%.79s' "$line" ;;
+            *) printf '\r\033[K%s\n' "$line" ;;
+        esac
+    done
+    printf '\r\033[K'
+}
+
 if [ -t 1 ]; then
-    # Commands build what they run; where there is nothing to build they say nothing of it.
-    ninja -C "$build" -n "${@:2}" | grep -q 'no work to do' || ninja -C "$build" "${@:2}"
+    ninja -C "$build" "${@:2}" | show_progress
 else
     ninja -C "$build" "${@:2}" >"$log" 2>&1 || { grep -vE '^\[|^ninja: Entering' "$log" >&2; exit 1; }
 fi

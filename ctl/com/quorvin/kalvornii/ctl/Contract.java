@@ -1,9 +1,5 @@
 package com.quorvin.kalvornii.ctl;
 
-import static java.nio.charset.StandardCharsets.UTF_8;
-
-import java.io.IOException;
-import java.io.InputStream;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.Locale;
@@ -107,12 +103,7 @@ final class Contract {
 
     /** The contract that was built in. */
     static Contract read() {
-        try (InputStream source = Contract.class.getResourceAsStream(SOURCE)) {
-            if (source == null) throw new IllegalStateException(SOURCE + " was not packed in.");
-            return new Contract(new String(source.readAllBytes(), UTF_8));
-        } catch (IOException e) {
-            throw new IllegalStateException(e);
-        }
+        return new Contract(Resource.read(SOURCE));
     }
 
     List<Method> methods() {

@@ -121,8 +121,8 @@ final class Library {
     void tellOfAbsence() {
         if (isSimulated()) return;
         services.takeDenials(
-                LogReader.dump("SELinux", "auditd", "servicemanager", "hwservicemanager"),
-                Process.myPid());
+                LogReader.dump("SELinux", "auditd", "servicemanager",
+                "hwservicemanager", "ServiceManagerCppClient"), Process.myPid());
         String denied = services.all().stream().filter(Services.Service::isDenied)
                 .map(service -> service.name).collect(Collectors.joining(", "));
         if (!denied.isEmpty()) {

@@ -47,7 +47,7 @@ final class LogReader implements Closeable {
     /** What is in the log now under other processes' tags; empty when it cannot be read. */
     static List<LogLine> dump(String... tags) {
         List<LogLine> found = new ArrayList<>();
-        List<String> filter = new ArrayList<>(List.of("-d", "-s"));
+        List<String> filter = new ArrayList<>(List.of("-d", "-b", "all", "-s"));
         for (String tag : tags) filter.add(tag + ":V");
         try {
             BufferedReader output = output(logcat(filter.toArray(new String[0])));
@@ -64,7 +64,10 @@ final class LogReader implements Closeable {
     private static java.lang.Process logcat(String... options) throws IOException {
         List<String> command = new ArrayList<>(List.of("logcat", "-v", "threadtime"));
         command.addAll(List.of(options));
-        return new ProcessBuilder(command).redirectErrorStream(true).start();
+        ProcessBuilder builder = new ProcessBuilder(command).redirectErrorStream(true);
+        // What is there for our 32 bits would keep a logcat of 64 from starting.
+        builder.environment().keySet().removeAll(List.of("LD_PRELOAD", "LD_LIBRARY_PATH"));
+        return builder.start();
     }
 
     private static BufferedReader output(java.lang.Process process) {

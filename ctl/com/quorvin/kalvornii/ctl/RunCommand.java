@@ -21,6 +21,7 @@ final class RunCommand {
     private Library library;  // loaded for the first call
     private int made;
     private int refused;
+    private int compared;
     private int different;
     private int absent;
 
@@ -63,9 +64,10 @@ final class RunCommand {
 
     private void summary() {
         console.tell(made + (made == 1 ? " call" : " calls")
+                + (compared > 0 ? ", " + (compared - different) + " as expected" : "")
                 + (different > 0 ? ", " + different + " with another result" : "")
                 + (absent > 0 ? ", " + absent + " of an absent service" : "")
-                + (refused > 0 ? ", " + refused + " that could not be made" : ""));
+                + (refused > 0 ? ", " + refused + " not made" : ""));
     }
 
     /** Calls what a line says. */
@@ -113,27 +115,20 @@ final class RunCommand {
         Call call = library.call(method, arguments, withLog);
         made++;
         boolean differs = expects && !Objects.deepEquals(wanted, call.result);
+        if (expects) compared++;
         if (differs) different++;
         if (call.isAbsent() && (!expects || differs)) absent++;
-        show(call, expects, wanted, options);
-        if (options.has("-v")) calls.showLog(call, library.log);
-    }
-
-    private void show(Call call, boolean expects, Object wanted, Options options) {
-        boolean differs = expects && !Objects.deepEquals(wanted, call.result);
         if (options.has("--json")) {
             Map<String, Object> members = call.members();
-            if (expects) {
-                members.put("expected", wanted);
-                members.put("differs", differs);
-            }
+            if (expects) members.put("expected", wanted);
             console.out.println(Json.of(members));
-            return;
+        } else {
+            List<String> notes = new ArrayList<>();
+            call.fields.forEach((name, text) -> notes.add(name + ": " + Values.words(text)));
+            if (differs) notes.add("expected: " + Values.words(wanted));
+            console.out.println(call.line()
+                    + (notes.isEmpty() ? "" : "  # " + String.join(", ", notes)));
         }
-        List<String> notes = new ArrayList<>();
-        call.fields.forEach((name, text) -> notes.add(name + ": " + Values.words(text)));
-        if (differs) notes.add("expected: " + Values.words(wanted));
-        console.out.println(call.line()
-                + (notes.isEmpty() ? "" : "  # " + String.join(", ", notes)));
+        if (options.has("-v")) calls.showLog(call, library.log);
     }
 }

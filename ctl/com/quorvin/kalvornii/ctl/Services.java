@@ -17,7 +17,9 @@ final class Services {
     private static final Pattern OUTCOME = Pattern.compile(
             ".*( linkToDeath|is null|is not Declared)|Could not connect to declared .*");
     private static final Pattern DENIAL = Pattern.compile(
-            "avc: +denied +\\{ find \\} for .*\\b(?:name|interface)=(\\S+)");
+            "avc: +denied +\\{ find \\} for (?=.*\\bpid=(\\d+)).*\\b(?:name|interface)=(\\S+)");
+    private static final Pattern OWN_DENIAL = Pattern.compile(
+            "Failed to get isDeclared for (\\S+): .*SELinux denied");
 
     /** A service over one backend. */
     static final class Link {
@@ -195,18 +197,24 @@ final class Services {
         return last == null ? null : last.instance;
     }
 
-    /** Learns from the service managers' lines which services were denied to a process. */
+    /** Learns, from the service managers' lines and its own, what was denied to a process. */
     void takeDenials(List<LogLine> lines, int pid) {
         for (LogLine line : lines) {
             Matcher denial = DENIAL.matcher(line.text);
-            if (!denial.find() || line.text.contains("permissive=1")) continue;
-            if (!line.text.matches(".*\\bpid=" + pid + "\\b.*")) continue;
-            for (Service service : all) {
-                service.aidl.denied |= service.aidl.isNamed(denial.group(1));
-                if (service.hidl != null) {
-                    service.hidl.denied |= service.hidl.isNamed(denial.group(1));
-                }
+            Matcher ownDenial = OWN_DENIAL.matcher(line.text);
+            if (line.pid == pid && ownDenial.find()) {
+                deny(ownDenial.group(1));
+            } else if (denial.find() && Integer.parseInt(denial.group(1)) == pid
+                    && !line.text.contains("permissive=1")) {
+                deny(denial.group(2));
             }
+        }
+    }
+
+    private void deny(String name) {
+        for (Service service : all) {
+            service.aidl.denied |= service.aidl.isNamed(name);
+            if (service.hidl != null) service.hidl.denied |= service.hidl.isNamed(name);
         }
     }
 }

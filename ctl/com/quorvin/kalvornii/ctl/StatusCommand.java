@@ -1,12 +1,15 @@
 package com.quorvin.kalvornii.ctl;
 
+import java.time.LocalTime;
+import java.time.format.DateTimeFormatter;
 import java.util.ArrayList;
 import java.util.List;
 
 /** "status" and "watch". */
 final class StatusCommand {
-    private static final String ROW = "%-15s  %-4s  %-" + 84 + "s  %s";
+    private static final String ROW = "%-15s  %-4s  %-84s  %s";  // 84: the longest instance
     private static final String NARROW_ROW = "%-15s  %-4s  %s";
+    private static final String CHANGE = "%s  %-15s  %s";
     private static final int EVENTS_SHOWN = 5;
 
     private final Console console;
@@ -54,11 +57,11 @@ final class StatusCommand {
         load();
         if (library.services.isAnyAbsent()) library.tellOfAbsence();
         if (console.isTerminal()) return watchOnTerminal();
+        String now = LocalTime.now().format(DateTimeFormatter.ofPattern("HH:mm:ss.SSS"));
         List<String> before = new ArrayList<>();
         for (Services.Service service : library.services.all()) {
             before.add(service.backend());
-            console.out.println(String.format("%-12s  %-15s  %s", "", service.name,
-                    service.backend()));
+            console.out.println(String.format(CHANGE, now, service.name, service.backend()));
         }
         for (;;) {
             LogLine line = next();
@@ -67,8 +70,8 @@ final class StatusCommand {
             for (int i = 0; i < services.size(); i++) {
                 String backend = services.get(i).backend();
                 if (backend.equals(before.set(i, backend))) continue;
-                console.out.println(String.format("%-12s  %-15s  %s", line.time,
-                        services.get(i).name, backend));
+                console.out.println(
+                        String.format(CHANGE, line.time, services.get(i).name, backend));
             }
             if (console.out.checkError()) return Main.DONE;  // nobody reads on
         }
