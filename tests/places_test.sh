@@ -8,6 +8,7 @@ failed=0
 
 java=java/com/quorvin/kalvornii/KvNativeInterface.java
 demo=host/demo/com/quorvin/kalvornii/demo/RunningTest.java
+table=ctl/com/quorvin/kalvornii/ctl/Services.java
 
 # every NAMES PLACE WHAT: each of these names is in that place's.
 every() {
@@ -40,6 +41,7 @@ check_methods() {
     every "$tested" "$asking" "kRows in tests/every_method_test.cpp has a row too many for"
     every "$declared" "$cases" "No case in the test of its topic, tests/*_test.cpp, calls"
     every "$declared" "$called" "The demo never calls; the place is $demo"
+    every "$declared" "$(names '^[A-Za-z0-9]+' ctl/every_method.calls)" "ctl/every_method.calls does not call"
 }
 
 check_services() {
@@ -50,6 +52,7 @@ check_services() {
     every "$services" "$(names '^ +\{"[a-z_]+"' tests/every_service.h)" \
         "kServices in tests/every_service.h has no row for"
     every "$services" "$(names 'Map\.entry\("[a-z_]+"' "$demo")" "SERVES in $demo does not tell of"
+    every "$services" "$(names '^        add\("[a-z_]+"' "$table")" "The table in $table has no"
     every "$(names '^ *services\["[a-z_]+"' host/device/aidl_services.cpp)" "$services" \
         "Device::Services() in host/device/device.cpp has no"
 }

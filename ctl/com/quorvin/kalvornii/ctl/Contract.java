@@ -19,7 +19,7 @@ final class Contract {
             + "|^    /\\*\\*(?<doc>(?s:.*?))\\*/"
             + "|^    public native (?<result>\\S+) (?<name>\\w+)\\((?<parameters>[^)]*)\\);",
             Pattern.MULTILINE);
-    private static final Pattern SERVICE = Pattern.compile("\\((?:(\\w+) service|no service)\\b");
+    private static final Pattern SERVICE = Pattern.compile("\\((\\w+) service\\b");
     private static final Pattern FIELD = Pattern.compile("\\{@link\\s+#(currentValue|i2cInfo)}");
 
     static final class Parameter {
@@ -90,7 +90,7 @@ final class Contract {
                 Matcher named = SERVICE.matcher(part.group("section"));
                 if (!named.find()) throw new IllegalStateException(
                         "The section \"" + part.group("section") + "\" names no service.");
-                service = named.group(1);
+                service = named.group(1).equals("no") ? null : named.group(1);
             } else if (part.group("doc") != null) {
                 comment = part.group("doc");
             } else {

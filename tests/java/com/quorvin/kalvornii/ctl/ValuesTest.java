@@ -1,0 +1,126 @@
+package com.quorvin.kalvornii.ctl;
+
+import static org.junit.jupiter.api.Assertions.assertArrayEquals;
+import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertNull;
+import static org.junit.jupiter.api.Assertions.assertThrows;
+import static org.junit.jupiter.api.Assertions.assertTrue;
+
+import com.quorvin.kalvornii.BigDataValue;
+import java.util.List;
+import java.util.stream.Collectors;
+import org.junit.jupiter.api.Test;
+
+/** Arguments and results, as words of a line and as values. */
+class ValuesTest {
+    private static final String[] TEXTS = {
+        "", " ", "plain", "two words", "'", "\"", "\\", "$HOME `x`", "#", "=", "a=b", "-v", "null",
+        "\\null", "\\\\null", "Null", "nullable", "é 測試 💡", "a\nb\t\r\u0001\u007f'\\", "a'b\"c"};
+
+    private static List<String> words(String line) throws UsageException {
+        return Words.of(line).stream().map(word -> word.text).collect(Collectors.toList());
+    }
+
+    @Test
+    void quotesAsAShell() throws UsageException {
+        assertEquals(List.of("a", "b c", "d'e", "", "f \"g\\h\\n", "#"),
+                words(" a\t'b c'  d\\'e '' \"f \\\"g\\\\h\\n\" \\# # comment 'open"));
+        assertEquals(List.of("one word", "a#b", "$x"), words("one' 'word a#b $x"));
+        assertEquals(List.of("1\n\t\r\\'\"Aé"), words("$'1\\n\\t\\r\\\\\\'\\\"\\x41\\u00e9'"));
+        assertEquals(List.of(), words("  # nothing"));
+    }
+
+    @Test
+    void refusesWhatAShellWouldContinue() {
+        for (String line : List.of("'a", "\"a", "\"a\\", "$'a", "a\\", "$'\\q'", "$'\\x4'")) {
+            assertThrows(UsageException.class, () -> Words.of(line), line);
+        }
+    }
+
+    @Test
+    void takesEveryTextThatItShows() throws UsageException {
+        for (String text : TEXTS) {
+            assertEquals(text, Values.parse(String.class, Values.show(text)));
+            List<Words.Word> words = Words.of("x " + Values.words(text));
+            assertEquals(2, words.size(), text);
+            assertEquals(text, Values.parse(String.class, words.get(1).text));
+            // else it would part the arguments from the result
+            assertTrue(!words.get(1).text.equals("=") || words.get(1).quoted);
+            assertEquals(1, Values.words(text).lines().count());
+        }
+        assertNull(Values.parse(String.class, Values.show(null)));
+        assertEquals("null", Values.show(null));
+        assertEquals("\\null", Values.show("null"));
+        assertEquals("1 -2", Values.show(new int[] {1, -2}));
+    }
+
+    @Test
+    void takesNumbersAsAPersonWritesThem() throws UsageException {
+        Object[][] numbers = {
+            {"0", 0}, {"-0", 0}, {"010", 10}, {"2147483647", Integer.MAX_VALUE},
+            {"-2147483648", Integer.MIN_VALUE}, {"0x10", 16}, {"-0X1f", -31}, {"0xffffffff", -1},
+            {"-0x80000000", Integer.MIN_VALUE}};
+        for (Object[] number : numbers) {
+            assertEquals(number[1], Values.parse(int.class, (String) number[0]));
+        }
+        for (String word : List.of("", "-", "x", "1x", "0x", "1.0", "2147483648", "-2147483649",
+                "0x100000000", "-0x80000001", "null", "+1", " 1", "\u0663")) {
+            assertThrows(UsageException.class, () -> Values.parse(int.class, word), word);
+        }
+    }
+
+    @Test
+    void takesBytesAsHexadecimalDigits() throws UsageException {
+        assertArrayEquals(new byte[] {0x0a, (byte) 0xff},
+                (byte[]) Values.parse(byte[].class, "0aFf"));
+        assertArrayEquals(new byte[0], (byte[]) Values.parse(byte[].class, ""));
+        assertNull(Values.parse(byte[].class, "null"));
+        for (String word : List.of("a", "0af", "0x0a", "zz", "-1", "\u0663\u0663")) {
+            assertThrows(UsageException.class, () -> Values.parse(byte[].class, word), word);
+        }
+    }
+
+    private static Object[] parse(String method, String... words) throws UsageException {
+        return Values.parse(Contract.read().find(method), List.of(words));
+    }
+
+    @Test
+    void fillsRecords() throws UsageException {
+        BigDataValue value = (BigDataValue) parse(
+                "bigdatavalue", "value=a=b", "itemId=0x10", "description=", "bsn=null")[0];
+        assertEquals("a=b", value.value);
+        assertEquals(16, value.itemId);
+        assertEquals(0, value.cycle);
+        assertEquals("", value.description);
+        assertEquals("", value.firmware);
+        assertNull(value.bsn);
+        assertEquals("", ((BigDataValue) parse("bigdatavalue")[0]).station);
+        assertNull(parse("bigdatavalue", "null")[0]);
+    }
+
+    private static void refused(String naming, String method, String... words) {
+        String message =
+                assertThrows(UsageException.class, () -> parse(method, words)).getMessage();
+        assertTrue(message.contains(naming), message);
+        assertTrue(message.contains("\n  "), message);  // the method's line
+    }
+
+    @Test
+    void namesWhatWasExpected() {
+        refused("id: ", "settestresult", "v");
+        refused("value: ", "settestresult");
+        refused("id: a 32-bit number", "settestresult", "3", "v");
+        refused("\"x\" is one argument too many", "settestresult", "v", "3", "x");
+        refused("\"x\" is one argument too many", "boardname", "x");
+        refused("signature: two hexadecimal digits a byte", "signature", "abc");
+        refused("version, commandId, operation, cycle, bsn, station", "bigdataop", "x=1");
+        refused("field=value is expected, not \"version\"", "bigdataop", "version");
+        refused("operation: version: a 32-bit number", "bigdataop", "version=x");
+    }
+
+    @Test
+    void writesJson() {
+        assertEquals("[null,1,\"a\\\"\\\\\\u000a\\u001fé\",\"0aff\",[1,-2],[]]", Json.of(new Object[] {
+            null, 1, "a\"\\\n\u001fé", new byte[] {10, -1}, new int[] {1, -2}, new Object[0]}));
+    }
+}
