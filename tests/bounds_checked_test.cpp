@@ -18,22 +18,24 @@ const char* const kNull = nullptr;
 // Each writes into the first four of eight bytes; the others are never touched.
 TEST(BoundsCheckedTest, LeaveTheDestinationAsTheStandardSays) {
     char bytes[9];
+    const char source[] = {'a', 'b', 'c', 'd', 'e'};
     const struct {
         const char* trace;
         std::function<int()> call;
         int result;
         string first;
     } cases[] = {
-            {"memcpy_s: all", [&] { return memcpy_s(bytes, 4, "abcd", 4); }, 0, "abcd"},
-            {"memcpy_s: some", [&] { return memcpy_s(bytes, 4, "ab", 2); }, 0, "ab--"},
-            {"memcpy_s: nothing", [&] { return memcpy_s(bytes, 4, "ab", 0); }, 0, "----"},
-            {"memcpy_s: too much", [&] { return memcpy_s(bytes, 4, "abcde", 5); }, -1,
+            {"memcpy_s: all", [&] { return memcpy_s(bytes, 4, source, 4); }, 0, "abcd"},
+            {"memcpy_s: some", [&] { return memcpy_s(bytes, 4, source, 2); }, 0, "ab--"},
+            {"memcpy_s: nothing", [&] { return memcpy_s(bytes, 4, source, 0); }, 0, "----"},
+            {"memcpy_s: too much", [&] { return memcpy_s(bytes, 4, source, 5); }, -1,
              string(4, '\0')},
             {"memcpy_s: no source", [&] { return memcpy_s(bytes, 4, nullptr, 4); }, -1,
              string(4, '\0')},
-            {"memcpy_s: no size", [&] { return memcpy_s(bytes, kNegative, "abcd", 4); }, -1,
+            {"memcpy_s: no size", [&] { return memcpy_s(bytes, kNegative, source, 4); }, -1,
              "----"},
-            {"memcpy_s: overlap", [&] { return memcpy_s(bytes + 1, 3, bytes, 3); }, 0, "----"},
+            {"memcpy_s: overlap", [&] { return bytes[0] = 'a', memcpy_s(bytes + 1, 3, bytes, 3); },
+             0, "aa--"},
             {"memset_s: some", [&] { return memset_s(bytes, 4, 'x', 2); }, 0, "xx--"},
             {"memset_s: too much", [&] { return memset_s(bytes, 4, 'x', 5); }, -1, "xxxx"},
             {"memset_s: negative", [&] { return memset_s(bytes, 4, 'x', kNegative); }, -1, "xxxx"},
@@ -69,7 +71,8 @@ TEST(BoundsCheckedTest, LeaveTheDestinationAsTheStandardSays) {
 }
 
 TEST(BoundsCheckedTest, RefuseToWriteNowhere) {
-    EXPECT_EQ(-1, memcpy_s(nullptr, 4, "abcd", 4));
+    const char one = 1;
+    EXPECT_EQ(-1, memcpy_s(nullptr, 4, &one, 1));
     EXPECT_EQ(-1, memset_s(nullptr, 4, 'x', 4));
     EXPECT_EQ(-1, strcpy_s(nullptr, 4, "abc"));
     EXPECT_EQ(0, sprintf_s(nullptr, 4, "%d", 1));
