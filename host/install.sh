@@ -8,8 +8,8 @@ declare -A lists=(
     [demo]="aidl android-libbase-dev android-liblog-dev android-libnativehelper-dev android-libutils-dev
         android-platform-frameworks-native-headers clang cmake hidl-gen libsafec-dev lld-15 ninja-build
         openjdk-17-jdk-headless"
-    [test]="blueprint-tools clang-format g++ junit5 libclang-rt-14-dev libgmock-dev
-        libgtest-dev"
+    [test]="blueprint-tools clang-format g++ junit5 libclang-rt-14-dev libgmock-dev libgtest-dev
+        proguard-cli"
     [tidy]="clang-tidy"
     [arm]="binutils-arm-linux-gnueabihf mmdebstrap qemu-user-static"
     [fuzz]="android-liblog-dev clang libclang-rt-14-dev"

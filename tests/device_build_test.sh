@@ -1,7 +1,7 @@
 #!/bin/bash
 # The device build describes the same library as the host build (sources, flags, version script, the
 # libraries of what is included; for 32 bits always), and the device code reaches nothing of the
-# host: device_build_test.sh SOURCE_DIR BUILD_DIR
+# host. What it says of the Java side is there: device_build_test.sh SOURCE_DIR BUILD_DIR
 #
 # A tool that is missing or fails ends the test: no command stands where its failure would be lost.
 set -euo pipefail
@@ -26,6 +26,14 @@ expect_same() {
     expect_none "$1" "$different"
 }
 
+# expect_files PATTERN...: there is a file for each.
+expect_files() {
+    local pattern
+    for pattern in "$@"; do
+        compgen -G "$pattern" >/dev/null || expect_none "Android.bp names, but there is no" "$pattern"
+    done
+}
+
 # grep, for what need not be there.
 find_lines() { grep "$@" || [ $? = 1 ]; }
 
@@ -47,7 +55,7 @@ link_command=$(tail -n 1 <<<"$commands")
 check_source_lists() {
     local there device host
     there=$(find aidl common hidl jni -name '*.cpp' | sort)
-    device=$(texts srcs)
+    device=$(texts srcs | find_lines '\.cpp$')
     host=$(sed -E 's,.*/kalvorn_objects\.dir/(.*)\.o,\1,' <<<"$objects" | sort)
     expect_same "Sources that are there (<) and in Android.bp (>)" "$there" "$device"
     expect_same "Sources that are there (<) and in CMakeLists.txt (>)" "$there" "$host"
@@ -57,13 +65,56 @@ check_source_lists() {
 check_flags() {
     local count device host
     count=$(wc -l <<<"$objects")
-    device=$(texts cflags cppflags | any_but -DKALVORN_DEVICE_HIDL_UTIL)
+    device=$(texts cflags cppflags | find_lines -v -e '^-D')
     host=$(grep '/kalvorn_objects\.dir/.* -c ' <<<"$commands" | tr ' ' '\n' |
         find_lines -xE -e '-(W[a-z]+|fvisibility.*|fno-(asynchronous-)?unwind-tables)' | sort |
         uniq -c | awk "\$1 == $count {print \$2}")
     expect_same "Flags in Android.bp (<) and in CMakeLists.txt (>)" "$device" "$host"
     host=$(find_lines -E -e ' -(include|imacros) ' <<<"$commands" | find_lines -F /kalvorn_objects.dir/)
     expect_none "Compiled with headers that the sources do not name" "$host"
+    device=$(texts cflags | sed -n 's/^-D//p')
+    host=$(grep -rohE '#ifn?def KALVORN_[A-Z_]+' aidl common hidl jni | sed 's/.* //' | sort -u)
+    expect_same "Choices in Android.bp (<) and in the device code (>)" "$device" "$host"
+}
+
+# modules TYPE...: the names of the modules of these types.
+modules() {
+    local types=$*
+    awk -v types="^(${types// /|}) [{]" '
+        $0 ~ types { inside = 1 }
+        inside && $1 == "name:" { gsub(/[",]/, "", $2); print $2 }
+        /^}/ { inside = 0 }' <<<"$android_bp" | sort
+}
+
+check_modules() {
+    local installed count named missing
+    installed=$(modules cc_library_shared java_binary java_library)
+    count=$(grep -c '^    system_ext_specific: true,$' <<<"$android_bp")
+    expect_same "Modules that a product installs (<), and how many of them go to system_ext (>)" \
+        "$(wc -l <<<"$installed")" "$count"
+    named=$({ texts defaults static_libs required java_resources; } | sed 's/^://' | sort -u)
+    missing=$(comm -23 <(echo "$named") <(modules '[a-z_]+'))
+    expect_none "Modules that Android.bp names and does not have" "$missing"
+}
+
+check_java() {
+    local there host
+    expect_same "The Java sources of Android.bp (<)" "$(texts srcs | find_lines 'java/.*\*')" 'java/**/*.java'
+    there=$(find java -name '*.java' | sed 's,.*/,,' | sort)
+    host=$(ninja -C "$build" -t commands java/classes.stamp | grep -oE '[^ /]+\.java\b' | sort)
+    expect_same "Java sources that are there (<) and in the host build (>)" "$there" "$host"
+    expect_files "$(texts proguard_flags_files)"
+}
+
+# What is packed with kalvornctl lies in the jar where it looks for it.
+check_command() {
+    local packed asked
+    expect_files "$(texts wrapper)"
+    packed=$(texts srcs | find_lines -E '^[^*]+\.java$')
+    expect_files "$packed"
+    asked=$(grep -rhoE '"/[^"]+\.java"' ctl | tr -d '"' | sort -u)
+    expect_same "The contract in the jar (<), and where kalvornctl looks for it (>)" \
+        "${packed#"$(texts path)"}" "$asked"
 }
 
 check_linking() {
@@ -105,7 +156,7 @@ check_libraries() {
 
 # What device code may name in its own #include lines: itself, and what every device has.
 own='"(aidl|common|hidl|jni)/[a-z0-9_]+\.(h|inc)"'
-platform='<([a-z_]+|(dlfcn|fcntl|stddef|stdint|string|unistd)\.h|jni\.h
+platform='<([a-z_]+|(dlfcn|fcntl|stdarg|stddef|stdint|stdio|string|unistd)\.h|jni\.h
 |android/(log|binder_(auto_utils|ibinder|manager))\.h
 |binder/(IBinder|IInterface|IServiceManager)\.h
 |utils/(Errors|RefBase|String16|StrongPointer)\.h
@@ -155,6 +206,9 @@ format=$(bpfmt -d Android.bp)
 expect_none "bpfmt would change Android.bp" "$format"
 check_source_lists
 check_flags
+check_modules
+check_java
+[ ! -d ctl ] || check_command
 check_linking
 check_libraries
 check_include_lines

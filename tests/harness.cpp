@@ -84,12 +84,16 @@ void CountReferences() {
 }
 
 JavaVM* StartVm() {
-    static char classPath[] = "-Djava.class.path=" KALVORN_CLASS_PATH;
+    // keep_rules_test.sh gives other classes of the application.
+    const char* otherClassPath = getenv("KALVORN_TEST_CLASS_PATH");
+    static std::string classPath =
+            "-Djava.class.path=" +
+            std::string(otherClassPath == nullptr ? KALVORN_CLASS_PATH : otherClassPath);
     static char check[] = "-Xcheck:jni";
     static char heap[] = "-Xmx256m";
     static char libraryPath[] = "-Djava.library.path=" KALVORN_LIBRARY_PATH;
     JavaVMOption options[] = {
-            {classPath, nullptr}, {check, nullptr}, {heap, nullptr}, {libraryPath, nullptr}};
+            {classPath.data(), nullptr}, {check, nullptr}, {heap, nullptr}, {libraryPath, nullptr}};
     JavaVMInitArgs args{JNI_VERSION_1_6, 4, options, JNI_FALSE};
     JavaVM* vm = nullptr;
     JNIEnv* env = nullptr;

@@ -78,7 +78,40 @@ check_connectors() {
         "ExitKvManager() in hidl/death.cpp does not release"
 }
 
+# connected BACKEND: the C++ name of the interface and the instance, for each connector.
+connected() {
+    local global instance
+    tr -d '\n' <"$1/connections.cpp" | grep -oE 'Describe\( *&g_[A-Za-z]+, *"[a-z0-9_]+"' |
+        sed -E 's/.*&(g_[A-Za-z]+), *"([^"]+)"/\1 \2/' |
+        while read -r global instance; do
+            echo "$(interface "$1" "$(sed -nE "s/^extern sp<(I[A-Za-z]+)> $global;/\1/p" "$1/services.h")")/$instance"
+        done
+    # Connected by a function of its own, and to no instance but this.
+    [ "$1" = hidl ] || echo "$(interface aidl IFingerprint)$(grep -oE '/default' aidl/fingerprint.cpp)"
+}
+
+# interface BACKEND NAME: its qualified name.
+interface() { sed -nE "s/^using (aidl::)?(vendor::[A-Za-z0-9_:]+::$2);/\2/p" "$1/services.h"; }
+
+# Names as AIDL and as HIDL write them, of C++ ones.
+aidl_names() { sed 's/::/./g' | sort; }
+hidl_names() { sed -E 's/::V([0-9]+)_([0-9]+)::/@\1.\2;/; s/::/./g; s/;/::/' | sort; }
+
+# documented INTERFACE: the names in the README's table that are like it.
+documented() { grep -oE "\| \`vendor[^\`]*$1[A-Za-z]+/[a-z0-9_]+" README.md | sed 's/.*`//' | sort; }
+
+check_instance_names() {
+    local aidl hidl
+    aidl=$(connected aidl | aidl_names)
+    hidl=$(connected hidl | hidl_names)
+    every "$aidl" "$(documented '[.]I')" "The table in README.md has no AIDL service"
+    every "$(documented '[.]I')" "$aidl" "The table in README.md has an AIDL service too many, or wrong"
+    every "$hidl" "$(documented '::I')" "The table in README.md has no HIDL service"
+    every "$(documented '::I')" "$hidl" "The table in README.md has a HIDL service too many, or wrong"
+}
+
 check_methods
 check_services
 check_connectors
+check_instance_names
 exit "$failed"

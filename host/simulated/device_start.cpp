@@ -30,6 +30,7 @@ struct Member {
 };
 
 std::mutex g_lock;
+string g_profile;
 std::vector<Member> g_atStart;
 
 void Tell(const string& what) {
@@ -46,7 +47,7 @@ bool KillOrRestart(bool kill, const string& backendName, const string& service) 
     if (kill) {
         device.At(backend, service).Kill();
     } else {
-        device.Start(backend, service);
+        Restart(backend, service);
     }
     return true;
 }
@@ -100,6 +101,7 @@ bool Start(const string& profile) {
     device.GroupProcesses("device");
     if (!device.StartProfile(profile)) return false;
     const std::lock_guard lock(g_lock);
+    g_profile = profile;
     g_atStart.clear();
     for (const string& service : Device::Services()) {
         for (const Backend backend : {Backend::kAidl, Backend::kHidl}) {
@@ -109,12 +111,18 @@ bool Start(const string& profile) {
     return true;
 }
 
+string Profile() {
+    const std::lock_guard lock(g_lock);
+    return g_profile;
+}
+
+void Restart(Backend backend, const string& service) {
+    if (!Device::Get().IsRunning(backend, service)) Device::Get().Start(backend, service);
+}
+
 void RestartKilled() {
     const std::lock_guard lock(g_lock);
-    Device& device = Device::Get();
-    for (const auto& [backend, service] : g_atStart) {
-        if (!device.IsRunning(backend, service)) device.Start(backend, service);
-    }
+    for (const auto& [backend, service] : g_atStart) Restart(backend, service);
 }
 
 void StartAsNamed() {

@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "device/device.h"
+
 /** The one simulated device of a process that is not a test: it starts by itself. */
 namespace kalvorn::simulated {
 
@@ -19,6 +21,12 @@ void StartAsNamed();
 
 /** Replaces the device; only while nothing holds its services. False: no such profile. */
 bool Start(const std::string& profile);
+
+/** Of the device that runs; empty when none was started. */
+std::string Profile();
+
+/** Starts a service that does not run. */
+void Restart(device::Backend backend, const std::string& service);
 
 /** Ends the log and lets go whoever waits for a service, so that the process can end in peace. */
 void Stop();

@@ -77,6 +77,10 @@ SIMULATED_DEVICE(void, startProfile)(JNIEnv* env, jclass, jstring profile) {
     kalvorn::simulated::Start(Name(env, profile));
 }
 
+SIMULATED_DEVICE(jstring, profile)(JNIEnv* env, jclass) {
+    return env->NewStringUTF(kalvorn::simulated::Profile().c_str());
+}
+
 SIMULATED_DEVICE(jboolean, isLibraryLoaded)(JNIEnv*, jclass) {
     void* library = dlopen("lib_kalvorn.so", RTLD_NOW | RTLD_NOLOAD);
     if (library != nullptr) dlclose(library);
@@ -113,7 +117,7 @@ SIMULATED_DEVICE(void, kill)(JNIEnv* env, jclass, jint backend, jstring service)
 }
 
 SIMULATED_DEVICE(void, restart)(JNIEnv* env, jclass, jint backend, jstring service) {
-    Device::Get().Start(static_cast<Backend>(backend), Name(env, service));
+    kalvorn::simulated::Restart(static_cast<Backend>(backend), Name(env, service));
 }
 
 SIMULATED_DEVICE(void, declare)(JNIEnv* env, jclass, jint backend, jstring service) {

@@ -24,6 +24,7 @@ public final class SimulatedDevice {
     }
 
     private static final int PATIENCE_MS = 5000;
+    private static final int MOST_BYTES = 1000 * 1000;
 
     static {
         System.loadLibrary("kalvorn_simulated");
@@ -37,19 +38,23 @@ public final class SimulatedDevice {
     /**
      * Replaces the device: "aidl" has every service over AIDL, "hidl" all that HIDL has, "mixed"
      * sensors, light and touch over HIDL, no satellite chip and the rest over AIDL, "bare" none.
-     * Services that share a process on many devices share one here too.
+     * Services that share a process on many devices share one here too. Once the library is loaded,
+     * the device that runs is restored, as {@link #restore} does.
      *
-     * @throws IllegalStateException once the library is loaded: it has connected its services, and
-     *     a device that becomes another beneath a running application does not exist
+     * @throws IllegalStateException when the library is loaded and another device runs: one that
+     *     becomes another beneath a running application does not exist
      */
     public static void start(String profile) {
-        List<String> profiles = List.of("aidl", "hidl", "mixed", "bare");
-        check(profile, profiles, "device");
-        if (isLibraryLoaded()) {
-            throw new IllegalStateException("The library is loaded: start the device before "
-                    + "KvNativeInterface is first used, or choose it with ./simulate --device");
+        check(profile, List.of("aidl", "hidl", "mixed", "bare"), "device");
+        if (!isLibraryLoaded()) {
+            startProfile(profile);
+        } else if (profile.equals(profile())) {
+            restore();
+        } else {
+            throw new IllegalStateException("The library is loaded, on the device \"" + profile()
+                    + "\": start another before KvNativeInterface is first used, or with"
+                    + " ./simulate --device");
         }
-        startProfile(profile);
     }
 
     /** The thirteen services, in the order in which the library connects them. */
@@ -82,9 +87,10 @@ public final class SimulatedDevice {
 
     /**
      * Lets a service die, whatever its process holds besides. It stays declared, so that the
-     * library waits for it. Returns when the library has heard of it: all services of the backend
-     * are released, and those of AIDL that come before this one connected again. A call that
-     * another thread has on its way over HIDL may end the process, as on a device.
+     * library waits for it. Returns when the library has heard of it, or after five seconds: all
+     * services of the backend are released, and those of AIDL that come before this one connected
+     * again. A call that another thread has on its way over HIDL may end the process, as on a
+     * device.
      *
      * @throws IllegalArgumentException when that service does not run over that backend
      */
@@ -95,8 +101,8 @@ public final class SimulatedDevice {
     }
 
     /**
-     * Declares a service and starts it, which is also how a killed one comes back. Returns at once;
-     * {@link #settle} waits until the library has connected it.
+     * Declares a service and starts it, which is also how a killed one comes back; one that runs is
+     * left as it is. Returns at once; {@link #settle} waits until the library has connected it.
      */
     public static void restart(Backend backend, String service) {
         checkHas(backend, service);
@@ -132,11 +138,19 @@ public final class SimulatedDevice {
 
     /**
      * The same with the second text, which few methods have ("i2cTest" has). A method without one
-     * of the values does not look at it.
+     * of the values does not look at it. Over AIDL texts of more than half a megabyte fail on their
+     * way.
+     *
+     * @throws IllegalArgumentException also for texts that no call could carry
      */
     public static void answer(String method, int code, String text, String detail) {
         check(method, methods(), "method");
-        answer(method, code, text.getBytes(UTF_8), detail.getBytes(UTF_8));
+        byte[] textBytes = text.getBytes(UTF_8);
+        byte[] detailBytes = detail.getBytes(UTF_8);
+        if (textBytes.length + detailBytes.length > MOST_BYTES) {
+            throw new IllegalArgumentException("texts of more than " + MOST_BYTES + " bytes");
+        }
+        answer(method, code, textBytes, detailBytes);
     }
 
     /**
@@ -220,6 +234,8 @@ public final class SimulatedDevice {
     private static native void startAsNamed();
 
     private static native void startProfile(String profile);
+
+    private static native String profile();
 
     private static native boolean isLibraryLoaded();
 

@@ -42,10 +42,12 @@ class SimulatedDeviceTest {
         refused(all, () -> SimulatedDevice.killProcess("nobody"));
         refused(all, () -> SimulatedDevice.restartProcess(null));
         refused("readNv, ", () -> SimulatedDevice.answer("nativeReadNvValue", 0, ""));
+        refused("1000000 bytes", () -> SimulatedDevice.answer("readNv", 0, "x".repeat(1000001)));
         refused("readNv, ", () -> SimulatedDevice.fail(AIDL, null));
         refused("readNv, ", () -> SimulatedDevice.fail(HIDL, "setLightsBrightness"));
         refused("AIDL or HIDL", () -> SimulatedDevice.fail(null, "readNv"));
         assertThrows(IllegalStateException.class, () -> SimulatedDevice.start("aidl"));
+        SimulatedDevice.start("mixed");
     }
 
     @Test
