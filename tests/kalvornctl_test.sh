@@ -198,7 +198,7 @@ public class Late {
     }
 }
 END
-    ends 0 env CLASSPATH="$java/ctl:$java/android" "$source/simulate" java Late.java
+    ends 0 env CLASSPATH="$java/ctl" "$source/simulate" java Late.java
     expect "a load that waits" "kalvornctl: the load waits for vendor.zantor.hardware.ztchipsrvsat.IZtChipSrvSat/ztchipsrv_sat, which is declared and has not started" "$(<err)"
     expect "after it" "AIDL" "$(awk '$1 == "satellite" {print $2}' out)"
 }
@@ -271,7 +271,7 @@ check_terminal() {
 
 # What stands between the command and the device, taken away one by one.
 check_without() {
-    export CLASSPATH=$java/ctl:$java/android
+    export CLASSPATH=$java/ctl
     local simulate=$source/simulate
     mkdir libraries tools
     ln -s "$source"/build/host/*.so libraries/

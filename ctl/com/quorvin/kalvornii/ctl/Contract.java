@@ -20,7 +20,7 @@ final class Contract {
             + "|^    public native (?<result>\\S+) (?<name>\\w+)\\((?<parameters>[^)]*)\\);",
             Pattern.MULTILINE);
     private static final Pattern SERVICE = Pattern.compile("\\((\\w+) service\\b");
-    private static final Pattern FIELD = Pattern.compile("\\{@link\\s+#(currentValue|i2cInfo)}");
+    private static final Pattern FIELD = Pattern.compile("\\{@link\\s+#(currentValue|i2cInfo)\\}");
 
     static final class Parameter {
         final String type;
@@ -52,7 +52,7 @@ final class Contract {
             this.service = service;
             String text = comment.replaceAll("(?m)^ *\\* ?", "");
             fields = matches(FIELD, text);
-            doc = text.replaceAll("\\{@link\\s+#?([^}\\s]+)\\s*}", "$1").trim();
+            doc = text.replaceAll("\\{@link\\s+#?([^\\}\\s]+)\\s*\\}", "$1").trim();
         }
 
         /** As Java declares it. */

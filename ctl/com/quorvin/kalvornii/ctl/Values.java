@@ -50,7 +50,7 @@ final class Values {
                 } else if (used < words.size()) {
                     values[i] = parse(type, words.get(used++));
                 } else {
-                    throw new UsageException("is missing");
+                    throw new UsageException("no value is given");
                 }
             } catch (UsageException e) {
                 throw expected(method, parameter.name + ": " + e.getMessage());
