@@ -233,12 +233,14 @@ check_death() {
 check_watch() {
     printf '%s\n' 'wait 2' 'kill AIDL sim' 'wait 0.3' 'restart AIDL sim' 'wait 0.3' \
         'kill-process light' 'wait 0.3' 'restart-process light' >events
-    "$ctl" --events events watch >watched 2>watch_err &
+    mkdir tmp
+    TMPDIR=$work/tmp "$ctl" --events events watch >watched 2>watch_err &
     local watch=$! i
     for ((i = 0; i < 100; i++)); do
         [ "$(awk '$2 == "light"' watched | wc -l)" -lt 3 ] || break
         sleep 0.1
     done
+    grep -qlsaF -- "$work/tmp/" /proc/[0-9]*/cmdline || expect "readers of the log" some none
     kill "$watch"
     expect "a death and its end" "AIDL none AIDL" "$(awk '$2 == "sim" {print $3}' watched | xargs)"
     expect "those of HIDL" "HIDL none HIDL" "$(awk '$2 == "light" {print $3}' watched | xargs)"
@@ -246,8 +248,11 @@ check_watch() {
     holds "the notice over AIDL" "  serviceDied, remote hal service died" watched
     holds "the notice over HIDL" "  enter into ProcessServiceDied, cookie is:6" watched
     expect "what each line begins with" "" "$(grep -vE '^[0-9]{2}:[0-9]{2}:[0-9]{2}\.[0-9]{3}  ' watched)"
-    tail --pid="$watch" -f /dev/null
-    expect "children left behind" "" "$(pgrep -f "pid=$watch" || true)"
+    for ((i = 0; i < 50; i++)); do  # what reads the log ends with it
+        grep -lsaF -- "$work/tmp/" /proc/[0-9]*/cmdline >left || break
+        sleep 0.1
+    done
+    expect "processes left behind" "" "$(<left)"
 }
 
 # on_terminal COLUMNS COMMAND...: what the command writes on a terminal, without carriage returns.
