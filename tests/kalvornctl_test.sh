@@ -1,7 +1,7 @@
 #!/bin/bash
 # ./kalvornctl from another folder: every method on two devices, each status, the texts that a shell may
 # give, deaths meanwhile, a load that waits, a log that cannot be read, the device's wrapper; and the tests
-# of its classes: kalvornctl_test.sh SOURCE_DIR TEST_CLASSES
+# of its classes: kalvornctl_test.sh SOURCE_DIR TEST_CLASSES [CHECK...]
 set -euo pipefail
 source=$1
 classes=$2
@@ -276,9 +276,9 @@ check_terminal() {
 
 # What stands between the command and the device, taken away one by one.
 check_without() {
+    mkdir -p libraries tools
     export CLASSPATH=$java/ctl
     local simulate=$source/simulate
-    mkdir libraries tools
     ln -s "$source"/build/host/*.so libraries/
     rm libraries/lib_kalvorn.so
     # shellcheck disable=SC2016
@@ -317,7 +317,7 @@ check_without() {
 
 # The wrapper with what stands for a device's app_process32, in the two places that its parts may have.
 check_wrapper() {
-    mkdir -p device/bin device/framework device/lib pushed
+    mkdir -p device/bin device/framework device/lib pushed tools
     printf '#!/bin/sh\necho "$CLASSPATH $LD_PRELOAD $KALVORN_ASK|$KALVORN_COLUMNS|$*"\n' >tools/app_process32
     chmod +x tools/app_process32
     cp "$source/ctl/kalvornctl" device/bin/
@@ -345,17 +345,8 @@ check_classes() {
     grep -qE '\[ +[1-9][0-9]* tests successful' report || { cat report; failed=1; }
 }
 
-check_first_use
-check_classes
-check_every_method
-check_statuses
-check_texts
-check_lines_that_cannot_be_called
-check_json
-check_status
-check_death
-check_watch
-check_terminal
-check_without
-check_wrapper
+checks=(first_use classes every_method statuses texts lines_that_cannot_be_called json status death
+    watch terminal without wrapper)
+[ $# -eq 2 ] || checks=("${@:3}")
+for check in "${checks[@]}"; do "check_$check"; done
 exit "$failed"
