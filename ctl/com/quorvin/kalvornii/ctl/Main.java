@@ -27,6 +27,9 @@ public final class Main {
         } catch (IOException e) {
             console.tell(e.toString());
             status = USAGE;
+        } catch (RuntimeException | LinkageError e) {
+            e.printStackTrace();  // a fault of this command or its installation
+            status = NOT_LOADED;
         }
         System.exit(status);  // also while threads of the library wait for a service
     }
