@@ -26,9 +26,10 @@ final class Library {
         String told = "";
         for (;;) {
             join(loader);
+            boolean loads = loader.isAlive();  // asked first, so that no line of it is missed
             List<LogLine> lines = log.upToNow();
             services.take(lines);
-            if (loader.isAlive()) {
+            if (loads) {
                 String wait = whatItWaitsFor();
                 if (!wait.equals(told)) console.tell(wait);
                 told = wait;
@@ -121,8 +122,8 @@ final class Library {
     void tellOfAbsence() {
         if (isSimulated()) return;
         services.takeDenials(
-                LogReader.dump("SELinux", "auditd", "servicemanager",
-                "hwservicemanager", "ServiceManagerCppClient"), Process.myPid());
+                LogReader.dump("SELinux", "auditd", "servicemanager", "hwservicemanager",
+                        "ServiceManagerCppClient"), Process.myPid());
         String denied = services.all().stream().filter(Services.Service::isDenied)
                 .map(service -> service.name).collect(Collectors.joining(", "));
         if (!denied.isEmpty()) {

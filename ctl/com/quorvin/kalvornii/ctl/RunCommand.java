@@ -68,6 +68,7 @@ final class RunCommand {
                 + (different > 0 ? ", " + different + " with another result" : "")
                 + (absent > 0 ? ", " + absent + " of an absent service" : "")
                 + (refused > 0 ? ", " + refused + " not made" : ""));
+        if (absent > 0) library.tellOfAbsence();
     }
 
     /** Calls what a line says. */
