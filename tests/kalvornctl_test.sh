@@ -267,7 +267,7 @@ check_terminal() {
     expect "lines too long for 80 columns" "" "$(awk 'length > 80' out)"
     holds "a method" "int[] nativeSetTestItemName(String mainItemName, String subItemName)" out
     holds "its service and what it does" "    factory: Tells the names of the current test items" out
-    on_terminal 100 timeout 4 "$ctl" --events <(echo 'wait 2'; echo 'kill AIDL sim') watch >out || true
+    on_terminal 100 timeout 8 "$ctl" --events <(echo 'wait 1'; echo 'kill AIDL sim') watch >out || true
     holds "a table" $'\033[H\033[J' out
     holds "a row" "power            AIDL  g_aidlPower linkToDeath" out
     holds "a row in place" "power            none  ExitKvManager by aidl" out
