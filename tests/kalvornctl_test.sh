@@ -286,7 +286,8 @@ check_without() {
     holds "without the library" "the library did not load: no _kalvorn in java.library.path" err
     holds "where it is looked for" "lib_kalvorn.so is looked for in: $work/libraries" err
 
-    printf '#!/bin/sh\necho "no permission" >&2; exit 1\n' >tools/logcat
+    # It must not get what is preloaded here, which on a device is for 32 bits.
+    printf '#!/bin/sh\necho "${LD_PRELOAD}${LD_LIBRARY_PATH}no permission" >&2; exit 1\n' >tools/logcat
     chmod +x tools/logcat
     without_log=("$simulate" bash -c 'PATH=$1:$PATH exec java "${@:2}"' - "$work/tools" "$main")
     ends 3 "${without_log[@]}" status
@@ -313,6 +314,26 @@ check_without() {
         exec java "$@"' - "$main" call getpowerstate x
     holds "a denial" "SELinux denies this process: power." err
     unset CLASSPATH
+}
+
+# The stand-in for logcat shows what it is asked for, and refuses what it does not know.
+check_logcat() {
+    local logcat=$source/host/android/logcat
+    cat >log <<'END'
+01-01 00:00:00.000    11    12 D KalvornNative: debug
+01-01 00:00:00.000   111    12 I KalvornNative: of another process
+01-01 00:00:00.000    11    12 D Other   : too low
+01-01 00:00:00.000    11    12 W Other   : warning
+01-01 00:00:00.000    11    12 E Another : error
+END
+    export KALVORN_LOG=$work/log
+    ends 0 "$logcat" -d -b all -v threadtime --pid=11 -s KalvornNative Other:W
+    expect "logcat" "debug warning" "$(awk '{print $NF}' out | xargs)"
+    ends 0 "$logcat" -d -s Nothing:V
+    ends 1 "$logcat" -d KalvornNative
+    ends 1 "$logcat" -d -s -v brief KalvornNative
+    ends 1 "$logcat" -d -s --format KalvornNative
+    KALVORN_LOG=/dev/null ends 1 "$logcat" -d -s KalvornNative
 }
 
 # The wrapper with what stands for a device's app_process32, in the two places that its parts may have.
@@ -346,7 +367,7 @@ check_classes() {
 }
 
 checks=(first_use classes every_method statuses texts lines_that_cannot_be_called json status death
-    watch terminal without wrapper)
+    watch terminal without logcat wrapper)
 [ $# -eq 2 ] || checks=("${@:3}")
 for check in "${checks[@]}"; do "check_$check"; done
 exit "$failed"
