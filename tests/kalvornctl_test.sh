@@ -233,8 +233,8 @@ check_death() {
 check_watch() {
     printf '%s\n' 'wait 2' 'kill AIDL sim' 'wait 0.3' 'restart AIDL sim' 'wait 0.3' \
         'kill-process light' 'wait 0.3' 'restart-process light' >events
-    mkdir tmp
-    TMPDIR=$work/tmp "$ctl" --events events watch >watched 2>watch_err &
+    mkdir tmp; : >watched
+    TMPDIR=$work/tmp "$ctl" --events events watch >>watched 2>watch_err &
     local watch=$! i
     for ((i = 0; i < 100; i++)); do
         [ "$(awk '$2 == "light"' watched | wc -l)" -lt 3 ] || break
