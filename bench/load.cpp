@@ -1,0 +1,143 @@
+#include "load.h"
+
+#include <dlfcn.h>
+#include <stdio.h>
+#include <string.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <fstream>
+
+#include "bare_calls.h"
+#include "machine.h"
+
+namespace bench {
+
+namespace {
+
+using kalvorn::device::Device;
+
+template <typename Action>
+double Microseconds(Action action) {
+    const auto start = std::chrono::steady_clock::now();
+    action();
+    const std::chrono::duration<double, std::micro> time = std::chrono::steady_clock::now() - start;
+    return time.count();
+}
+
+/** The sum of this field over the mappings of the file, in KiB. */
+long SumOfMappings(const char* file, const std::string& field) {
+    std::ifstream smaps("/proc/self/smaps");
+    long sum = 0;
+    bool isOfFile = false;
+    for (std::string line; std::getline(smaps, line);) {
+        if (line.find(" kB") == std::string::npos) {
+            if (line.find('-') < line.find(' ')) isOfFile = line.find(file) != std::string::npos;
+        } else if (isOfFile && line.compare(0, field.size(), field) == 0) {
+            sum += atol(line.c_str() + field.size());
+        }
+    }
+    return sum;
+}
+
+long ResidentKib() {
+    std::ifstream statm("/proc/self/statm");
+    long total = 0, resident = 0;
+    statm >> total >> resident;
+    return resident * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+void LookUp(Backend backend) {
+    if (backend == Backend::kAidl) {
+        Demand(LookUpAidl() == 13, "not all thirteen services are there");
+    } else {
+        Demand(LookUpHidl() == 11, "not all eleven services are there");
+    }
+}
+
+void DieAndRestart() {
+    Device::Get().KillProcess("factory");
+    Device::Get().RestartProcess("factory");
+    Demand(Device::Settle(), "the services do not come back");
+}
+
+void LoadLibrary(JNIEnv* env, Backend backend) {
+    const long residentBefore = ResidentKib();
+    const double map =
+            Microseconds([] { dlopen(KALVORN_LIBRARY_PATH "/lib_kalvorn.so", RTLD_NOW); });
+    const double load = Microseconds([env] {
+        Demand(env->FindClass("com/quorvin/kalvornii/KvNativeInterface") != nullptr,
+               "KvNativeInterface does not load");
+    });
+    const long resident = ResidentKib() - residentBefore;
+    const long touched = SumOfMappings("/lib_kalvorn.so", "Rss:");
+    const long written = SumOfMappings("/lib_kalvorn.so", "Private_Dirty:");
+    const Library library("_kalvorn");
+    library.Unload();
+    const double loadAgain = Microseconds([&library] { library.Load(); });
+    const double death = Microseconds(DieAndRestart);
+    Demand(Device::Get().DeathLinks(backend, "factory") == 1, "the library did not reconnect");
+    printf("%f %f %f %f %ld %ld %ld\n", map, load, loadAgain, death, touched, written, resident);
+}
+
+void LookUpBare(Backend backend) {
+    const double lookUps = Microseconds([backend] { LookUp(backend); });
+    const double lookUpsAgain = Microseconds([backend] { LookUp(backend); });
+    const double death = Microseconds([backend] {
+        DieAndRestart();
+        LookUp(backend);
+    });
+    printf("%f %f %f\n", lookUps, lookUpsAgain, death);
+}
+
+/** What so many processes print, the median of each figure. */
+std::vector<double> Medians(Backend backend, const char* what, int processes) {
+    std::vector<std::vector<double>> columns;
+    char program[4096] = "";
+    Demand(readlink("/proc/self/exe", program, sizeof(program) - 1) > 0, "/proc is missing");
+    const std::string command =
+            "'" + std::string(program) + "' --one-load " + NameOf(backend) + " " + what;
+    for (int i = 0; i < processes; i++) {
+        FILE* output = popen(command.c_str(), "r");
+        Demand(output != nullptr, "no process");
+        size_t column = 0;
+        for (double figure = 0; fscanf(output, "%lf", &figure) == 1; column++) {
+            if (columns.size() <= column) columns.emplace_back();
+            columns[column].push_back(figure);
+        }
+        Demand(pclose(output) == 0, "a process that loads the library failed");
+    }
+    std::vector<double> medians;
+    for (auto& figures : columns) {
+        std::nth_element(figures.begin(), figures.begin() + processes / 2, figures.end());
+        medians.push_back(figures[static_cast<size_t>(processes) / 2]);
+    }
+    return medians;
+}
+
+}  // namespace
+
+int RunOneLoad(const std::string& backendName, const std::string& what) {
+    const Backend backend = backendName == "aidl" ? Backend::kAidl : Backend::kHidl;
+    JNIEnv* env = StartVm();
+    LogToNowhere();
+    StartDevice(backend);
+    if (what == "library") {
+        LoadLibrary(env, backend);
+    } else {
+        LookUpBare(backend);
+    }
+    fflush(stdout);
+    _exit(0);  // the virtual machine's own end is of no interest
+}
+
+LoadFigures MeasureLoad(Backend backend, int processes) {
+    const std::vector<double> library = Medians(backend, "library", processes);
+    const std::vector<double> bare = Medians(backend, "bare", processes);
+    Demand(library.size() == 7 && bare.size() == 3, "figures of the load are missing");
+    return {backend,    library[0], library[1], library[2], library[3], library[4],
+            library[5], library[6], bare[0],    bare[1],    bare[2]};
+}
+
+}  // namespace bench
