@@ -8,6 +8,7 @@ failed=0
 
 java=java/com/quorvin/kalvornii/KvNativeInterface.java
 demo=host/demo/com/quorvin/kalvornii/demo/RunningTest.java
+calls=benchmarks/java/com/quorvin/kalvornii/bench/Calls.java
 
 # every NAMES PLACE WHAT: each of these names is in that place's.
 every() {
@@ -25,10 +26,11 @@ names() {
 }
 
 check_methods() {
-    local declared table asking tested cases called
+    local declared table asking on_both tested cases called
     declared=$(names '\bnative [^ ]+ [A-Za-z0-9]+\(' "$java")
     table=$(names '^[A-Z_]+\( *[A-Za-z0-9]+,' jni/methods.inc)
     asking=$(names '^(TWO_BACKENDS|AIDL_ONLY)\( *[A-Za-z0-9]+,' jni/methods.inc)
+    on_both=$(names '^TWO_BACKENDS\( *[A-Za-z0-9]+,' jni/methods.inc)
     tested=$(names '^    \{"[a-z_]+", "[A-Za-z0-9]+"' tests/every_method_test.cpp)
     cases=$(find tests -name '*_test.cpp' ! -name every_method_test.cpp -exec cat {} + |
         names '"[A-Za-z0-9]+"' | uniq)
@@ -40,6 +42,11 @@ check_methods() {
     every "$tested" "$asking" "kRows in tests/every_method_test.cpp has a row too many for"
     every "$declared" "$cases" "No case in the test of its topic, tests/*_test.cpp, calls"
     every "$declared" "$called" "The demo never calls; the place is $demo"
+    every "$asking" "$(names 'LIBRARY\.[A-Za-z0-9]+\(' "$calls")" "$calls has no call of"
+    every "$asking" "$(names '^ +\{"[A-Za-z0-9]+"' benchmarks/aidl_calls.cpp)" \
+        "benchmarks/aidl_calls.cpp has no row for"
+    every "$on_both" "$(names '^ +\{"[A-Za-z0-9]+"' benchmarks/hidl_calls.cpp)" \
+        "benchmarks/hidl_calls.cpp has no row for"
 }
 
 check_services() {
