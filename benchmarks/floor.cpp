@@ -19,6 +19,7 @@
 #include <string>
 #include <vector>
 
+#include "common/bounds_checked.h"
 #include "common/failure.h"
 #include "common/log.h"
 #include "common/service_constants.h"
@@ -60,14 +61,17 @@ jint* NewPair(JNIEnv* env, jintArray* array) {
     return elements;
 }
 
-/** The bytes of a Java array as hexadecimal text, by way of a copy; empty when there are none. */
+/** The bytes of a Java array as hexadecimal text, by way of a bounds-checked copy; empty for none.
+ */
 std::string ReadHex(JNIEnv* env, jbyteArray array) {
     jbyte* elements = array == nullptr ? nullptr : env->GetByteArrayElements(array, nullptr);
     if (elements == nullptr) {
         env->ExceptionClear();
         return "";
     }
-    const std::vector<jbyte> bytes(elements, elements + env->GetArrayLength(array));
+    const auto length = static_cast<size_t>(env->GetArrayLength(array));
+    std::vector<jbyte> bytes(length);
+    if (length != 0) memcpy_s(bytes.data(), length, elements, length);
     env->ReleaseByteArrayElements(array, elements, 0);
     std::string text(2 * bytes.size(), '\0');
     char* out = text.data();

@@ -1,5 +1,6 @@
 #include "load.h"
 
+#include <android/log.h>
 #include <dlfcn.h>
 #include <stdio.h>
 #include <string.h>
@@ -18,12 +19,38 @@ namespace {
 
 using kalvorn::device::Device;
 
+using Clock = std::chrono::steady_clock;
+
+double Microseconds(Clock::time_point from, Clock::time_point to) {
+    return std::chrono::duration<double, std::micro>(to - from).count();
+}
+
 template <typename Action>
 double Microseconds(Action action) {
-    const auto start = std::chrono::steady_clock::now();
+    const auto start = Clock::now();
     action();
-    const std::chrono::duration<double, std::micro> time = std::chrono::steady_clock::now() - start;
-    return time.count();
+    return Microseconds(start, Clock::now());
+}
+
+// The connectors begin at the first line that this thread logs, and end at the last.
+thread_local Clock::time_point t_firstLine, t_lastLine;
+
+void LogTimes() {
+    __android_log_set_logger([](const __android_logger_data*, const char*) {
+        t_lastLine = Clock::now();
+        if (t_firstLine == Clock::time_point()) t_firstLine = t_lastLine;
+    });
+}
+
+struct Load {
+    double connectors, registration;
+};
+
+template <typename Action>
+Load Measure(Action load) {
+    t_firstLine = {};
+    load();
+    return {Microseconds(t_firstLine, t_lastLine), Microseconds(t_lastLine, Clock::now())};
 }
 
 /** The sum of this field over the mappings of the file, in KiB. */
@@ -66,19 +93,23 @@ void LoadLibrary(JNIEnv* env, Backend backend) {
     const long residentBefore = ResidentKib();
     const double map =
             Microseconds([] { dlopen(KALVORN_LIBRARY_PATH "/lib_kalvorn.so", RTLD_NOW); });
-    const double load = Microseconds([env] {
-        Demand(env->FindClass("com/quorvin/kalvornii/KvNativeInterface") != nullptr,
-               "KvNativeInterface does not load");
+    Load first{};
+    const double load = Microseconds([&first, env] {
+        first = Measure([env] {
+            Demand(env->FindClass("com/quorvin/kalvornii/KvNativeInterface") != nullptr,
+                   "KvNativeInterface does not load");
+        });
     });
     const long resident = ResidentKib() - residentBefore;
     const long touched = SumOfMappings("/lib_kalvorn.so", "Rss:");
     const long written = SumOfMappings("/lib_kalvorn.so", "Private_Dirty:");
     const Library library("_kalvorn");
     library.Unload();
-    const double loadAgain = Microseconds([&library] { library.Load(); });
+    const Load again = Measure([&library] { library.Load(); });
     const double death = Microseconds(DieAndRestart);
     Demand(Device::Get().DeathLinks(backend, "factory") == 1, "the library did not reconnect");
-    printf("%f %f %f %f %ld %ld %ld\n", map, load, loadAgain, death, touched, written, resident);
+    printf("%f %f %f %f %f %f %f %ld %ld %ld\n", map, load, first.connectors, first.registration,
+           again.connectors, again.registration, death, touched, written, resident);
 }
 
 void LookUpBare(Backend backend) {
@@ -122,6 +153,7 @@ int RunOneLoad(const std::string& backendName, const std::string& what) {
     const Backend backend = backendName == "aidl" ? Backend::kAidl : Backend::kHidl;
     JNIEnv* env = StartVm();
     LogToNowhere();
+    LogTimes();
     StartDevice(backend);
     if (what == "library") {
         LoadLibrary(env, backend);
@@ -135,9 +167,17 @@ int RunOneLoad(const std::string& backendName, const std::string& what) {
 LoadFigures MeasureLoad(Backend backend, int processes) {
     const std::vector<double> library = Medians(backend, "library", processes);
     const std::vector<double> bare = Medians(backend, "bare", processes);
-    Demand(library.size() == 7 && bare.size() == 3, "figures of the load are missing");
-    return {backend,    library[0], library[1], library[2], library[3], library[4],
-            library[5], library[6], bare[0],    bare[1],    bare[2]};
+    Demand(library.size() == 10 && bare.size() == 3, "figures of the load are missing");
+    LoadFigures figures{};
+    figures.backend = backend;
+    const auto fill = [](const std::vector<double>& from, const std::vector<double*>& to) {
+        for (size_t i = 0; i < to.size(); i++) *to[i] = from[i];
+    };
+    fill(library, {&figures.map, &figures.load, &figures.connectors, &figures.registration,
+                   &figures.connectorsAgain, &figures.registrationAgain, &figures.death,
+                   &figures.touched, &figures.written, &figures.resident});
+    fill(bare, {&figures.lookUps, &figures.lookUpsAgain, &figures.deathBare});
+    return figures;
 }
 
 }  // namespace bench

@@ -11,7 +11,7 @@ namespace bench {
 struct LoadFigures {
     Backend backend;
     // Of the library, in microseconds; its memory in KiB.
-    double map, load, loadAgain, death;
+    double map, load, connectors, registration, connectorsAgain, registrationAgain, death;
     double touched, written, resident;
     // Of the same look-ups and links done bare.
     double lookUps, lookUpsAgain, deathBare;
