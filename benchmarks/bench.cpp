@@ -103,24 +103,6 @@ Run Repeat(void (*call)()) {
     };
 }
 
-/** Writes how far it is, when somebody looks. */
-class Progress {
-  public:
-    void Expect(int steps) { mExpected += steps; }
-    void Step() {
-        mDone++;
-        const int percent = 100 * mDone / std::max(mExpected, 1);
-        if (percent == mShown || !isatty(mTerminal)) return;
-        mShown = percent;
-        dprintf(mTerminal, "\r%3d %%", percent);
-        if (mDone >= mExpected) dprintf(mTerminal, "\r      \r");
-    }
-
-  private:
-    const int mTerminal = dup(STDERR_FILENO);  // before the log gets its own
-    int mExpected = 0, mDone = 0, mShown = -1;
-};
-
 /** Puts the median of a benchmark's repetitions where it belongs. */
 class Collector : public benchmark::BenchmarkReporter {
   public:
@@ -135,15 +117,14 @@ class Collector : public benchmark::BenchmarkReporter {
             }
         }
         if (times.empty()) return;  // the aggregates come apart
-        std::nth_element(times.begin(), times.begin() + times.size() / 2, times.end());
-        figures.at(runs[0].run_name.function_name)->ns = times[times.size() / 2];
+        figures.at(runs[0].run_name.function_name)->ns = Median(times);
     }
 };
 
 /** All benchmarks of one backend. */
 class Pass {
   public:
-    Pass(const Options& options, Progress* progress) : mOptions(options), mProgress(progress) {}
+    Pass(const Options& options, Backend backend) : mOptions(options), mProgress(NameOf(backend)) {}
 
     void Add(Row* row, const char* kind, Figure* figure, const Run& run, int repetitions,
              void (*log)()) {
@@ -153,7 +134,7 @@ class Pass {
         figure->allocations = CountAllocations(run);
         const std::string name = row->method + "/" + NameOf(row->backend) + "/" + kind;
         mCollector.figures[name] = figure;
-        Progress* progress = mProgress;
+        Progress* progress = &mProgress;
         benchmark::RegisterBenchmark(name.c_str(),
                                      [run, log, progress](benchmark::State& state) {
                                          log();
@@ -163,7 +144,7 @@ class Pass {
                                      })
                 ->Iterations(IterationsOf(run))
                 ->Repetitions(mOptions.quick ? 1 : repetitions);
-        mProgress->Expect(mOptions.quick ? 1 : repetitions);
+        mProgress.Expect(mOptions.quick ? 1 : repetitions);
     }
 
     void Run() {
@@ -196,7 +177,7 @@ class Pass {
     }
 
     const Options& mOptions;
-    Progress* const mProgress;
+    Progress mProgress;
     Collector mCollector;
 };
 
@@ -224,8 +205,9 @@ std::vector<Row> RowsOf(Backend backend, const std::string& filter) {
 
 /** Where a shape is judged by a ratio, the medians are of more repetitions. */
 void Measure(const Options& options, const JavaCalls& java, const BareCalls& bare,
-             std::vector<Row>* rows, Progress* progress) {
-    Pass pass(options, progress);
+             std::vector<Row>* rows) {
+    if (rows->empty()) return;
+    Pass pass(options, rows->front().backend);
     for (Row& row : *rows) {
         const Run call = java.Of("ofLibrary", row.method);
         const Run floor = java.Of("ofFloor", row.method);
@@ -242,7 +224,7 @@ void Measure(const Options& options, const JavaCalls& java, const BareCalls& bar
 
 // Both passes see what they measure loaded by the same class loader; the device changes below it.
 std::vector<Row> MeasureCalls(JNIEnv* env, const Options& options) {
-    Progress progress;
+    Progress::FindTerminal();
     const int quiet = open("/dev/null", O_WRONLY | O_CLOEXEC);
     dup2(quiet, STDERR_FILENO);
     LogToNowhere();
@@ -251,7 +233,7 @@ std::vector<Row> MeasureCalls(JNIEnv* env, const Options& options) {
     const Library library("_kalvorn"), floor("kalvorn_floor");
 
     std::vector<Row> rows = RowsOf(Backend::kAidl, options.filter);
-    Measure(options, java, ConnectAidl(), &rows, &progress);
+    Measure(options, java, ConnectAidl(), &rows);
     LetGoOfAidl();
     LogToNowhere();
     library.Unload();
@@ -261,7 +243,7 @@ std::vector<Row> MeasureCalls(JNIEnv* env, const Options& options) {
     library.Load();
     floor.Load();
     std::vector<Row> hidlRows = RowsOf(Backend::kHidl, options.filter);
-    Measure(options, java, ConnectHidl(), &hidlRows, &progress);
+    Measure(options, java, ConnectHidl(), &hidlRows);
     LetGoOfHidl();
     LogToNowhere();
     library.Unload();
@@ -309,6 +291,15 @@ void PrintTable(const std::vector<Row>& rows) {
                Number(row.TimesFloor(), 3).c_str(), Number(row.javaWithLog.ns, 0).c_str(),
                heap.c_str(), Judge(row).note.c_str());
     }
+}
+
+void PrintGoals(const std::vector<Row>& rows) {
+    int floors = 0, met = 0;
+    for (const Row& row : rows) {
+        floors += row.floor.there;
+        met += row.floor.there && row.TimesFloor() <= kGoal;
+    }
+    if (floors > 0) printf("\nAt most %.2f times the floor: %d of %d.\n", kGoal, met, floors);
 }
 
 void PrintLoad(const std::vector<LoadFigures>& loads) {
@@ -411,6 +402,7 @@ int Main(const Options& options) {
     });
     printf("%s, %u cores\n", Machine().c_str(), std::thread::hardware_concurrency());
     PrintTable(rows);
+    PrintGoals(rows);
     if (!loads.empty()) PrintLoad(loads);
     if (!options.json.empty()) WriteJson(options.json, rows, loads);
     const bool failed = std::any_of(rows.begin(), rows.end(),

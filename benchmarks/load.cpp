@@ -6,9 +6,9 @@
 #include <string.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <fstream>
+#include <sstream>
 
 #include "bare_calls.h"
 #include "machine.h"
@@ -62,7 +62,7 @@ long SumOfMappings(const char* file, const std::string& field) {
         if (line.find(" kB") == std::string::npos) {
             if (line.find('-') < line.find(' ')) isOfFile = line.find(file) != std::string::npos;
         } else if (isOfFile && line.compare(0, field.size(), field) == 0) {
-            sum += atol(line.c_str() + field.size());
+            sum += strtol(line.c_str() + field.size(), nullptr, 10);
         }
     }
     return sum;
@@ -129,21 +129,23 @@ std::vector<double> Medians(Backend backend, const char* what, int processes) {
     Demand(readlink("/proc/self/exe", program, sizeof(program) - 1) > 0, "/proc is missing");
     const std::string command =
             "'" + std::string(program) + "' --one-load " + NameOf(backend) + " " + what;
+    Progress progress(std::string("load ") + NameOf(backend) + " " + what, processes);
     for (int i = 0; i < processes; i++) {
         FILE* output = popen(command.c_str(), "r");
         Demand(output != nullptr, "no process");
+        char line[512] = "";
+        Demand(fgets(line, sizeof(line), output) != nullptr, "a process that loads failed");
+        std::istringstream words(line);
         size_t column = 0;
-        for (double figure = 0; fscanf(output, "%lf", &figure) == 1; column++) {
+        for (double figure = 0; words >> figure; column++) {
             if (columns.size() <= column) columns.emplace_back();
             columns[column].push_back(figure);
         }
-        Demand(pclose(output) == 0, "a process that loads the library failed");
+        Demand(pclose(output) == 0, "a process that loads failed");
+        progress.Step();
     }
     std::vector<double> medians;
-    for (auto& figures : columns) {
-        std::nth_element(figures.begin(), figures.begin() + processes / 2, figures.end());
-        medians.push_back(figures[static_cast<size_t>(processes) / 2]);
-    }
+    for (const auto& figures : columns) medians.push_back(Median(figures));
     return medians;
 }
 

@@ -4,8 +4,9 @@
 #include <dlfcn.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <unistd.h>
 
-#include <string>
+#include <algorithm>
 
 namespace bench {
 
@@ -19,6 +20,25 @@ void Demand(bool condition, const char* what) {
     if (condition) return;
     fprintf(stdout, "bench: %s\n", what);
     exit(2);
+}
+
+int Progress::FindTerminal() {
+    static const int terminal = dup(STDERR_FILENO);
+    return terminal;
+}
+
+void Progress::Step() {
+    const int percent = 100 * ++mDone / std::max(mExpected, 1);
+    if (percent == mShown || !isatty(FindTerminal())) return;
+    mShown = percent;
+    dprintf(FindTerminal(), "\r%s %d %% ", mWhat.c_str(), percent);
+    if (mDone == mExpected) dprintf(FindTerminal(), "\r%40s\r", "");
+}
+
+double Median(std::vector<double> values) {
+    const auto middle = values.begin() + static_cast<ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
 }
 
 JNIEnv* StartVm() {
