@@ -314,7 +314,7 @@ void PrintLoad(const std::vector<LoadFigures>& loads) {
     line("System.loadLibrary and the class that calls it", &LoadFigures::load);
     line("  its connectors, with 2 to 4 lines a service", &LoadFigures::connectors);
     line("    their look-ups and death links done bare", &LoadFigures::lookUps);
-    line("  after them: registration of 65 methods", &LoadFigures::registration);
+    line("  after them: registration of the methods", &LoadFigures::registration);
     line("JNI_OnLoad once more: connectors", &LoadFigures::connectorsAgain);
     line("    look-ups and death links done bare", &LoadFigures::lookUpsAgain);
     line("  registration", &LoadFigures::registrationAgain);
