@@ -2,6 +2,7 @@
 // on the bare proxy, and, for a method of each shape, the floor. The built library, a real virtual
 // machine, the simulated device; one thread.
 
+#include <android/log.h>
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <stdio.h>
@@ -35,8 +36,12 @@ struct Row {
     std::string method;
     Backend backend;
     Figure java, javaWithLog, proxy, floor;
+    std::string fault;  // why its figures are not to be compared
 
     double Added() const { return java.ns - proxy.ns; }
+    /** Those without figures are at the top. */
+    bool operator<(const Row& other) const { return SortedBy() > other.SortedBy(); }
+    double SortedBy() const { return fault.empty() ? Added() : INFINITY; }
     double TimesFloor() const { return java.ns / floor.ns; }
 };
 
@@ -47,8 +52,9 @@ struct OnPurpose {
 };
 
 OnPurpose FindOnPurpose(const Row& row) {
-    if (row.method == "nativeSendBigDataOperation")
+    if (row.method == "nativeSendBigDataOperation") {
         return {0, "looks class and fields up each time"};
+    }
     if (row.method == "nativeSetTestItemName" && row.backend == Backend::kHidl) {
         return {10, "asks for revision 1.1 each time"};
     }
@@ -197,10 +203,44 @@ std::vector<Row> RowsOf(Backend backend, const std::string& filter) {
     std::vector<Row> rows;
     for (const auto& [method, isOnBoth] : AskingMethods()) {
         if (backend == Backend::kHidl && !isOnBoth) continue;
-        if (strstr(method, filter.c_str()) != nullptr)
-            rows.push_back({method, backend, {}, {}, {}, {}});
+        if (strstr(method, filter.c_str()) == nullptr) continue;
+        rows.push_back({});
+        rows.back().method = method;
+        rows.back().backend = backend;
     }
     return rows;
+}
+
+/** What one call asks of the services, and what it logs. */
+struct Trace {
+    std::vector<std::string> calls;
+    std::string lines;
+};
+
+Trace TraceOf(const Run& run) {
+    static std::string lines;
+    lines.clear();
+    __android_log_set_logger([](const __android_logger_data* data, const char* message) {
+        lines += std::to_string(data->priority) + " " + message + "\n";
+    });
+    auto& device = kalvorn::device::Device::Get();
+    device.RecordCalls(true);
+    run(1);
+    device.RecordCalls(false);
+    LogToNowhere();
+    return {device.TakeCalls(), lines};
+}
+
+/** Only what does the same is compared. */
+std::string FaultOf(const Run& java, const Run& proxy, const Run& floor) {
+    if (java == nullptr || proxy == nullptr) return "HAS NO CALL OR NO PROXY IN benchmarks/";
+    const Trace trace = TraceOf(java);
+    if (trace.calls.empty()) return "ASKS NO SERVICE";
+    if (TraceOf(proxy).calls != trace.calls) return "ITS PROXY IS ASKED OTHERWISE";
+    if (floor == nullptr) return "";
+    const Trace floorTrace = TraceOf(floor);
+    if (floorTrace.calls != trace.calls) return "ITS FLOOR ASKS OTHERWISE";
+    return floorTrace.lines == trace.lines ? "" : "ITS FLOOR LOGS OTHERWISE";
 }
 
 /** Where a shape is judged by a ratio, the medians are of more repetitions. */
@@ -211,18 +251,20 @@ void Measure(const Options& options, const JavaCalls& java, const BareCalls& bar
     for (Row& row : *rows) {
         const Run call = java.Of("ofLibrary", row.method);
         const Run floor = java.Of("ofFloor", row.method);
-        const auto proxy = bare.find(row.method);
-        if (call == nullptr || proxy == bare.end()) continue;  // its row says so
+        const auto found = bare.find(row.method);
+        const Run proxy = found == bare.end() ? nullptr : Repeat(found->second);
+        row.fault = FaultOf(call, proxy, floor);
+        if (!row.fault.empty()) continue;
         const int repetitions = floor == nullptr ? 9 : 61;
         if (floor != nullptr) pass.Add(&row, "floor", &row.floor, floor, repetitions, LogToNowhere);
         pass.Add(&row, "java", &row.java, call, repetitions, LogToNowhere);
-        pass.Add(&row, "proxy", &row.proxy, Repeat(proxy->second), 9, LogToNowhere);
+        pass.Add(&row, "proxy", &row.proxy, proxy, 9, LogToNowhere);
         pass.Add(&row, "java with log", &row.javaWithLog, call, 9, LogByDefault);
     }
     pass.Run();
 }
 
-// Both passes see what they measure loaded by the same class loader; the device changes below it.
+/** First with all services over AIDL, then, with both libraries loaded anew, over HIDL. */
 std::vector<Row> MeasureCalls(JNIEnv* env, const Options& options) {
     Progress::FindTerminal();
     const int quiet = open("/dev/null", O_WRONLY | O_CLOEXEC);
@@ -259,7 +301,7 @@ struct Verdict {
 };
 
 Verdict Judge(const Row& row) {
-    if (!row.java.there) return {"NO ROW: Calls.java, aidl_calls.cpp and hidl_calls.cpp", true};
+    if (!row.fault.empty()) return {row.fault, true};
     if (!row.floor.there) return {"no floor", false};
     const OnPurpose onPurpose = FindOnPurpose(row);
     if (row.java.allocations > row.floor.allocations + onPurpose.allocations) {
@@ -397,9 +439,7 @@ int Main(const Options& options) {
     }
     std::vector<Row> rows = MeasureCalls(StartVm(), options);
     Demand(!rows.empty(), "no method has such a name");
-    std::stable_sort(rows.begin(), rows.end(), [](const Row& first, const Row& second) {
-        return !(first.Added() <= second.Added());  // those without figures at the top
-    });
+    std::stable_sort(rows.begin(), rows.end());
     printf("%s, %u cores\n", Machine().c_str(), std::thread::hardware_concurrency());
     PrintTable(rows);
     PrintGoals(rows);
