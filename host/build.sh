@@ -15,9 +15,19 @@ if [ -n "$configured" ] && ! [ "$configured" -ef . ]; then
 fi
 
 mkdir -p "$build"
-# What was configured for the demo, where no test library was installed, has no tests yet.
-if [ ! -f "$build/build.ninja" ] || [ CMakePresets.json -nt "$build/build.ninja" ] ||
-    { [ $# = 1 ] && ! grep -q '^build kalvorn_tests:' "$build/build.ninja"; }; then
+# What was configured for the demo, where no library for tests and measurements was installed, lacks
+# them.
+wanted=("${@:2}")
+if [ $# = 1 ]; then
+    wanted=(kalvorn_tests)
+    [ "$preset" != host ] || wanted+=(kalvorn_bench)
+fi
+lacks_wanted() {
+    local target
+    for target in "${wanted[@]}"; do grep -q "^build $target:" "$build/build.ninja" || return 0; done
+    return 1
+}
+if [ ! -f "$build/build.ninja" ] || [ CMakePresets.json -nt "$build/build.ninja" ] || lacks_wanted; then
     cmake --preset "$preset" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
 fi
 # How far ninja is, on one line; nothing when there is nothing to build.

@@ -110,11 +110,11 @@ check_java() {
 check_command() {
     local packed asked
     expect_files "$(texts wrapper)"
-    packed=$(texts srcs | find_lines -E '^[^*]+\.java$')
-    expect_files "$packed"
-    asked=$(grep -rhoE '"/[^"]+\.java"' ctl | tr -d '"' | sort -u)
-    expect_same "The contract in the jar (<), and where kalvornctl looks for it (>)" \
-        "${packed#"$(texts path)"}" "$asked"
+    mapfile -t packed < <(texts srcs | find_lines -E '^[^*]+\.(java|txt)$')
+    expect_files "${packed[@]}"
+    asked=$(grep -rhoE '"/com/[^"]+"' ctl --include=*.java | tr -d '"' | sort -u)
+    expect_same "What the jar has besides classes (<), and what kalvornctl looks for there (>)" \
+        "$(printf '%s\n' "${packed[@]}" | sed -E "s,^($(texts path | paste -sd '|'))/,/," | sort)" "$asked"
 }
 
 check_linking() {
@@ -208,7 +208,7 @@ check_source_lists
 check_flags
 check_modules
 check_java
-[ ! -d ctl ] || check_command
+check_command
 check_linking
 check_libraries
 check_include_lines

@@ -9,6 +9,7 @@ failed=0
 java=java/com/quorvin/kalvornii/KvNativeInterface.java
 demo=host/demo/com/quorvin/kalvornii/demo/RunningTest.java
 table=ctl/com/quorvin/kalvornii/ctl/Services.java
+calls=benchmarks/java/com/quorvin/kalvornii/bench/Calls.java
 
 # every NAMES PLACE WHAT: each of these names is in that place's.
 every() {
@@ -26,10 +27,11 @@ names() {
 }
 
 check_methods() {
-    local declared table asking tested cases called
+    local declared table asking on_both tested cases called
     declared=$(names '\bnative [^ ]+ [A-Za-z0-9]+\(' "$java")
     table=$(names '^[A-Z_]+\( *[A-Za-z0-9]+,' jni/methods.inc)
     asking=$(names '^(TWO_BACKENDS|AIDL_ONLY)\( *[A-Za-z0-9]+,' jni/methods.inc)
+    on_both=$(names '^TWO_BACKENDS\( *[A-Za-z0-9]+,' jni/methods.inc)
     tested=$(names '^    \{"[a-z_]+", "[A-Za-z0-9]+"' tests/every_method_test.cpp)
     cases=$(find tests -name '*_test.cpp' ! -name every_method_test.cpp -exec cat {} + |
         names '"[A-Za-z0-9]+"' | uniq)
@@ -42,6 +44,11 @@ check_methods() {
     every "$declared" "$cases" "No case in the test of its topic, tests/*_test.cpp, calls"
     every "$declared" "$called" "The demo never calls; the place is $demo"
     every "$declared" "$(names '^[A-Za-z0-9]+' ctl/every_method.calls)" "ctl/every_method.calls does not call"
+    every "$asking" "$(names 'LIBRARY\.[A-Za-z0-9]+\(' "$calls")" "$calls has no call of"
+    every "$asking" "$(names '^ +\{"[A-Za-z0-9]+"' benchmarks/aidl_calls.cpp)" \
+        "benchmarks/aidl_calls.cpp has no row for"
+    every "$on_both" "$(names '^ +\{"[A-Za-z0-9]+"' benchmarks/hidl_calls.cpp)" \
+        "benchmarks/hidl_calls.cpp has no row for"
 }
 
 check_services() {

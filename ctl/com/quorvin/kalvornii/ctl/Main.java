@@ -53,7 +53,7 @@ public final class Main {
     }
 
     private static int help(Console console) {
-        console.out.print(Resource.read("help.txt"));
+        console.out.print(Resource.read("/com/quorvin/kalvornii/ctl/help.txt"));
         return DONE;
     }
 }

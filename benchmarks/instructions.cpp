@@ -1,0 +1,200 @@
+// Calls the library's native methods, and the floor's, without a virtual machine: the JNI functions
+// are a table of our own, which does next to nothing. What is to be counted stands between two
+// calls of Mark(); the names of what is counted are printed in that order. instructions.sh counts.
+
+#include <android/log.h>
+#include <dlfcn.h>
+#include <jni.h>
+#include <link.h>
+#include <stdint.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "arguments.h"
+
+extern "C" __attribute__((noinline, visibility("default"))) void Mark() {
+    asm volatile("");
+}
+
+namespace bench {
+
+namespace {
+
+constexpr int kUncounted = 3;  // what is done once only is behind a method then
+constexpr int kCounted = 10;
+
+std::map<std::string, JNINativeMethod> g_registered;
+jint g_pair[2];
+
+// Every text is one, and an object is as good as another.
+void* AnyObject() {
+    return const_cast<char*>(kText);
+}
+
+JNINativeInterface MakeFunctions() {
+    JNINativeInterface f{};
+    f.FindClass = [](JNIEnv*, const char*) { return static_cast<jclass>(AnyObject()); };
+    f.RegisterNatives = [](JNIEnv*, jclass, const JNINativeMethod* methods, jint count) {
+        g_registered.clear();
+        for (jint i = 0; i < count; i++) g_registered[methods[i].name] = methods[i];
+        return JNI_OK;
+    };
+    f.ExceptionClear = [](JNIEnv*) {};
+    f.GetStringUTFChars = [](JNIEnv*, jstring, jboolean*) { return kText; };
+    f.ReleaseStringUTFChars = [](JNIEnv*, jstring, const char*) {};
+    f.GetStringUTFLength = [](JNIEnv*, jstring) { return static_cast<jsize>(strlen(kText)); };
+    f.NewStringUTF = [](JNIEnv*, const char*) { return static_cast<jstring>(AnyObject()); };
+    f.NewIntArray = [](JNIEnv*, jsize) { return static_cast<jintArray>(AnyObject()); };
+    f.GetIntArrayElements = [](JNIEnv*, jintArray, jboolean*) { return g_pair; };
+    f.ReleaseIntArrayElements = [](JNIEnv*, jintArray, jint*, jint) {};
+    f.GetArrayLength = [](JNIEnv*, jarray) { return static_cast<jsize>(sizeof(kBytes)); };
+    f.GetByteArrayElements = [](JNIEnv*, jbyteArray, jboolean*) {
+        static jbyte bytes[sizeof(kBytes)];
+        memcpy(bytes, kBytes, sizeof(kBytes));
+        return bytes;
+    };
+    f.ReleaseByteArrayElements = [](JNIEnv*, jbyteArray, jbyte*, jint) {};
+    f.GetFieldID = [](JNIEnv*, jclass, const char*, const char*) {
+        return static_cast<jfieldID>(AnyObject());
+    };
+    f.GetIntField = [](JNIEnv*, jobject, jfieldID) { return jint{kNumber}; };
+    f.GetObjectField = [](JNIEnv*, jobject, jfieldID) { return static_cast<jobject>(AnyObject()); };
+    f.GetStaticFieldID = f.GetFieldID;
+    f.SetStaticObjectField = [](JNIEnv*, jclass, jfieldID, jobject) {};
+    return f;
+}
+
+const JNINativeInterface g_functions = MakeFunctions();
+JNIEnv g_env{&g_functions};
+
+JavaVM* Vm() {
+    static JNIInvokeInterface functions{};
+    functions.GetEnv = [](JavaVM*, void** env, jint) {
+        *env = &g_env;
+        return JNI_OK;
+    };
+    static JavaVM vm{&functions};
+    return &vm;
+}
+
+/** The arguments as the descriptor wants them; each takes one word. */
+std::vector<intptr_t> ArgumentsFor(const char* descriptor) {
+    std::vector<intptr_t> words;
+    for (const char* p = descriptor + 1; *p != ')'; p++) {
+        words.push_back(*p == 'I' ? kNumber : reinterpret_cast<intptr_t>(AnyObject()));
+        if (*p == '[') p++;
+        if (*p == 'L') p = strchr(p, ';');
+    }
+    words.resize(4);  // as many as any method has
+    return words;
+}
+
+void Call(const JNINativeMethod& method, int times) {
+    using Function = intptr_t(JNIEnv*, jobject, intptr_t, intptr_t, intptr_t, intptr_t);
+    auto* function = reinterpret_cast<Function*>(method.fnPtr);
+    const std::vector<intptr_t> words = ArgumentsFor(method.signature);
+    for (int i = 0; i < times; i++) {
+        function(&g_env, nullptr, words[0], words[1], words[2], words[3]);
+    }
+}
+
+constexpr const char* kAsking[] = {
+#define TWO_BACKENDS(javaName, name, query, priority, signature) #javaName,
+#define AIDL_ONLY(javaName, name, signature) #javaName,
+#define LOCAL(javaName, name, signature)
+#define DEVIATING(javaName, name, signature)
+#include "jni/methods.inc"
+};
+
+constexpr const char* kAidlOnly[] = {
+#define TWO_BACKENDS(javaName, name, query, priority, signature)
+#define AIDL_ONLY(javaName, name, signature) #javaName,
+#define LOCAL(javaName, name, signature)
+#define DEVIATING(javaName, name, signature)
+#include "jni/methods.inc"
+};
+
+bool Has(Backend backend, const char* method) {
+    if (g_registered.count(method) == 0) return false;
+    for (const char* name : kAidlOnly) {
+        if (backend == Backend::kHidl && strcmp(name, method) == 0) return false;
+    }
+    return true;
+}
+
+/** Where a library's code, or a function, is; for who counts by addresses. */
+void PrintRange(const char* name, uintptr_t start, size_t size) {
+    printf("range %s 0x%zx+0x%zx\n", name, static_cast<size_t>(start), size);
+}
+
+int PrintRangeOfLibrary(dl_phdr_info* info, size_t, void*) {
+    const char* file = strrchr(info->dlpi_name, '/');
+    if (file == nullptr) return 0;
+    for (const char* name : {"lib_kalvorn.so", "libkalvorn_floor.so"}) {
+        if (strcmp(file + 1, name) != 0) continue;
+        for (int i = 0; i < info->dlpi_phnum; i++) {
+            const auto& header = info->dlpi_phdr[i];
+            if (header.p_type == PT_LOAD && (header.p_flags & PF_X) != 0) {
+                PrintRange(name, info->dlpi_addr + header.p_vaddr, header.p_memsz);
+            }
+        }
+    }
+    return 0;
+}
+
+template <typename Function>
+Function* EntryPoint(void* library, const char* name) {
+    void* found = library == nullptr ? nullptr : dlsym(library, name);
+    if (found == nullptr) {
+        fprintf(stderr, "%s\n", dlerror());
+        exit(2);
+    }
+    return reinterpret_cast<Function*>(found);
+}
+
+void CallAll(Backend backend, void* library, const char* file) {
+    StartDevice(backend);
+    if (EntryPoint<jint(JavaVM*, void*)>(library, "JNI_OnLoad")(Vm(), nullptr) < 0) exit(2);
+    for (const char* method : kAsking) {
+        if (!Has(backend, method)) continue;
+        Call(g_registered[method], kUncounted);
+        Mark();
+        Call(g_registered[method], kCounted);
+        Mark();
+        printf("calls %d %s %s %s\n", kCounted, file, NameOf(backend), method);
+    }
+    EntryPoint<void(JavaVM*, void*)>(library, "JNI_OnUnload")(Vm(), nullptr);
+}
+
+}  // namespace
+
+}  // namespace bench
+
+/** With "where" it tells the addresses only. */
+int main(int argc, char** argv) {
+    using bench::Backend;
+    setvbuf(stdout, nullptr, _IOLBF, 0);
+    __android_log_set_minimum_priority(ANDROID_LOG_VERBOSE);
+    __android_log_set_logger([](const __android_logger_data*, const char*) {});
+    const std::string program = argv[0];
+    const std::string folder = program.substr(0, program.rfind('/') + 1);
+    std::map<std::string, void*> libraries;
+    for (const char* file : {"lib_kalvorn.so", "libkalvorn_floor.so"}) {
+        libraries[file] = dlopen((folder + file).c_str(), RTLD_NOW);
+    }
+    dl_iterate_phdr(bench::PrintRangeOfLibrary, nullptr);
+    bench::PrintRange("mark", reinterpret_cast<uintptr_t>(Mark) & ~uintptr_t{1}, 1);
+    if (argc > 1 && strcmp(argv[1], "where") == 0) return 0;
+    for (const Backend backend : {Backend::kAidl, Backend::kHidl}) {
+        for (const auto& [file, library] : libraries) {
+            bench::CallAll(backend, library, file.c_str());
+        }
+    }
+    fflush(stdout);
+    _Exit(0);
+}

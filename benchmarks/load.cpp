@@ -1,0 +1,190 @@
+#include "load.h"
+
+#include <android/log.h>
+#include <dlfcn.h>
+#include <stdio.h>
+#include <string.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <fstream>
+#include <sstream>
+
+#include "bare_calls.h"
+#include "machine.h"
+
+namespace bench {
+
+namespace {
+
+using kalvorn::device::Device;
+
+using Clock = std::chrono::steady_clock;
+
+double Microseconds(Clock::time_point from, Clock::time_point to) {
+    return std::chrono::duration<double, std::micro>(to - from).count();
+}
+
+template <typename Action>
+double Microseconds(Action action) {
+    const auto start = Clock::now();
+    action();
+    return Microseconds(start, Clock::now());
+}
+
+// The connectors begin at the first line that this thread logs, and end at the last.
+thread_local Clock::time_point t_firstLine, t_lastLine;
+
+void LogTimes() {
+    __android_log_set_logger([](const __android_logger_data*, const char*) {
+        t_lastLine = Clock::now();
+        if (t_firstLine == Clock::time_point()) t_firstLine = t_lastLine;
+    });
+}
+
+struct Load {
+    double connectors, registration;
+};
+
+template <typename Action>
+Load Measure(Action load) {
+    t_firstLine = {};
+    load();
+    return {Microseconds(t_firstLine, t_lastLine), Microseconds(t_lastLine, Clock::now())};
+}
+
+/** The sum of this field over the mappings of the file, in KiB. */
+long SumOfMappings(const char* file, const std::string& field) {
+    std::ifstream smaps("/proc/self/smaps");
+    long sum = 0;
+    bool isOfFile = false;
+    for (std::string line; std::getline(smaps, line);) {
+        if (line.find(" kB") == std::string::npos) {
+            if (line.find('-') < line.find(' ')) isOfFile = line.find(file) != std::string::npos;
+        } else if (isOfFile && line.compare(0, field.size(), field) == 0) {
+            sum += strtol(line.c_str() + field.size(), nullptr, 10);
+        }
+    }
+    return sum;
+}
+
+long ResidentKib() {
+    std::ifstream statm("/proc/self/statm");
+    long total = 0, resident = 0;
+    statm >> total >> resident;
+    return resident * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+void LookUp(Backend backend) {
+    const auto& services = Device::Services();
+    const auto expected =
+            std::count_if(services.begin(), services.end(), [backend](const std::string& service) {
+                return Device::Get().IsRunning(backend, service);
+            });
+    Demand((backend == Backend::kAidl ? LookUpAidl() : LookUpHidl()) == expected,
+           "aidl_calls.cpp or hidl_calls.cpp does not look every service up");
+}
+
+void DieAndRestart() {
+    Device::Get().KillProcess("factory");
+    Device::Get().RestartProcess("factory");
+    Demand(Device::Settle(), "the services do not come back");
+}
+
+void LoadLibrary(JNIEnv* env, Backend backend) {
+    const long residentBefore = ResidentKib();
+    const double map =
+            Microseconds([] { dlopen(KALVORN_LIBRARY_PATH "/lib_kalvorn.so", RTLD_NOW); });
+    Load first{};
+    const double load = Microseconds([&first, env] {
+        first = Measure([env] {
+            Demand(env->FindClass("com/quorvin/kalvornii/KvNativeInterface") != nullptr,
+                   "KvNativeInterface does not load");
+        });
+    });
+    const long resident = ResidentKib() - residentBefore;
+    const long touched = SumOfMappings("/lib_kalvorn.so", "Rss:");
+    const long written = SumOfMappings("/lib_kalvorn.so", "Private_Dirty:");
+    const Library library("_kalvorn");
+    library.Unload();
+    const Load again = Measure([&library] { library.Load(); });
+    const double death = Microseconds(DieAndRestart);
+    Demand(Device::Get().DeathLinks(backend, "factory") == 1, "the library did not reconnect");
+    printf("%f %f %f %f %f %f %f %ld %ld %ld\n", map, load, first.connectors, first.registration,
+           again.connectors, again.registration, death, touched, written, resident);
+}
+
+void LookUpBare(Backend backend) {
+    const double lookUps = Microseconds([backend] { LookUp(backend); });
+    const double lookUpsAgain = Microseconds([backend] { LookUp(backend); });
+    const double death = Microseconds([backend] {
+        DieAndRestart();
+        LookUp(backend);
+    });
+    printf("%f %f %f\n", lookUps, lookUpsAgain, death);
+}
+
+/** What so many processes print, the median of each figure. */
+std::vector<double> Medians(Backend backend, const char* what, int processes) {
+    std::vector<std::vector<double>> columns;
+    char program[4096] = "";
+    Demand(readlink("/proc/self/exe", program, sizeof(program) - 1) > 0, "/proc is missing");
+    setenv("KALVORN_BENCH", program, 1);  // whatever its path is made of
+    const std::string command =
+            std::string("\"$KALVORN_BENCH\" --one-load ") + NameOf(backend) + " " + what;
+    Progress progress(std::string("load ") + NameOf(backend) + " " + what, processes);
+    for (int i = 0; i < processes; i++) {
+        FILE* output = popen(command.c_str(), "r");
+        Demand(output != nullptr, "no process");
+        char line[512] = "";
+        Demand(fgets(line, sizeof(line), output) != nullptr, "a process that loads failed");
+        std::istringstream words(line);
+        size_t column = 0;
+        for (double figure = 0; words >> figure; column++) {
+            if (columns.size() <= column) columns.emplace_back();
+            columns[column].push_back(figure);
+        }
+        Demand(pclose(output) == 0, "a process that loads failed");
+        progress.Step();
+    }
+    std::vector<double> medians;
+    medians.reserve(columns.size());
+    for (const auto& figures : columns) medians.push_back(Median(figures));
+    return medians;
+}
+
+}  // namespace
+
+int RunOneLoad(const std::string& backendName, const std::string& what) {
+    const Backend backend = backendName == "aidl" ? Backend::kAidl : Backend::kHidl;
+    JNIEnv* env = StartVm();
+    LogToNowhere();
+    LogTimes();
+    StartDevice(backend);
+    if (what == "library") {
+        LoadLibrary(env, backend);
+    } else {
+        LookUpBare(backend);
+    }
+    fflush(stdout);
+    _exit(0);  // the virtual machine's own end is of no interest
+}
+
+LoadFigures MeasureLoad(Backend backend, int processes) {
+    const std::vector<double> library = Medians(backend, "library", processes);
+    const std::vector<double> bare = Medians(backend, "bare", processes);
+    Demand(library.size() == 10 && bare.size() == 3, "figures of the load are missing");
+    LoadFigures figures{};
+    figures.backend = backend;
+    const auto fill = [](const std::vector<double>& from, const std::vector<double*>& to) {
+        for (size_t i = 0; i < to.size(); i++) *to[i] = from[i];
+    };
+    fill(library, {&figures.map, &figures.load, &figures.connectors, &figures.registration,
+                   &figures.connectorsAgain, &figures.registrationAgain, &figures.death,
+                   &figures.touched, &figures.written, &figures.resident});
+    fill(bare, {&figures.lookUps, &figures.lookUpsAgain, &figures.deathBare});
+    return figures;
+}
+
+}  // namespace bench
