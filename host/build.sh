@@ -15,6 +15,9 @@ if [ -n "$configured" ] && ! [ "$configured" -ef . ]; then
 fi
 
 mkdir -p "$build"
+# One build at a time: commands that build what they run may be started together.
+exec {lock}>"$build/lock"
+flock "$lock"
 # What was configured for the demo, where no library for tests and measurements was installed, lacks
 # them.
 wanted=("${@:2}")

@@ -16,12 +16,14 @@ declare -A lists=(
     [fuzz]="android-liblog-dev clang libclang-rt-14-dev"
 )
 
-missing=()
+wanted=()
 for list in "$@"; do
-    for package in ${lists[$list]}; do
-        state=$(dpkg-query -W -f='${Status}' "$package" 2>/dev/null || true)
-        [ "$state" = "install ok installed" ] || missing+=("$package")
-    done
+    for package in ${lists[$list]}; do wanted+=("$package"); done
+done
+installed=$(dpkg-query -W -f='${Status} ${Package} \n' "${wanted[@]}" 2>/dev/null || true)
+missing=()
+for package in "${wanted[@]}"; do
+    [[ $installed == *"install ok installed $package "* ]] || missing+=("$package")
 done
 [ ${#missing[@]} -eq 0 ] && exit 0
 

@@ -102,12 +102,12 @@ END
 
 # What a shell may give, as an argument and on a line, comes back as it was.
 check_texts() {
-    local text
+    local i
     local -a texts=('' ' two  blanks ' 'a "quoted" b' "it's" '\' '#no comment' '=' '-v' '--json' \
         'Prüfstand 測試' '$HOME' '*')
-    for text in "${texts[@]}"; do
-        ends 0 "$ctl" call -v setwificommand "$text" x
-        holds "the text \"$text\"" "setWifiCommand, testScene:$text, cmd:x, buf" err
+    for ((i = 0; i < ${#texts[@]}; i += 2)); do
+        ends 0 "$ctl" call -v setwificommand "${texts[@]:i:2}"
+        holds "two texts" "setWifiCommand, testScene:${texts[i]}, cmd:${texts[i + 1]}, buf" err
     done
     ends 0 "$ctl" call -v setwificommand '\null' x
     holds "the word null" "testScene:null," err
