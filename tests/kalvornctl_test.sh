@@ -84,7 +84,7 @@ check_statuses() {
 1|an argument is null, or the factory service is absent|call settestresult null 3
 2|id: a 32-bit number|call gettestresult x
 2|  String nativeGetTestResult(int id)|call gettestresult
-2|one argument too many|call getboardname --json
+2|one argument too many (options stand before METHOD|call getboardname --json
 2|data: two hexadecimal digits a byte|call mcu 1 2 abc
 2|the fields are version, commandId|call bigdataoperation x=1
 2|is in the names of 3 methods|call hertz

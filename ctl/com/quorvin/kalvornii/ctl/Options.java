@@ -50,8 +50,13 @@ final class Options {
             }
         }
         if (words.size() > most) {
-            throw new UsageException("\"" + words.get(most) + "\" is one word too many for \""
-                    + command + "\"");
+            throw new UsageException(tooMany(words.get(most), "word") + " for \"" + command + "\"");
         }
+    }
+
+    /** Names what is too much, and why an option may be. */
+    static String tooMany(String word, String what) {
+        return "\"" + word + "\" is one " + what + " too many"
+                + (word.startsWith("-") ? " (options stand before METHOD, FILE and WORD)" : "");
     }
 }

@@ -57,7 +57,7 @@ final class Values {
             }
         }
         if (used < words.size()) {
-            throw expected(method, "\"" + words.get(used) + "\" is one argument too many");
+            throw expected(method, Options.tooMany(words.get(used), "argument"));
         }
         return values;
     }
