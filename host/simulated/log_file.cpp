@@ -27,10 +27,11 @@ std::string Lead(const __android_logger_data& data) {
     return lead;
 }
 
+const char* g_path = "";
+
 int LogFile() {
-    const char* path = getenv("KALVORN_LOG");
-    const int file = open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
-    if (file < 0) fprintf(stderr, "simulated device: cannot write to %s\n", path);
+    const int file = open(g_path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+    if (file < 0) fprintf(stderr, "simulated device: cannot write to %s\n", g_path);
     return file;
 }
 
@@ -48,7 +49,9 @@ void WriteLines(const __android_logger_data* data, const char* message) {
 }
 
 __attribute__((constructor)) void Redirect() {
-    if (getenv("KALVORN_LOG") == nullptr) return;
+    const char* path = getenv("KALVORN_LOG");
+    if (path == nullptr) return;
+    g_path = path;
     __android_log_set_minimum_priority(ANDROID_LOG_VERBOSE);
     __android_log_set_logger(WriteLines);
 }
