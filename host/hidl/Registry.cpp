@@ -374,7 +374,9 @@ size_t HidlDeathLinkCount(const HidlService& service) {
 size_t HidlNotificationCount(const std::string& descriptor) {
     const std::lock_guard<std::mutex> lock(TheRegistry().mutex);
     size_t count = 0;
-    for (const auto& entry : TheRegistry().listeners) count += entry.name.first == descriptor;
+    for (const auto& entry : TheRegistry().listeners) {
+        count += descriptor.empty() || entry.name.first == descriptor;
+    }
     return count;
 }
 
