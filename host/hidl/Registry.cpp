@@ -77,6 +77,7 @@ struct Registry {
     const Life* knownLifeOf(const IBase* service) const;
     bool isDead(const IBase* service) const;
     void dropDeadNames(std::vector<sp<IBase>>* dropped);
+    void forgetGone(std::vector<sp<IBase>>* held);
 };
 
 /** Never destroyed: its threads and late static objects may still need it. */
@@ -109,6 +110,14 @@ void Registry::dropDeadNames(std::vector<sp<IBase>>* dropped) {
         } else {
             ++entry;
         }
+    }
+}
+
+/** Lives of objects that nobody holds any more; what was looked at is let go with the vector. */
+void Registry::forgetGone(std::vector<sp<IBase>>* held) {
+    for (auto entry = lives.begin(); entry != lives.end();) {
+        held->push_back(entry->second.service.promote());
+        entry = held->back() == nullptr ? lives.erase(entry) : std::next(entry);
     }
 }
 
@@ -239,6 +248,7 @@ sp<IBase> FindService(const char* descriptor, const std::string& instance, bool 
                 if (entry.hears(name)) messages.emplace_back(entry.listener, name);
             }
         }
+        registry.forgetGone(&replaced);
         ++registry.registrations;
         registry.changed.notify_all();
     }

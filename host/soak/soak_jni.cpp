@@ -77,6 +77,12 @@ jlong ResidentBytes() {
     return pages * sysconf(_SC_PAGESIZE);
 }
 
+/** Small blocks and those mapped by themselves. */
+jlong BytesInUse() {
+    const struct mallinfo2 heap = mallinfo2();
+    return static_cast<jlong>(heap.uordblks + heap.hblkhd);
+}
+
 jlong EntriesOf(const char* folder) {
     DIR* entries = opendir(folder);
     if (entries == nullptr) return 0;
@@ -134,7 +140,7 @@ SOAK(jboolean, groupProcesses)(JNIEnv* env, jclass, jstring grouping) {
 SOAK(void, look)(JNIEnv* env, jclass, jlongArray figures) {
     const jlong found[] = {
             ResidentBytes(),
-            static_cast<jlong>(mallinfo2().uordblks),
+            BytesInUse(),
             Device::LiveServices(),
             DeathLinks(),
             static_cast<jlong>(kalvorn::host::HidlNotificationCount("")),
@@ -146,5 +152,5 @@ SOAK(void, look)(JNIEnv* env, jclass, jlongArray figures) {
 }
 
 SOAK(jlong, bytesInUse)(JNIEnv*, jclass) {
-    return static_cast<jlong>(mallinfo2().uordblks);
+    return BytesInUse();
 }

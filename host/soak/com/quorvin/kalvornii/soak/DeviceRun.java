@@ -43,10 +43,9 @@ final class DeviceRun {
     private volatile boolean stopped;
 
     // Of the second half.
-    private long callsAlone;
-    private long bytesOfCalls;
-    private long deathsAlone;
-    private long bytesOfDeaths;
+    private final Growth ofCalls = new Growth();
+    private final Growth ofAidlDeaths = new Growth();
+    private final Growth ofHidlDeaths = new Growth();
 
     private DeviceRun(long calls, int deaths, long seed, String plant) {
         this.calls = calls;
@@ -85,7 +84,12 @@ final class DeviceRun {
         }
         boolean right = tellWrong();
         tellDurations();
-        tell("growth", callsAlone, bytesOfCalls, deathsAlone, bytesOfDeaths);
+        tell("growth", "calls", ofCalls.count(), ofCalls.typical(), ofCalls.total());
+        for (Growth growth : List.of(ofAidlDeaths, ofHidlDeaths)) {
+            if (growth.count() == 0) continue;
+            tell("growth", growth == ofAidlDeaths ? "AIDL deaths" : "HIDL deaths", growth.count(),
+                    growth.typical(), growth.total());
+        }
         tellProgress();
         tell("end", stopped ? "stopped" : "done");
         return right;
@@ -119,22 +123,21 @@ final class DeviceRun {
             crew.work(dies ? left - left / 2 : left);
             long between = Native.bytesInUse();
             if (secondHalf) {
-                callsAlone += crew.made() - callsBefore;
-                bytesOfCalls += between - before;
+                ofCalls.add(crew.made() - callsBefore, between - before);
             }
             if (dies && !isOver()) {
-                die(left / 2);
-                if (secondHalf) {
-                    deathsAlone++;
-                    bytesOfDeaths += Native.bytesInUse() - between;
-                }
+                Growth ofDeaths = die(left / 2) ? ofHidlDeaths : ofAidlDeaths;
+                if (secondHalf) ofDeaths.add(1, Native.bytesInUse() - between);
             }
             if (SAMPLES * (i + 1) / stretches > SAMPLES * i / stretches) sample();
             tellProgressNowAndThen();
         }
+        // What the last death left over.
+        if (!isOver()) crew.work(Math.max(0, calls - crew.made()));
     }
 
-    private void die(long spareCalls) {
+    /** Somebody dies and comes back; true when somebody of HIDL did. */
+    private boolean die(long spareCalls) {
         boolean all = deathsOfAll > 0;
         List<String> mortal = new ArrayList<>(situation.services);
         mortal.removeIf(service -> SimulatedDevice.runs(service) == null);
@@ -149,7 +152,7 @@ final class DeviceRun {
             dieBetweenCalls(death, spareCalls, hidlDies, all);
         }
         died++;
-        if (isOver()) return;
+        if (isOver()) return hidlDies;
         happen(death, "after");
         situation.allHealthy();
         if (hidlDies) diedOverHidl++;
@@ -158,6 +161,7 @@ final class DeviceRun {
             tell("all", died, figures[Native.LISTENERS], figures[Native.NOTIFICATIONS]);
             Native.groupProcesses("device");
         }
+        return hidlDies;
     }
 
     private void happen(Death death, String what) {

@@ -7,14 +7,15 @@ final class Crew {
     private final List<Caller> callers;
     private long order;
     private int busy;
-    private long share;
+    private long wanted;
     private long made;
     private volatile boolean enough;
 
     Crew(List<Caller> callers) {
         this.callers = callers;
-        for (Caller caller : callers) {
-            Thread thread = new Thread(() -> serve(caller), "caller");
+        for (int i = 0; i < callers.size(); i++) {
+            int index = i;
+            Thread thread = new Thread(() -> serve(index), "caller");
             thread.setDaemon(true);
             thread.start();
         }
@@ -29,7 +30,7 @@ final class Crew {
     /** Begins with at most so many calls. */
     synchronized void start(long calls) {
         enough = false;
-        share = (calls + callers.size() - 1) / callers.size();
+        wanted = calls;
         busy = callers.size();
         order++;
         notifyAll();
@@ -50,9 +51,10 @@ final class Crew {
         return made;
     }
 
-    private void serve(Caller caller) {
+    private void serve(int index) {
+        Caller caller = callers.get(index);
         for (long done = 0;; done++) {
-            long calls = next(done);
+            long calls = next(done, index);
             long count = 0;
             while (count < calls && !enough) {
                 count++;
@@ -62,9 +64,10 @@ final class Crew {
         }
     }
 
-    private synchronized long next(long done) {
+    /** The part of an order that is one caller's. */
+    private synchronized long next(long done, int index) {
         while (order == done) waitHere();
-        return share;
+        return (wanted + index) / callers.size();
     }
 
     private synchronized void finished(long count) {
