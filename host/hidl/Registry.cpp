@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <deque>
 #include <map>
 #include <mutex>
 #include <set>
@@ -69,7 +70,7 @@ struct Registry {
     bool keepsDeadNames = false;
     std::set<ServiceName> declared;
     std::map<ServiceName, sp<IBase>> services;
-    std::vector<Listener> listeners;
+    std::deque<Listener> listeners;
     std::map<const RefBase::weakref_type*, Life> lives;
     HidlThread thread;
 

@@ -19,11 +19,18 @@ final class Chart {
     private final List<String> ticks = new ArrayList<>();
     private final String unit;
     private double right = 1;
-    private double top = 1;
+    private double top;
+    private double limit = Double.MAX_VALUE;
 
     /** @param unit behind the numbers on the left, " MiB" say */
     Chart(String unit) {
         this.unit = unit;
+    }
+
+    /** What is above that is drawn at the upper edge. */
+    Chart upTo(double value) {
+        limit = value;
+        return this;
     }
 
     Chart line(String colour, double[] xs, double[] ys) {
@@ -43,11 +50,12 @@ final class Chart {
     private Chart add(Series added) {
         series.add(added);
         for (double x : added.xs) right = Math.max(right, x);
-        for (double y : added.ys) top = Math.max(top, y);
+        for (double y : added.ys) top = Math.max(top, Math.min(limit, y));
         return this;
     }
 
     String svg(String title) {
+        if (top <= 0) top = 1;
         double step = step();
         top = Math.ceil(top / step) * step;
         StringBuilder svg = new StringBuilder(String.format(Locale.ROOT,
@@ -102,7 +110,7 @@ final class Chart {
     }
 
     private double y(double value) {
-        return HEIGHT - BOTTOM - value / top * (HEIGHT - BOTTOM - TOP);
+        return HEIGHT - BOTTOM - Math.min(value, top) / top * (HEIGHT - BOTTOM - TOP);
     }
 
     static String number(double value) {

@@ -19,8 +19,8 @@ import java.util.concurrent.locks.LockSupport;
 final class DeviceRun {
     private static final int SAMPLES = 200;
     private static final int CALLERS = 2;
-    private static final int MEASURED = 500;
-    private static final int MEASUREMENTS = 3;
+    private static final int MEASURED = 100;
+    private static final int MEASUREMENTS = 7;
     private static final long PROGRESS_NS = 200_000_000;
     /** As often as the death of all services at once was played on a real platform. */
     private static final int DEATHS_OF_ALL = 40;
@@ -84,12 +84,9 @@ final class DeviceRun {
         }
         boolean right = tellWrong();
         tellDurations();
-        tell("growth", "calls", ofCalls.count(), ofCalls.typical(), ofCalls.total());
-        for (Growth growth : List.of(ofAidlDeaths, ofHidlDeaths)) {
-            if (growth.count() == 0) continue;
-            tell("growth", growth == ofAidlDeaths ? "AIDL deaths" : "HIDL deaths", growth.count(),
-                    growth.typical(), growth.total());
-        }
+        tellGrowth("calls", ofCalls);
+        tellGrowth("AIDL deaths", ofAidlDeaths);
+        tellGrowth("HIDL deaths", ofHidlDeaths);
         tellProgress();
         tell("end", stopped ? "stopped" : "done");
         return right;
@@ -232,28 +229,30 @@ final class DeviceRun {
         if (random.nextBoolean()) LockSupport.parkNanos(random.nextInt(300_000));
     }
 
-    /** What each call leaves behind; the least of several measurements has nothing else in it. */
+    /** What each call leaves behind. */
     private void measureEachCall() {
-        Caller caller = callers.get(0);
         long measured = 0;
         for (int i = 0; i < table.size() && !isOver(); i++) {
-            Call call = table.get(i);
-            long least = Long.MAX_VALUE;
+            Growth growth = new Growth();
             for (int n = 0; n < MEASUREMENTS && !isOver(); n++) {
                 long before = Native.bytesInUse();
-                caller.callUniformly(i, MEASURED);
-                least = Math.min(least, Native.bytesInUse() - before);
-                measured += MEASURED;
+                callers.get(0).callUniformly(i, MEASURED);
+                growth.add(MEASURED, Native.bytesInUse() - before);
             }
-            boolean absent = situation.may(situation.indexOf(call)) == Call.ABSENT;
-            boolean keeps = absent ? call.keeps == Call.Keeps.TEXTS_WHEN_ABSENT
-                    : call.keeps == Call.Keeps.TEXTS;
-            Backend backend = situation.backend(situation.indexOf(call));
-            String way = call.service == null ? "NO_SERVICE" : absent ? "ABSENT" : backend.name();
-            tell("kept", call.method, way, keeps, least / (double) MEASURED);
+            measured += growth.count();
+            tellKept(table.get(i), growth.typical());
             tellProgressNowAndThen();
         }
         tell("measured", measured);
+    }
+
+    private void tellKept(Call call, double bytes) {
+        int service = situation.indexOf(call);
+        boolean absent = situation.may(service) == Call.ABSENT;
+        boolean keeps = absent ? call.keeps == Call.Keeps.TEXTS_WHEN_ABSENT
+                : call.keeps == Call.Keeps.TEXTS;
+        String way = service < 0 ? "NO_SERVICE" : absent ? "ABSENT" : situation.backend(service).name();
+        tell("kept", call.method, way, keeps, bytes);
     }
 
     // What is told.
@@ -301,6 +300,11 @@ final class DeviceRun {
             right = false;
         }
         return right;
+    }
+
+    private static void tellGrowth(String what, Growth growth) {
+        if (!growth.isTypical()) return;
+        tell("growth", what, growth.count(), growth.typical(), growth.total());
     }
 
     private void tellDurations() {

@@ -8,6 +8,7 @@ import java.util.Arrays;
  */
 final class Growth {
     private static final int STRETCHES = 100_000;
+    private static final int ENOUGH = 10;
 
     private final double[] each = new double[STRETCHES];
     private int stretches;
@@ -24,6 +25,11 @@ final class Growth {
 
     long count() {
         return count;
+    }
+
+    /** Whether there are enough stretches for one to be typical. */
+    boolean isTypical() {
+        return stretches >= ENOUGH;
     }
 
     /** The median of the stretches, in bytes for each call or death. */

@@ -130,9 +130,16 @@ final class Main {
         }
     }
 
+    /** Rounded so that the devices' shares are the whole. */
     private long share(long whole, String device, int which) {
-        int all = settings.devices.stream().mapToInt(name -> SHARES.get(name)[which]).sum();
-        return all == 0 ? 0 : whole * SHARES.get(device)[which] / all;
+        long all = 0;
+        long before = 0;
+        for (String name : settings.devices) {
+            if (name.equals(device)) before = all;
+            all += SHARES.get(name)[which];
+        }
+        if (all == 0) return 0;
+        return whole * (before + SHARES.get(device)[which]) / all - whole * before / all;
     }
 
     private void soak(DeviceResult result) throws IOException {
@@ -177,7 +184,7 @@ final class Main {
                 "trap '' INT; exec \"$@\"", "soak", project.resolve("simulate").toString(),
                 "--device", device, Path.of(System.getProperty("java.home"), "bin/java").toString(),
                 "-Xms48m", "-Xmx48m", "-XX:+AlwaysPreTouch", "-XX:+UseSerialGC",
-                "-XX:TieredStopAtLevel=1", "-XX:-UsePerfData",
+                "-XX:TieredStopAtLevel=1", "-XX:-UseDynamicNumberOfCompilerThreads", "-XX:-UsePerfData",
                 "-XX:ErrorFile=" + settings.folder.resolve(device + ".crash"),
                 DeviceRun.class.getName(), String.valueOf(share(settings.calls, device, 0)),
                 String.valueOf(share(settings.deaths, device, 1)), String.valueOf(settings.seed),

@@ -69,11 +69,16 @@ final class Report {
         return kept.stream().filter(call -> !call.isExpected()).toList();
     }
 
-    /** The greatest typical growth of any device, in bytes per million calls. */
-    double growthPerMillionCalls() {
+    /** The greatest typical growth of any device in bytes; null when there were too few calls. */
+    Double growthPerMillionCalls() {
         return devices.stream().map(device -> device.growth.get("calls"))
-                .filter(grown -> grown != null).mapToDouble(grown -> grown.typical() * 1e6)
-                .max().orElse(0);
+                .filter(grown -> grown != null).map(grown -> grown.typical() * 1e6)
+                .max(Double::compare).orElse(null);
+    }
+
+    String growth() {
+        Double bytes = growthPerMillionCalls();
+        return bytes == null ? "not measured" : String.format(Locale.ROOT, "%,.0f bytes", bytes);
     }
 
     double residentMoved() {
@@ -85,7 +90,8 @@ final class Report {
     }
 
     boolean doesNotGrow() {
-        return growthPerMillionCalls() <= NOTHING * 1e6 && unexpected().isEmpty();
+        Double bytes = growthPerMillionCalls();
+        return (bytes == null || bytes <= NOTHING * 1e6) && unexpected().isEmpty();
     }
 
     Path page() {
@@ -99,11 +105,11 @@ final class Report {
 
     String summary() {
         return String.format(Locale.ROOT, """
-                %,d calls (and %,d to measure what each keeps), %,d deaths, %d wrong answers in %.0f s: %s
-                growth per million calls: %,.0f bytes; resident size of the last halves within %.2f %%
+                %,d calls (and %,d to measure what each keeps), %,d deaths, %d wrong in %.0f s: %s
+                growth per million calls: %s; resident size of the last halves within %.2f %%
                 %s
                 """, calls(), measured(), deaths(), wrong(), seconds, end,
-                growthPerMillionCalls(), residentMoved() * 100, page());
+                growth(), residentMoved() * 100, page());
     }
 
     private Map<String, Object> members() {
