@@ -102,6 +102,19 @@ final class DeviceResult {
         return samples.stream().filter(sample -> 2 * sample[CALLS] >= calls).toList();
     }
 
+    /**
+     * How many more service objects or death links there are for good than in the beginning. What a
+     * call still held when its service died goes only with the next death.
+     */
+    long referencesLeft() {
+        long left = 0;
+        for (int column : new int[] {LIVE_SERVICES, DEATH_LINKS}) {
+            long least = lastHalf().stream().mapToLong(sample -> sample[column]).min().orElse(0);
+            if (!samples.isEmpty()) left = Math.max(left, least - samples.get(0)[column]);
+        }
+        return left;
+    }
+
     /** By which share the resident size of the last half moved. */
     double residentMoved() {
         List<long[]> half = lastHalf();

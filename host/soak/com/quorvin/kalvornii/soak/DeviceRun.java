@@ -19,6 +19,8 @@ import java.util.concurrent.locks.LockSupport;
 final class DeviceRun {
     private static final int SAMPLES = 200;
     private static final int CALLERS = 2;
+    /** In calls, so that a stretch is over in an instant. */
+    private static final int LONGEST = 10_000;
     private static final int MEASURED = 100;
     private static final int MEASUREMENTS = 7;
     private static final long PROGRESS_NS = 200_000_000;
@@ -107,7 +109,7 @@ final class DeviceRun {
 
     /** The calls come in stretches with every answer as in health, with deaths in between. */
     private void playCallsAndDeaths() {
-        long stretches = Math.max(deaths, SAMPLES);
+        long stretches = Math.max(calls / LONGEST, Math.max(deaths, SAMPLES));
         if (deathsOfAll > 0) Native.groupProcesses("one");
         sample();
         for (long i = 0; i < stretches && !isOver(); i++) {

@@ -85,6 +85,10 @@ final class Report {
         return devices.stream().mapToDouble(DeviceResult::residentMoved).max().orElse(0);
     }
 
+    long referencesLeft() {
+        return devices.stream().mapToLong(DeviceResult::referencesLeft).max().orElse(0);
+    }
+
     boolean isFlat() {
         return residentMoved() <= FLAT;
     }
@@ -106,10 +110,10 @@ final class Report {
     String summary() {
         return String.format(Locale.ROOT, """
                 %,d calls (and %,d to measure what each keeps), %,d deaths, %d wrong in %.0f s: %s
-                growth per million calls: %s; resident size of the last halves within %.2f %%
+                growth per million calls: %s; references left by deaths: %d; resident size of the last halves within %.2f %%
                 %s
                 """, calls(), measured(), deaths(), wrong(), seconds, end,
-                growth(), residentMoved() * 100, page());
+                growth(), referencesLeft(), residentMoved() * 100, page());
     }
 
     private Map<String, Object> members() {
@@ -124,6 +128,7 @@ final class Report {
         members.put("wrongAnswers", wrong());
         members.put("growthPerMillionCalls", growthPerMillionCalls());
         members.put("residentMoved", residentMoved());
+        members.put("referencesLeft", referencesLeft());
         members.put("isFlat", isFlat());
         members.put("doesNotGrow", doesNotGrow());
         members.put("keepsUnexpectedly",
