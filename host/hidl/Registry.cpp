@@ -3,7 +3,6 @@
 
 #include <chrono>
 #include <condition_variable>
-#include <deque>
 #include <map>
 #include <mutex>
 #include <set>
@@ -25,15 +24,11 @@ using ::android::hardware::hidl_death_recipient;
 /** Descriptor and instance. */
 using ServiceName = std::pair<std::string, std::string>;
 
-struct Listener {
-    ServiceName name;  // an empty instance stands for all
-    sp<IServiceNotification> listener;
-
-    bool hears(const ServiceName& registered) const {
-        return name.first == registered.first &&
-               (name.second.empty() || name.second == registered.second);
-    }
-};
+/** Whether who listens for this hears of a registration; an empty instance stands for all. */
+bool Hears(const ServiceName& listened, const ServiceName& registered) {
+    return listened.first == registered.first &&
+           (listened.second.empty() || listened.second == registered.second);
+}
 
 struct DeathLink {
     wp<hidl_death_recipient> recipient;
@@ -70,7 +65,7 @@ struct Registry {
     bool keepsDeadNames = false;
     std::set<ServiceName> declared;
     std::map<ServiceName, sp<IBase>> services;
-    std::deque<Listener> listeners;
+    std::map<ServiceName, std::vector<sp<IServiceNotification>>> listeners;
     std::map<const RefBase::weakref_type*, Life> lives;
     HidlThread thread;
 
@@ -245,8 +240,9 @@ sp<IBase> FindService(const char* descriptor, const std::string& instance, bool 
         for (const std::string& descriptor : descriptors) {
             const ServiceName name(descriptor, instance);
             replaced.push_back(std::exchange(registry.services[name], service));
-            for (const Listener& entry : registry.listeners) {
-                if (entry.hears(name)) messages.emplace_back(entry.listener, name);
+            for (const auto& [listened, listeners] : registry.listeners) {
+                if (!Hears(listened, name)) continue;
+                for (const auto& listener : listeners) messages.emplace_back(listener, name);
             }
         }
         registry.forgetGone(&replaced);
@@ -261,13 +257,13 @@ bool AddListener(const char* descriptor, const std::string& instance,
                  const sp<IServiceNotification>& listener) {
     if (listener == nullptr) return false;
     Registry& registry = TheRegistry();
-    const Listener added{{descriptor, instance}, listener};
+    const ServiceName listened(descriptor, instance);
     std::vector<ServiceName> present;
     {
         const std::lock_guard<std::mutex> lock(registry.mutex);
-        registry.listeners.push_back(added);
+        registry.listeners[listened].push_back(listener);
         for (const auto& [name, service] : registry.services) {
-            if (added.hears(name)) present.push_back(name);
+            if (Hears(listened, name)) present.push_back(name);
         }
     }
     for (const ServiceName& name : present) PostRegistration(listener, name, true);
@@ -385,8 +381,8 @@ size_t HidlDeathLinkCount(const HidlService& service) {
 size_t HidlNotificationCount(const std::string& descriptor) {
     const std::lock_guard<std::mutex> lock(TheRegistry().mutex);
     size_t count = 0;
-    for (const auto& entry : TheRegistry().listeners) {
-        count += descriptor.empty() || entry.name.first == descriptor;
+    for (const auto& [listened, listeners] : TheRegistry().listeners) {
+        if (descriptor.empty() || listened.first == descriptor) count += listeners.size();
     }
     return count;
 }
