@@ -8,6 +8,7 @@ failed=0
 
 java=java/com/quorvin/kalvornii/KvNativeInterface.java
 demo=host/demo/com/quorvin/kalvornii/demo/RunningTest.java
+soak=host/soak/com/quorvin/kalvornii/soak/Calls.java
 
 # every NAMES PLACE WHAT: each of these names is in that place's.
 every() {
@@ -25,7 +26,7 @@ names() {
 }
 
 check_methods() {
-    local declared table asking tested cases called
+    local declared table asking tested cases called soaked
     declared=$(names '\bnative [^ ]+ [A-Za-z0-9]+\(' "$java")
     table=$(names '^[A-Z_]+\( *[A-Za-z0-9]+,' jni/methods.inc)
     asking=$(names '^(TWO_BACKENDS|AIDL_ONLY)\( *[A-Za-z0-9]+,' jni/methods.inc)
@@ -33,6 +34,7 @@ check_methods() {
     cases=$(find tests -name '*_test.cpp' ! -name every_method_test.cpp -exec cat {} + |
         names '"[A-Za-z0-9]+"' | uniq)
     called=$(names '"[A-Za-z0-9]+"' "$demo" | uniq)
+    soaked=$(names '"[A-Za-z0-9]+"' "$soak" | uniq)
 
     every "$declared" "$table" "$java declares, but jni/methods.inc has no row for"
     every "$table" "$declared" "jni/methods.inc has a row too many, or $java does not declare"
@@ -40,6 +42,7 @@ check_methods() {
     every "$tested" "$asking" "kRows in tests/every_method_test.cpp has a row too many for"
     every "$declared" "$cases" "No case in the test of its topic, tests/*_test.cpp, calls"
     every "$declared" "$called" "The demo never calls; the place is $demo"
+    every "$declared" "$soaked" "The soak never calls; the place is $soak"
 }
 
 check_services() {

@@ -164,7 +164,7 @@ final class Caller {
         return durations[chosen][way.ordinal()];
     }
 
-    /** The method with a wrong answer, a tab, and what was wrong; null as long as all were right. */
+    /** The method with a wrong answer, a tab, and what was wrong; null while all are right. */
     String wrong() {
         return wrong;
     }

@@ -165,8 +165,8 @@ final class Calls {
     }
 
     private void addDisplays() {
-        text("nativeDisplayTest", "display", "shown", "", (kv, c) -> kv.nativeDisplayTest(c.first()))
-                .keeping(Call.Keeps.TEXTS);
+        text("nativeDisplayTest", "display", "shown", "",
+                (kv, c) -> kv.nativeDisplayTest(c.first())).keeping(Call.Keeps.TEXTS);
         text("nativeDisplayGeneralTest", "display_factory", "ok", "",
                 (kv, c) -> kv.nativeDisplayGeneralTest(c.first())).keeping(Call.Keeps.TEXTS);
         number("nativeSetEndTimeOfAgeing", "display", 0, 0,
@@ -195,12 +195,12 @@ final class Calls {
         String s = "satellite";
         text("nativeChipTtTestCp", s, "cp ok", "", (kv, c) -> kv.nativeChipTtTestCp(c.first()))
                 .keeping(Call.Keeps.TEXTS);
-        text("nativeChipTtRssiTest", s, "-97 dBm", "", (kv, c) -> kv.nativeChipTtRssiTest(c.first()))
-                .keeping(Call.Keeps.TEXTS);
+        text("nativeChipTtRssiTest", s, "-97 dBm", "",
+                (kv, c) -> kv.nativeChipTtRssiTest(c.first())).keeping(Call.Keeps.TEXTS);
         text("nativeChipTtTestPa", s, "pa ok", "", (kv, c) -> kv.nativeChipTtTestPa(c.first()))
                 .keeping(Call.Keeps.TEXTS);
-        text("nativeChipTtTestPdet", s, "pdet ok", "", (kv, c) -> kv.nativeChipTtTestPdet(c.first()))
-                .keeping(Call.Keeps.TEXTS);
+        text("nativeChipTtTestPdet", s, "pdet ok", "",
+                (kv, c) -> kv.nativeChipTtTestPdet(c.first())).keeping(Call.Keeps.TEXTS);
     }
 
     private void addLocal() {
@@ -209,12 +209,13 @@ final class Calls {
                 (kv, c) -> kv.nativeSendCommandMcu(c.value(), c.value(), c.bytes));
         number("nativeUnregisterCallback", null, 0, 0,
                 (kv, c) -> kv.nativeUnregisterCallback(c.value(), c.value()));
-        // The display chip remembers one mode, 1 to 9; others would look at that of the first.
+        // The display chip remembers one mode, which others would change under the first caller.
         number("nativeSetInperpolateFrameMode", null, 0, 0,
                 (kv, c) -> kv.nativeSetInperpolateFrameMode(c.mode = 1 + c.slot, 120))
                 .onOneThread();
         number("nativeGetInperpolateFrameCurMode", null, 0, 0,
-                (kv, c) -> kv.nativeGetInperpolateFrameCurMode() - (c.mode == 0 ? 0 : c.mode * 1000 + 120))
+                (kv, c) -> kv.nativeGetInperpolateFrameCurMode()
+                        - (c.mode == 0 ? 0 : c.mode * 1000 + 120))
                 .onOneThread();
         number("nativeGetInperpolateFrameTestResult", null, 0, 0,
                 (kv, c) -> kv.nativeGetInperpolateFrameTestResult() + (c.mode == 0 ? 3 : 0))

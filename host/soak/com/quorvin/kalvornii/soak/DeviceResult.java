@@ -23,7 +23,11 @@ final class DeviceResult {
     static final int JAVA_HEAP = 11;
 
     /** How long the library took to be whole again after the nth death, and what died. */
-    record Restart(String backend, int number, long listeners, String what, long microseconds) {}
+    record Restart(String backend, int number, long listeners, String what, long microseconds) {
+        double milliseconds() {
+            return microseconds / 1000.0;
+        }
+    }
 
     /** The native memory that a call with texts of sixteen characters leaves behind. */
     record Kept(String method, String way, boolean onPurpose, double bytes) {

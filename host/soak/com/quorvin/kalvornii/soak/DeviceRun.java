@@ -60,7 +60,7 @@ final class DeviceRun {
         crew = new Crew(callers);
     }
 
-    /** Arguments: calls, deaths, seed, the file for the log, the service's method to plant or "". */
+    /** Arguments: calls, deaths, seed, the log's file, the service's method to plant or "". */
     public static void main(String[] arguments) {
         if (!Native.keepLog(arguments[3])) {
             throw new IllegalStateException("cannot write " + arguments[3]);
@@ -116,7 +116,9 @@ final class DeviceRun {
             long left = Math.max(0, calls * (i + 1) / stretches - crew.made());
             boolean dies = deaths * (i + 1) / stretches > deaths * i / stretches;
             boolean secondHalf = i >= stretches / 2;
-            if (!plant.isEmpty() && i == stretches / 2) SimulatedDevice.answer(plant, 4711, "planted");
+            if (!plant.isEmpty() && i == stretches / 2) {
+                SimulatedDevice.answer(plant, 4711, "planted");
+            }
             long before = Native.bytesInUse();
             long callsBefore = crew.made();
             crew.work(dies ? left - left / 2 : left);
@@ -253,7 +255,8 @@ final class DeviceRun {
         boolean absent = situation.may(service) == Call.ABSENT;
         boolean keeps = absent ? call.keeps == Call.Keeps.TEXTS_WHEN_ABSENT
                 : call.keeps == Call.Keeps.TEXTS;
-        String way = service < 0 ? "NO_SERVICE" : absent ? "ABSENT" : situation.backend(service).name();
+        String way = service < 0 ? "NO_SERVICE" : absent ? "ABSENT"
+                : situation.backend(service).name();
         tell("kept", call.method, way, keeps, bytes);
     }
 

@@ -65,7 +65,7 @@ final class Histogram {
         return histogram;
     }
 
-    // The first sixteen steps are one nanosecond each, the following sixteen too, then two, four ...
+    // The first sixteen steps are one nanosecond each, and so are the next; then two, four ...
     private static int step(long nanoseconds) {
         long value = Math.max(0, nanoseconds);
         if (value < STEPS) return (int) value;

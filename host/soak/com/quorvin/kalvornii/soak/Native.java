@@ -19,7 +19,7 @@ final class Native {
 
     private Native() {}
 
-    /** From now on the last hundred lines of the log are in this file; false when they cannot be. */
+    /** From now on this file has the last hundred lines of the log; false when it cannot be. */
     static native boolean keepLog(String path);
 
     /** The file stays as it is. */

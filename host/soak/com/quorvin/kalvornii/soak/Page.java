@@ -18,8 +18,9 @@ final class Page {
             h1 { font-size: 1.6em; margin-bottom: 0; } h2 { margin: 2em 0 .4em; font-size: 1.2em; }
             p { max-width: 62em; } .quiet { color: #5b6675; }
             .facts { display: flex; flex-wrap: wrap; gap: 1em; margin: 1.2em 0; }
-            .facts div { border: 1px solid #d5dbe3; border-top: 4px solid #2e8540; padding: .6em 1em;
-                         border-radius: 4px; } .facts .bad { border-top-color: #c2371f; }
+            .facts div { border: 1px solid #d5dbe3; border-top: 4px solid #2e8540;
+                         border-radius: 4px; padding: .6em 1em; }
+            .facts .bad { border-top-color: #c2371f; }
             .facts b { display: block; font-size: 1.5em; }
             .charts { display: grid; gap: .3em 1em; align-items: center; }
             .charts h3 { margin: 0; font-size: .95em; } svg { width: 100%; height: auto; }
@@ -110,16 +111,18 @@ final class Page {
     }
 
     private void devices() {
-        put("<h2>Over calls and deaths</h2><p>Each device has a process of its own, one after the "
-                + "other, in which two threads call. In the beginning all services die at once, then "
-                + "single ones and processes with several. The Java heap has a fixed size, all of it "
-                + "is touched at the start, and its collector returns nothing; freed native memory is "
-                + "not kept apart for each thread. What grows is the library, the simulated device or "
-                + "the virtual machine's own memory; the steps in the native heap are the latter, whose "
-                + "compiler takes and gives by the megabyte. The table therefore tells what the typical "
-                + "stretch of calls, and the typical death, left behind.</p>");
-        put("<div class=\"charts\" style=\"grid-template-columns: 9em repeat(%d, minmax(0, 340px))\">",
-                report.devices.size());
+        put("""
+                <h2>Over calls and deaths</h2>
+                <p>Each device has a process of its own, one after the other, in which two threads
+                call. In the beginning all services die at once, then single ones and processes with
+                several. The Java heap has a fixed size, all of it is touched at the start, and its
+                collector returns nothing; freed native memory is not kept apart for each thread.
+                What grows is the library, the simulated device or the virtual machine's own memory;
+                the steps in the native heap are the latter, whose compiler takes and gives by the
+                megabyte. The table therefore tells what the typical stretch of calls, and the
+                typical death, left behind.</p>""");
+        put("<div class=\"charts\" style=\"grid-template-columns: "
+                + "9em repeat(%d, minmax(0, 340px))\">", report.devices.size());
         put("<span></span>");
         for (DeviceResult device : report.devices) put("<h3>%s</h3>", device.device);
         row("Resident size", DeviceResult.RESIDENT, " MiB", MEBIBYTE);
@@ -130,9 +133,10 @@ final class Page {
         row("Threads", DeviceResult.THREADS, "", 1);
         row("File descriptors", DeviceResult.FILES, "", 1);
         put("</div>");
-        put("<table><tr><th class=\"t\">last half</th><th>resident moved by</th><th class=\"t\">of</th>"
-                + "<th>count</th><th>typical bytes each</th><th>all bytes, with the virtual "
-                + "machine's</th></tr>");
+        put("""
+                <table><tr><th class="t">last half</th><th>resident moved by</th>
+                <th class="t">of</th><th>count</th><th>typical bytes each</th>
+                <th>all bytes, with the virtual machine's</th></tr>""");
         for (DeviceResult device : report.devices) {
             String first = "<tr class=\"new\"><td>%s</td><td>%.2f %%</td>".formatted(device.device,
                     device.residentMoved() * 100);
@@ -176,10 +180,12 @@ final class Page {
         DeviceResult device = report.devices.stream()
                 .filter(candidate -> candidate.device.equals("hidl")).findFirst().orElse(null);
         if (device == null || device.restarts.isEmpty()) return;
-        put("<h2>HIDL listeners, which add up</h2><p>Each connection of a HIDL service registers a "
-                + "listener and takes none back, on purpose; each registration of a service is told to "
-                + "all listeners of its interface. Restarts take longer with their number, as much as "
-                + "the listeners have to be told:");
+        put("""
+                <h2>HIDL listeners, which add up</h2>
+                <p>Each connection of a HIDL service registers a listener and takes none back, on
+                purpose; each registration of a service is told to all listeners of its interface.
+                Restarts take longer with their number, as much as the listeners have to be
+                told:""");
         if (device.afterDeathsOfAll != null) {
             put(" after %,d deaths of all services at once there were %,d listeners, and %,d "
                     + "notifications had come", device.afterDeathsOfAll[0],
@@ -192,21 +198,24 @@ final class Page {
         html.setLength(html.length() - 1);
         put(".</p>");
         put("<div class=\"charts\" style=\"grid-template-columns: repeat(2, minmax(0, 480px))\">");
-        put("<h3>Time of a restart over listeners: <span class=\"key\" style=\"background:%s\"></span> "
-                + "of all services, <span class=\"key\" style=\"background:%s\"></span> of a process, "
-                + "<span class=\"key\" style=\"background:%s\"></span> of one service; the slowest twentieth at the upper edge</h3>", RED, BLUE,
+        String key = " <span class=\"key\" style=\"background:%s\"></span> of ";
+        put("<h3>Time of a restart over listeners:" + key + "all services," + key + "a process,"
+                + key + "one service; the slowest twentieth at the upper edge</h3>", RED, BLUE,
                 GREEN);
         put("<h3>Notifications over deaths</h3>");
         double[] sorted = device.restarts.stream()
-                .mapToDouble(restart -> restart.microseconds() / 1000.0).sorted().toArray();
+                .mapToDouble(DeviceResult.Restart::milliseconds).sorted().toArray();
         Chart times = new Chart(" ms").upTo(sorted[sorted.length * 19 / 20]);
         long most = 0;
         for (String[] kind : new String[][] {{"all", RED}, {"process", BLUE}, {"one", GREEN}}) {
             List<DeviceResult.Restart> restarts = new ArrayList<>(device.restarts);
             restarts.removeIf(restart -> !restart.what().equals(kind[0]));
-            times.dots(kind[1], restarts.stream().mapToDouble(restart -> restart.listeners()).toArray(),
-                    restarts.stream().mapToDouble(restart -> restart.microseconds() / 1000.0).toArray());
-            for (DeviceResult.Restart restart : restarts) most = Math.max(most, restart.listeners());
+            times.dots(kind[1],
+                    restarts.stream().mapToDouble(restart -> restart.listeners()).toArray(),
+                    restarts.stream().mapToDouble(DeviceResult.Restart::milliseconds).toArray());
+            for (DeviceResult.Restart restart : restarts) {
+                most = Math.max(most, restart.listeners());
+            }
         }
         put("%s", times.ticks("0 listeners", Chart.number(most / 2), Chart.number(most))
                 .svg("Time of a restart over listeners"));
@@ -218,9 +227,11 @@ final class Page {
     }
 
     private void kept() {
-        put("<h2>Methods that keep their texts</h2><p>On purpose they never release what they read "
-                + "from Java: measured with texts of sixteen characters, after the calls above. Of "
-                + "the other calls, over each way that they are served, %,d of %,d left nothing.</p>",
+        put("""
+                <h2>Methods that keep their texts</h2>
+                <p>On purpose they never release what they read from Java: measured with texts of
+                sixteen characters, after the calls above. Of the other calls, over each way that
+                they are served, %,d of %,d left nothing.</p>""",
                 report.kept.stream().filter(call -> !call.onPurpose() && call.isExpected()).count(),
                 report.kept.stream().filter(call -> !call.onPurpose()).count());
         put("<table><tr><th class=\"t\">method</th><th class=\"t\">served over</th>"
@@ -247,9 +258,11 @@ final class Page {
     }
 
     private void latencies() {
-        put("<h2>Time of a call, in microseconds</h2><p>As Java sees it, two threads at once on the "
-                + "simulated device, whose services are in the same process; to 6 %%. Calls made while a "
-                + "service died or came back are not in it.</p>");
+        put("""
+                <h2>Time of a call, in microseconds</h2>
+                <p>As Java sees it, two threads at once on the simulated device, whose services are
+                in the same process; to 6 %%. Calls made while a service died or came back are
+                not in it.</p>""");
         put("<table><tr><th class=\"t\">method</th><th class=\"t\">served over</th><th>calls</th>");
         for (double share : SHARES) put("<th>%s</th>", name(share));
         put("<th>max</th></tr>");

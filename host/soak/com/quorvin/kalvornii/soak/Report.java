@@ -41,7 +41,9 @@ final class Report {
     private void keep(DeviceResult.Kept found) {
         for (int i = 0; i < kept.size(); i++) {
             DeviceResult.Kept known = kept.get(i);
-            if (!known.method().equals(found.method()) || !known.way().equals(found.way())) continue;
+            boolean isSame = known.method().equals(found.method())
+                    && known.way().equals(found.way());
+            if (!isSame) continue;
             if (Math.abs(found.bytes()) < Math.abs(known.bytes())) kept.set(i, found);
             return;
         }
@@ -110,7 +112,8 @@ final class Report {
     String summary() {
         return String.format(Locale.ROOT, """
                 %,d calls (and %,d to measure what each keeps), %,d deaths, %d wrong in %.0f s: %s
-                growth per million calls: %s; references left by deaths: %d; resident size of the last halves within %.2f %%
+                growth per million calls: %s; references left by deaths: %d
+                resident size of the last halves within %.2f %%
                 %s
                 """, calls(), measured(), deaths(), wrong(), seconds, end,
                 growth(), referencesLeft(), residentMoved() * 100, page());

@@ -8,7 +8,7 @@ import com.quorvin.kalvornii.simulated.SimulatedDevice.Backend;
 import java.util.Arrays;
 import java.util.List;
 
-/** What the services of the device may answer now. One thread changes it, the callers look at it. */
+/** What the services of the device may answer now. One thread changes it, callers look at it. */
 final class Situation {
     final List<String> services = SimulatedDevice.services();
     /** The backend of each service on this device; null for none. */
