@@ -91,6 +91,7 @@ final class Main {
 
     private String endedBy() {
         if (interrupted) return "interrupted";
+        if (results.stream().anyMatch(result -> result.failure != null)) return "failure";
         if (!allRight()) return "wrong answer";
         return isStopped() ? "time limit" : "done";
     }
