@@ -12,8 +12,8 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <string>
 
 #include "device/device.h"
@@ -69,12 +69,9 @@ void Keep(const __android_logger_data* data, const char* message) {
 }
 
 jlong ResidentBytes() {
-    long pages = 0;
-    FILE* file = fopen("/proc/self/statm", "re");
-    if (file == nullptr) return 0;
-    if (fscanf(file, "%*d %ld", &pages) != 1) pages = 0;
-    fclose(file);
-    return pages * sysconf(_SC_PAGESIZE);
+    jlong all = 0, resident = 0;
+    std::ifstream("/proc/self/statm") >> all >> resident;  // in pages
+    return resident * sysconf(_SC_PAGESIZE);
 }
 
 /** Small blocks and those mapped by themselves. */
