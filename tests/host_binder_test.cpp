@@ -82,6 +82,25 @@ TEST_F(HostBinderTest, ADeadServiceAnswersNoCall) {
     EXPECT_EQ(DEAD_OBJECT, defaultServiceManager()->addService(kName, service));
 }
 
+// A notice that waits for a service has been taken up, one that looks a present one up has not.
+TEST_F(HostBinderTest, ALookUpInPassingIsNoWait) {
+    const sp<Echo> service = new Echo;
+    const String16 other("pkg.IOther/default");
+    Publish(new Echo, other);
+    std::atomic<bool> passed{false};
+    const sp<Recipient> recipient = new Recipient([&](const wp<IBinder>&) {
+        for (int i = 0; i < 20000; i++) defaultServiceManager()->waitForService(other);
+        passed = true;
+        defaultServiceManager()->waitForService(kName);
+    });
+    const sp<IBinder> proxy = Publish(service);
+    EXPECT_EQ(OK, proxy->linkToDeath(recipient));
+    KillService(service);
+    EXPECT_TRUE(WaitForDeathUptake(30s));
+    EXPECT_TRUE(passed);
+    EXPECT_FALSE(WaitForDeathDelivery(0ms));
+}
+
 TEST_F(HostBinderTest, LinksAreMatchedAndCounted) {
     const sp<Echo> service = new Echo;
     int told = 0, a, b;

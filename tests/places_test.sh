@@ -10,6 +10,7 @@ java=java/com/quorvin/kalvornii/KvNativeInterface.java
 demo=host/demo/com/quorvin/kalvornii/demo/RunningTest.java
 table=ctl/com/quorvin/kalvornii/ctl/Services.java
 calls=benchmarks/java/com/quorvin/kalvornii/bench/Calls.java
+soak=host/soak/com/quorvin/kalvornii/soak/Calls.java
 
 # every NAMES PLACE WHAT: each of these names is in that place's.
 every() {
@@ -27,7 +28,7 @@ names() {
 }
 
 check_methods() {
-    local declared table asking on_both tested cases called
+    local declared table asking on_both tested cases called soaked
     declared=$(names '\bnative [^ ]+ [A-Za-z0-9]+\(' "$java")
     table=$(names '^[A-Z_]+\( *[A-Za-z0-9]+,' jni/methods.inc)
     asking=$(names '^(TWO_BACKENDS|AIDL_ONLY)\( *[A-Za-z0-9]+,' jni/methods.inc)
@@ -36,6 +37,7 @@ check_methods() {
     cases=$(find tests -name '*_test.cpp' ! -name every_method_test.cpp -exec cat {} + |
         names '"[A-Za-z0-9]+"' | uniq)
     called=$(names '"[A-Za-z0-9]+"' "$demo" | uniq)
+    soaked=$(names '"[A-Za-z0-9]+"' "$soak" | uniq)
 
     every "$declared" "$table" "$java declares, but jni/methods.inc has no row for"
     every "$table" "$declared" "jni/methods.inc has a row too many, or $java does not declare"
@@ -49,6 +51,7 @@ check_methods() {
         "benchmarks/aidl_calls.cpp has no row for"
     every "$on_both" "$(names '^ +\{"[A-Za-z0-9]+"' benchmarks/hidl_calls.cpp)" \
         "benchmarks/hidl_calls.cpp has no row for"
+    every "$declared" "$soaked" "The soak never calls; the place is $soak"
 }
 
 check_services() {

@@ -141,16 +141,19 @@ class ServiceManager : public IServiceManager {
     /** The service's proxy; null after `timeout`, or if everything is reset. */
     sp<IBinder> await(const String16& name, std::optional<std::chrono::seconds> timeout) const {
         StartDevice();
-        const BinderThreads::WaitingForService waiting;
         std::unique_lock<std::mutex> lock(mMutex);
         const Entry& entry = mEntries[name];
-        const auto settled = [this, &entry, before = mResets] {
-            return entry.service != nullptr || mResets != before;
-        };
-        if (timeout.has_value()) {
-            mChanged.wait_for(lock, *timeout, settled);
-        } else {
-            mChanged.wait(lock, settled);
+        // Only who really waits counts as waiting: one that looks up in passing goes on at once.
+        if (entry.service == nullptr) {
+            const BinderThreads::WaitingForService waiting;
+            const auto settled = [this, &entry, before = mResets] {
+                return entry.service != nullptr || mResets != before;
+            };
+            if (timeout.has_value()) {
+                mChanged.wait_for(lock, *timeout, settled);
+            } else {
+                mChanged.wait(lock, settled);
+            }
         }
         const sp<IBinder> service = entry.service;
         lock.unlock();

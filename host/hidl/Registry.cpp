@@ -24,15 +24,11 @@ using ::android::hardware::hidl_death_recipient;
 /** Descriptor and instance. */
 using ServiceName = std::pair<std::string, std::string>;
 
-struct Listener {
-    ServiceName name;  // an empty instance stands for all
-    sp<IServiceNotification> listener;
-
-    bool hears(const ServiceName& registered) const {
-        return name.first == registered.first &&
-               (name.second.empty() || name.second == registered.second);
-    }
-};
+/** Whether who listens for this hears of a registration; an empty instance stands for all. */
+bool Hears(const ServiceName& listened, const ServiceName& registered) {
+    return listened.first == registered.first &&
+           (listened.second.empty() || listened.second == registered.second);
+}
 
 struct DeathLink {
     wp<hidl_death_recipient> recipient;
@@ -69,7 +65,7 @@ struct Registry {
     bool keepsDeadNames = false;
     std::set<ServiceName> declared;
     std::map<ServiceName, sp<IBase>> services;
-    std::vector<Listener> listeners;
+    std::map<ServiceName, std::vector<sp<IServiceNotification>>> listeners;
     std::map<const RefBase::weakref_type*, Life> lives;
     HidlThread thread;
 
@@ -77,6 +73,7 @@ struct Registry {
     const Life* knownLifeOf(const IBase* service) const;
     bool isDead(const IBase* service) const;
     void dropDeadNames(std::vector<sp<IBase>>* dropped);
+    void forgetGone(std::vector<sp<IBase>>* held);
 };
 
 /** Never destroyed: its threads and late static objects may still need it. */
@@ -109,6 +106,14 @@ void Registry::dropDeadNames(std::vector<sp<IBase>>* dropped) {
         } else {
             ++entry;
         }
+    }
+}
+
+/** Lives of objects that nobody holds any more; what was looked at is let go with the vector. */
+void Registry::forgetGone(std::vector<sp<IBase>>* held) {
+    for (auto entry = lives.begin(); entry != lives.end();) {
+        held->push_back(entry->second.service.promote());
+        entry = held->back() == nullptr ? lives.erase(entry) : std::next(entry);
     }
 }
 
@@ -235,10 +240,12 @@ sp<IBase> FindService(const char* descriptor, const std::string& instance, bool 
         for (const std::string& descriptor : descriptors) {
             const ServiceName name(descriptor, instance);
             replaced.push_back(std::exchange(registry.services[name], service));
-            for (const Listener& entry : registry.listeners) {
-                if (entry.hears(name)) messages.emplace_back(entry.listener, name);
+            for (const auto& [listened, listeners] : registry.listeners) {
+                if (!Hears(listened, name)) continue;
+                for (const auto& listener : listeners) messages.emplace_back(listener, name);
             }
         }
+        registry.forgetGone(&replaced);
         ++registry.registrations;
         registry.changed.notify_all();
     }
@@ -250,13 +257,13 @@ bool AddListener(const char* descriptor, const std::string& instance,
                  const sp<IServiceNotification>& listener) {
     if (listener == nullptr) return false;
     Registry& registry = TheRegistry();
-    const Listener added{{descriptor, instance}, listener};
+    const ServiceName listened(descriptor, instance);
     std::vector<ServiceName> present;
     {
         const std::lock_guard<std::mutex> lock(registry.mutex);
-        registry.listeners.push_back(added);
+        registry.listeners[listened].push_back(listener);
         for (const auto& [name, service] : registry.services) {
-            if (added.hears(name)) present.push_back(name);
+            if (Hears(listened, name)) present.push_back(name);
         }
     }
     for (const ServiceName& name : present) PostRegistration(listener, name, true);
@@ -374,7 +381,9 @@ size_t HidlDeathLinkCount(const HidlService& service) {
 size_t HidlNotificationCount(const std::string& descriptor) {
     const std::lock_guard<std::mutex> lock(TheRegistry().mutex);
     size_t count = 0;
-    for (const auto& entry : TheRegistry().listeners) count += entry.name.first == descriptor;
+    for (const auto& [listened, listeners] : TheRegistry().listeners) {
+        if (descriptor.empty() || listened.first == descriptor) count += listeners.size();
+    }
     return count;
 }
 

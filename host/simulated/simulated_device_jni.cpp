@@ -141,6 +141,10 @@ SIMULATED_DEVICE(void, failNext)(JNIEnv* env, jclass, jint backend, jstring meth
     Device::Get().Script(static_cast<Backend>(backend), Name(env, method), Fault::kTransport);
 }
 
+SIMULATED_DEVICE(void, recordCalls)(JNIEnv*, jclass, jboolean record) {
+    Device::Get().RecordCalls(record == JNI_TRUE);
+}
+
 SIMULATED_DEVICE(jobjectArray, takeCalls)(JNIEnv* env, jclass) {
     const std::vector<std::string> calls = Device::Get().TakeCalls();
     jobjectArray array =

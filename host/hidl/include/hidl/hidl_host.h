@@ -56,7 +56,10 @@ void RefuseHidlDeathLinks(const HidlService& service, bool refuse);
 /** How many death links the service has, those of vanished recipients included. */
 size_t HidlDeathLinkCount(const HidlService& service);
 
-/** How many registerForNotifications() calls are in force for the descriptor. */
+/**
+ * How many registerForNotifications() calls are in force for the descriptor; an empty one stands
+ * for all.
+ */
 size_t HidlNotificationCount(const std::string& descriptor);
 
 /** How many notifications and obituaries were ever queued. */

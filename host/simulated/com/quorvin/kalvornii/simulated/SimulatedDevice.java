@@ -184,6 +184,12 @@ public final class SimulatedDevice {
     }
 
     /**
+     * Whether calls are kept for {@link #received}, as they are in the beginning and after {@link
+     * #restore}; millions of them would take memory.
+     */
+    public static native void recordCalls(boolean record);
+
+    /**
      * Waits until the library has handled every death and registration.
      *
      * @throws IllegalStateException when it has not after five seconds; as a rule it then waits for
