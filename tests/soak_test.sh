@@ -127,7 +127,8 @@ holds wrong/soak.html '<b>nativeSetWifiCommand</b> on the device mixed'
 
 # Interrupted. Jobs have a process group of their own, so that they hear of the interrupt.
 set -m
-"$source/soak" --calls 1000000000 --deaths 10 --device aidl --report early >out 2>&1 &
+: >out  # else the calls of the run before are taken for those of this one
+"$source/soak" --calls 1000000000 --deaths 10 --device aidl --report early >>out 2>&1 &
 soak=$!
 for ((i = 0; i < 600; i++)); do
     if grep -q ' calls ' out || ! kill -0 "$soak" 2>/dev/null; then break; fi
