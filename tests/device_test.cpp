@@ -119,6 +119,20 @@ TEST_F(DeviceTest, AProcessComesBackAsItWas) {
     EXPECT_EQ(display, device.At(kAidl, "display").Running()) << "it ran already";
 }
 
+TEST_F(DeviceTest, AServiceMayDieWhileItStarts) {
+    for (const Backend backend : {kAidl, kHidl}) {
+        std::atomic<bool> stop{false};
+        std::thread killer([&] {
+            while (!stop) device.At(backend, "power").Kill();
+        });
+        for (int i = 0; i < 20000; i++) device.Start(backend, "power");
+        stop = true;
+        killer.join();
+        device.Start(backend, "power");
+        EXPECT_TRUE(device.IsRunning(backend, "power"));
+    }
+}
+
 TEST_F(DeviceTest, AProcessIsDeadOverBothBackendsBeforeANotice) {
     device.GroupProcesses("one");
     for (int i = 0; i < 100; i++) {

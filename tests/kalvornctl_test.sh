@@ -51,6 +51,9 @@ check_first_use() {
     ends 0 env -i PATH="$PATH" HOME="$HOME" "$ctl" call getboardname </dev/null
     expect "a first call" "KV-MAIN-V3" "$(<out)"
     expect "beside a first call" "" "$(<err)"
+    ln -s "$ctl" linked
+    ends 0 ./linked call getboardname
+    expect "through a link" "KV-MAIN-V3" "$(<out)"
 }
 
 check_every_method() {
@@ -96,7 +99,8 @@ check_statuses() {
 2|no command "frob"|frob
 2|a command is expected|-v
 2|no device "none"|--device none status
-2|cannot read|run nowhere
+2|cannot read nowhere|run nowhere
+2|cannot read . (|run .
 END
 }
 
@@ -129,6 +133,8 @@ END
     ends 0 "$ctl" run lines
     expect "summary of texts" "kalvornctl: 12 calls, 12 as expected" "$(<err)"
     holds "as it is shown" "nativeGetTestResult 2 = 'a '\\''b'\\'' \"c\"  d'" out
+    printf 'settestresult \xff 1 = 0\ngettestresult 1 = \xef\xbf\xbd\n' >lines  # one of them is not UTF-8
+    ends 0 "$ctl" run lines
     ends 0 "$ctl" call gettestresult 99
     expect "null" "null" "$(<out)"
     ends 0 "$ctl" call storagetestjudge read
@@ -153,6 +159,18 @@ check_lines_that_cannot_be_called() {
     ends 0 "$ctl" run lines
     printf '%s\n' 'testcp x' getboardname >lines
     ends 1 "$ctl" run lines
+}
+
+# Nobody there to read from, or to write to.
+check_ends_of_streams() {
+    ends 0 "$ctl" run <&-
+    expect "summary of nothing" "kalvornctl: 0 calls" "$(<err)"
+    local status=0
+    "$ctl" call getboardname >/dev/full 2>err || status=$?
+    expect "status for a full disk" 3 "$status"
+    holds "a full disk" "cannot write the result: No space left on device" err
+    status=$(set +e; yes getboardname | timeout 60 "$ctl" run 2>/dev/null | head -1 >out; echo "${PIPESTATUS[1]}")
+    expect "status when nobody reads on" 0 "$status"
 }
 
 check_json() {
@@ -366,8 +384,8 @@ check_classes() {
     grep -qE '\[ +[1-9][0-9]* tests successful' report || { cat report; failed=1; }
 }
 
-checks=(first_use classes every_method statuses texts lines_that_cannot_be_called json status death
-    watch terminal without logcat wrapper)
+checks=(first_use classes every_method statuses texts lines_that_cannot_be_called ends_of_streams json
+    status death watch terminal without logcat wrapper)
 [ $# -eq 2 ] || checks=("${@:3}")
 for check in "${checks[@]}"; do "check_$check"; done
 exit "$failed"

@@ -52,6 +52,23 @@ expect "status of the command" 3 "$status"
 status=0
 "$source/simulate" --device none true 2>/dev/null || status=$?
 expect "status for a device that does not exist" 2 "$status"
+status=0
+"$source/simulate" nosuchcommand 2>/dev/null || status=$?
+expect "status for a command that cannot be run" 2 "$status"
+
+# Through a link, for a program in another folder; with a signal to all of its process group, nothing stays.
+mkdir elsewhere tmp
+ln -s "$source/simulate" linked
+javac -d out -cp "$source/build/host/java/classes" Program.java
+# shellcheck disable=SC2016
+CLASSPATH=$work/out ./linked --log relative bash -c 'cd elsewhere; java Program </dev/null' >/dev/null
+[ -s relative ] || { echo "no log where it was asked for"; failed=1; }
+TMPDIR=$work/tmp timeout 1 "$source/simulate" sleep 60 || true
+for ((i = 0; i < 50; i++)); do
+    [ -n "$(ls tmp)" ] || break
+    sleep 0.1
+done
+expect "left behind" "" "$(ls tmp)"
 
 # What happens to the device while the program runs, and the log of it.
 mkfifo events

@@ -316,7 +316,9 @@ class HidlService : public Service {
     void Start() override {
         const sp<Implementation> service = new Implementation;
         Run(std::make_shared<Objects>(Objects{{}, {service}}));
-        if (service->registerAsService(mInstance) != android::OK) {
+        // One that another thread has killed by now stays dead.
+        if (service->registerAsService(mInstance) != android::OK &&
+            !host::IsHidlServiceDead(service.get())) {
             throw std::runtime_error("cannot register " + string(Interface::descriptor));
         }
     }

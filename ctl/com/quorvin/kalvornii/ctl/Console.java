@@ -16,13 +16,33 @@ import java.io.UnsupportedEncodingException;
  * when standard input is one.
  */
 final class Console {
-    final PrintStream out = stream(FileDescriptor.out);
+    private final Output output = new Output();
+    final PrintStream out = stream(output);
     final BufferedReader in = new BufferedReader(new InputStreamReader(System.in, UTF_8));
-    private final PrintStream err = stream(FileDescriptor.err);
+    private final PrintStream err = stream(new FileOutputStream(FileDescriptor.err));
 
-    private static PrintStream stream(FileDescriptor descriptor) {
+    /** Standard output that keeps why it failed, which a PrintStream does not tell. */
+    private static final class Output extends FileOutputStream {
+        private String trouble;
+
+        Output() {
+            super(FileDescriptor.out);
+        }
+
+        @Override
+        public void write(byte[] bytes, int from, int length) throws IOException {
+            try {
+                super.write(bytes, from, length);
+            } catch (IOException e) {
+                trouble = e.getMessage();
+                throw e;
+            }
+        }
+    }
+
+    private static PrintStream stream(FileOutputStream file) {
         try {
-            return new PrintStream(new FileOutputStream(descriptor), true, "UTF-8");
+            return new PrintStream(file, true, "UTF-8");
         } catch (UnsupportedEncodingException e) {
             throw new IllegalStateException(e);
         }
@@ -36,6 +56,12 @@ final class Console {
     /** A line for standard error as it is. */
     void show(String line) {
         err.println(line);
+    }
+
+    /** Why results were lost; null when none were, or nobody reads on. */
+    String lost() {
+        boolean isUnread = output.trouble != null && output.trouble.contains("Broken pipe");
+        return isUnread ? null : output.trouble;
     }
 
     boolean isTerminal() {

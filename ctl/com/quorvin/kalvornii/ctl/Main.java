@@ -31,6 +31,10 @@ public final class Main {
             e.printStackTrace();  // a fault of this command or its installation
             status = NOT_LOADED;
         }
+        if (console.lost() != null) {
+            console.tell("cannot write the result: " + console.lost());
+            status = NOT_LOADED;
+        }
         System.exit(status);  // also while threads of the library wait for a service
     }
 

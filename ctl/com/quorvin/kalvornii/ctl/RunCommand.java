@@ -3,9 +3,9 @@ package com.quorvin.kalvornii.ctl;
 import static java.nio.charset.StandardCharsets.UTF_8;
 
 import java.io.BufferedReader;
+import java.io.FileInputStream;
 import java.io.IOException;
-import java.nio.file.Files;
-import java.nio.file.Path;
+import java.io.InputStreamReader;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.Map;
@@ -45,6 +45,7 @@ final class RunCommand {
                             + e.getMessage());
                     if (!options.has("--keep-going")) break;
                 }
+                if (console.out.checkError()) break;  // nobody would know what came of the rest
             }
         }
         summary();
@@ -56,7 +57,7 @@ final class RunCommand {
     private BufferedReader open(String name) throws UsageException {
         if (name.equals("-")) return console.in;
         try {
-            return Files.newBufferedReader(Path.of(name), UTF_8);
+            return new BufferedReader(new InputStreamReader(new FileInputStream(name), UTF_8));
         } catch (IOException e) {
             throw new UsageException("cannot read " + e.getMessage());
         }

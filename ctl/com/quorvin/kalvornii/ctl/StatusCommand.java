@@ -63,7 +63,7 @@ final class StatusCommand {
             before.add(service.backend());
             console.out.println(String.format(CHANGE, now, service.name, service.backend()));
         }
-        for (;;) {
+        while (!console.out.checkError()) {  // somebody reads on
             LogLine line = next();
             if (isDeath(line)) console.out.println(line.time + "  " + line.text);
             List<Services.Service> services = library.services.all();
@@ -73,8 +73,8 @@ final class StatusCommand {
                 console.out.println(
                         String.format(CHANGE, line.time, services.get(i).name, backend));
             }
-            if (console.out.checkError()) return Main.DONE;  // nobody reads on
         }
+        return Main.DONE;
     }
 
     private LogLine next() throws LoadException {

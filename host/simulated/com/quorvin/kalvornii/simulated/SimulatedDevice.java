@@ -141,10 +141,13 @@ public final class SimulatedDevice {
      * of the values does not look at it. Over AIDL texts of more than half a megabyte fail on their
      * way.
      *
-     * @throws IllegalArgumentException also for texts that no call could carry
+     * @throws IllegalArgumentException also for texts that are null or that no call could carry
      */
     public static void answer(String method, int code, String text, String detail) {
         check(method, methods(), "method");
+        if (text == null || detail == null) {
+            throw new IllegalArgumentException("a text is null, which no service's can be");
+        }
         byte[] textBytes = text.getBytes(UTF_8);
         byte[] detailBytes = detail.getBytes(UTF_8);
         if (textBytes.length + detailBytes.length > MOST_BYTES) {

@@ -43,6 +43,8 @@ class SimulatedDeviceTest {
         refused(all, () -> SimulatedDevice.restartProcess(null));
         refused("readNv, ", () -> SimulatedDevice.answer("nativeReadNvValue", 0, ""));
         refused("1000000 bytes", () -> SimulatedDevice.answer("readNv", 0, "x".repeat(1000001)));
+        refused("null", () -> SimulatedDevice.answer("readNv", 0, null));
+        refused("null", () -> SimulatedDevice.answer("i2cTest", 0, "", null));
         refused("readNv, ", () -> SimulatedDevice.fail(AIDL, null));
         refused("readNv, ", () -> SimulatedDevice.fail(HIDL, "setLightsBrightness"));
         refused("AIDL or HIDL", () -> SimulatedDevice.fail(null, "readNv"));
