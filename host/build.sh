@@ -16,7 +16,7 @@ fi
 
 mkdir -p "$build"
 # One build at a time: commands that build what they run may be started together.
-exec {lock}>"$build/lock"
+exec {lock}<"$build"
 flock "$lock"
 # What was configured for the demo, where no library for tests and measurements was installed, lacks
 # them.
