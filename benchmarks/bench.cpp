@@ -76,12 +76,13 @@ class JavaCalls {
                                           "(Lcom/quorvin/kalvornii/bench/Calls$Call;I)V");
     }
 
-    /** Empty when Calls.java has none; `of` is "ofLibrary" or "ofFloor". */
+    /** Empty when there is no such method; `of` is "ofLibrary" or "ofFloor". */
     Run Of(const char* of, const std::string& method) const {
         jmethodID find = mEnv->GetStaticMethodID(
                 mClass, of, "(Ljava/lang/String;)Lcom/quorvin/kalvornii/bench/Calls$Call;");
         jobject call =
                 mEnv->CallStaticObjectMethod(mClass, find, mEnv->NewStringUTF(method.c_str()));
+        Demand(!mEnv->ExceptionCheck(), "Calls.java has no arguments for a method");
         if (call == nullptr) return nullptr;
         call = mEnv->NewGlobalRef(call);
         return [this, call](int64_t times) {
@@ -233,7 +234,7 @@ Trace TraceOf(const Run& run) {
 
 /** Only what does the same is compared. */
 std::string FaultOf(const Run& java, const Run& proxy, const Run& floor) {
-    if (java == nullptr || proxy == nullptr) return "HAS NO CALL OR NO PROXY IN benchmarks/";
+    if (java == nullptr || proxy == nullptr) return "HAS NO PROXY IN benchmarks/";
     const Trace trace = TraceOf(java);
     if (trace.calls.empty()) return "ASKS NO SERVICE";
     if (TraceOf(proxy).calls != trace.calls) return "ITS PROXY IS ASKED OTHERWISE";
