@@ -74,7 +74,7 @@ double ResidentKib() {
     std::ifstream statm("/proc/self/statm");
     long total = 0, resident = 0;
     statm >> total >> resident;
-    return static_cast<double>(resident * (sysconf(_SC_PAGESIZE) / 1024));
+    return static_cast<double>(resident * sysconf(_SC_PAGESIZE)) / 1024;
 }
 
 void LookUp(Backend backend) {
@@ -152,9 +152,12 @@ void Collect(Backend backend, const char* what, int processes,
     for (int i = 0; i < processes; i++) {
         FILE* output = popen(command.c_str(), "r");
         Demand(output != nullptr, "no process");
-        char name[32] = "";
-        double figure = 0;
-        while (fscanf(output, "%31s %lf", name, &figure) == 2) (*figures)[name].push_back(figure);
+        char line[64] = "";
+        while (fgets(line, sizeof(line), output) != nullptr) {
+            char* space = strchr(line, ' ');
+            Demand(space != nullptr, line);
+            (*figures)[std::string(line, space)].push_back(strtod(space, nullptr));
+        }
         Demand(pclose(output) == 0, "a process that loads failed");
         progress.Step();
     }
