@@ -10,6 +10,7 @@
 #include <chrono>
 #include <fstream>
 #include <map>
+#include <sstream>
 #include <vector>
 
 #include "bare_calls.h"
@@ -154,9 +155,11 @@ void Collect(Backend backend, const char* what, int processes,
         Demand(output != nullptr, "no process");
         char line[64] = "";
         while (fgets(line, sizeof(line), output) != nullptr) {
-            char* space = strchr(line, ' ');
-            Demand(space != nullptr, line);
-            (*figures)[std::string(line, space)].push_back(strtod(space, nullptr));
+            std::istringstream words(line);
+            std::string name;
+            double figure = 0;
+            words >> name >> figure;
+            (*figures)[name].push_back(figure);
         }
         Demand(pclose(output) == 0, "a process that loads failed");
         progress.Step();
