@@ -99,7 +99,8 @@ final class Call {
         boolean right = ((may & HEALTHY) != 0 && isHealthy(caller))
                 || ((may & ABSENT) != 0 && isAbsent)
                 || ((may & BROKEN) != 0 && broken.equals(answer));
-        if (!right || (field != null && !isFieldRight(caller, isAbsent, overHidl, may))) return false;
+        if (!right) return false;
+        if (field != null && !isFieldRight(caller, isAbsent, overHidl, may)) return false;
         if (reads != null && may == HEALTHY) {
             caller.stored(reads).found(caller.slot, (String) answer);
         }
@@ -124,7 +125,8 @@ final class Call {
     /** What was expected, and what came, for people. */
     String verdict(Caller caller, boolean overHidl, int may) {
         String found = "answered " + quoted(caller.answer);
-        String expected = reads == null ? quoted(healthy) : caller.stored(reads).expected(caller.slot);
+        String expected =
+                reads == null ? quoted(healthy) : caller.stored(reads).expected(caller.slot);
         if (field != null) {
             found += " and left " + quoted(field.value.get());
             expected += " leaving " + quoted(overHidl ? field.overHidl : field.overAidl);

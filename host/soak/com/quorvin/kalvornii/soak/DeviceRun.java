@@ -242,7 +242,8 @@ final class DeviceRun {
             Call call = table.get(i);
             int service = situation.indexOf(call);
             Way way = situation.way(service, situation.may(service));
-            Call.Keeps keeping = way == Way.ABSENT ? Call.Keeps.TEXTS_WHEN_ABSENT : Call.Keeps.TEXTS;
+            Call.Keeps keeping =
+                    way == Way.ABSENT ? Call.Keeps.TEXTS_WHEN_ABSENT : Call.Keeps.TEXTS;
             kept.add(new Finding.Kept(call.method, way, call.keeps == keeping, growth.typical(),
                     growth.count));
         }

@@ -23,7 +23,7 @@ interface Finding extends Serializable {
     record Grown(String what, int stretches, long count, double typicalBytesEach, long totalBytes)
             implements Finding {}
 
-    /** The native memory that each of so many calls with texts of sixteen characters left behind. */
+    /** What each of so many calls with texts of sixteen characters left of native memory. */
     record Kept(String method, Way way, boolean onPurpose, double bytesPerCall, long calls)
             implements Finding {
         /** A kept text takes 24 bytes at least. */

@@ -151,7 +151,9 @@ final class Main {
     }
 
     private void soak(DeviceResult result) throws IOException, InterruptedException {
-        for (String ending : List.of(LOG, ERRORS, CRASH)) Files.deleteIfExists(file(result.device, ending));
+        for (String ending : List.of(LOG, ERRORS, CRASH)) {
+            Files.deleteIfExists(file(result.device, ending));
+        }
         synchronized (this) {
             if (stopped) return;
             process = new ProcessBuilder(command(result.device))

@@ -128,7 +128,8 @@ final class Page {
         for (DeviceResult device : report.devices) put("<h3>%s</h3>", device.device);
         row("Resident size", Finding.Sample::resident, " MiB", MEBIBYTE);
         row("Native heap in use", Finding.Sample::inUse, " MiB", MEBIBYTE);
-        row("Service objects in memory (a proxy holds its own)", Finding.Sample::liveServices, "", 1);
+        row("Service objects in memory (a proxy holds its own)", Finding.Sample::liveServices, "",
+                1);
         row("Death links", Finding.Sample::deathLinks, "", 1);
         row("Threads", Finding.Sample::threads, "", 1);
         row("File descriptors", Finding.Sample::files, "", 1);
@@ -194,7 +195,8 @@ final class Page {
         put("<h3>Time of a restart over listeners:" + key + "all services," + key + "a process,"
                 + key + "one service; the slowest twentieth at the upper edge</h3>", RED, BLUE,
                 GREEN);
-        long[] sorted = restarts.stream().mapToLong(Finding.Restart::microseconds).sorted().toArray();
+        long[] sorted =
+                restarts.stream().mapToLong(Finding.Restart::microseconds).sorted().toArray();
         Chart times = new Chart(" ms").ofDotsUpTo(sorted[sorted.length * 19 / 20] / 1000.0);
         Map<String, String> colours = Map.of("all", RED, "process", BLUE, "one", GREEN);
         for (Finding.Restart restart : restarts) {
@@ -202,8 +204,9 @@ final class Page {
                     restart.microseconds() / 1000.0);
         }
         long most = restarts.stream().mapToLong(Finding.Restart::listeners).max().orElse(0);
-        put("<div style=\"max-width: 480px\">%s</div>", times.svg("Time of a restart over listeners",
-                "0 listeners", Chart.number(most / 2), Chart.number(most)));
+        put("<div style=\"max-width: 480px\">%s</div>",
+                times.svg("Time of a restart over listeners", "0 listeners",
+                        Chart.number(most / 2), Chart.number(most)));
     }
 
     private void kept() {
