@@ -2,11 +2,12 @@
 
 #include "device/device.h"
 
-/** What every measured call is given, the same in Calls.java: longer than a string keeps within. */
+/** The measured methods, and what each call is given, the same in Calls.java. */
 namespace bench {
 
 using kalvorn::device::Backend;
 
+// Longer than a string keeps within.
 constexpr const char* kText = "rear-camera-calibration";
 constexpr int kNumber = 1;
 constexpr unsigned char kBytes[] = {0x4b, 0x56, 0x01, 0x02, 0x9f, 0x00, 0xff, 0x10,
@@ -23,8 +24,26 @@ inline void StartDevice(Backend backend) {
     }
 }
 
+constexpr Backend kBackends[] = {Backend::kAidl, Backend::kHidl};
+
 constexpr const char* NameOf(Backend backend) {
     return backend == Backend::kAidl ? "aidl" : "hidl";
 }
+
+/** A method that asks a service. */
+struct Method {
+    const char* name;
+    bool isOnBoth;
+
+    bool IsOn(Backend backend) const { return isOnBoth || backend == Backend::kAidl; }
+};
+
+constexpr Method kMethods[] = {
+#define TWO_BACKENDS(javaName, name, query, priority, signature) {#javaName, true},
+#define AIDL_ONLY(javaName, name, signature) {#javaName, false},
+#define LOCAL(javaName, name, signature)
+#define DEVIATING(javaName, name, signature)
+#include "jni/methods.inc"
+};
 
 }  // namespace bench

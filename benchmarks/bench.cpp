@@ -76,12 +76,13 @@ class JavaCalls {
                                           "(Lcom/quorvin/kalvornii/bench/Calls$Call;I)V");
     }
 
-    /** Empty when Calls.java has none; `of` is "ofLibrary" or "ofFloor". */
+    /** Empty when there is no such method; `of` is "ofLibrary" or "ofFloor". */
     Run Of(const char* of, const std::string& method) const {
         jmethodID find = mEnv->GetStaticMethodID(
                 mClass, of, "(Ljava/lang/String;)Lcom/quorvin/kalvornii/bench/Calls$Call;");
         jobject call =
                 mEnv->CallStaticObjectMethod(mClass, find, mEnv->NewStringUTF(method.c_str()));
+        Demand(!mEnv->ExceptionCheck(), "Calls.java has no arguments for a method");
         if (call == nullptr) return nullptr;
         call = mEnv->NewGlobalRef(call);
         return [this, call](int64_t times) {
@@ -187,25 +188,12 @@ class Pass {
     Collector mCollector;
 };
 
-/** The methods that ask a service, as the table has them; true for those of both backends. */
-const std::vector<std::pair<const char*, bool>>& AskingMethods() {
-    static const std::vector<std::pair<const char*, bool>> methods{
-#define TWO_BACKENDS(javaName, name, query, priority, signature) {#javaName, true},
-#define AIDL_ONLY(javaName, name, signature) {#javaName, false},
-#define LOCAL(javaName, name, signature)
-#define DEVIATING(javaName, name, signature)
-#include "jni/methods.inc"
-    };
-    return methods;
-}
-
 std::vector<Row> RowsOf(Backend backend, const std::string& filter) {
     std::vector<Row> rows;
-    for (const auto& [method, isOnBoth] : AskingMethods()) {
-        if (backend == Backend::kHidl && !isOnBoth) continue;
-        if (strstr(method, filter.c_str()) == nullptr) continue;
+    for (const Method& method : kMethods) {
+        if (!method.IsOn(backend) || strstr(method.name, filter.c_str()) == nullptr) continue;
         rows.push_back({});
-        rows.back().method = method;
+        rows.back().method = method.name;
         rows.back().backend = backend;
     }
     return rows;
@@ -233,7 +221,7 @@ Trace TraceOf(const Run& run) {
 
 /** Only what does the same is compared. */
 std::string FaultOf(const Run& java, const Run& proxy, const Run& floor) {
-    if (java == nullptr || proxy == nullptr) return "HAS NO CALL OR NO PROXY IN benchmarks/";
+    if (java == nullptr || proxy == nullptr) return "HAS NO PROXY IN benchmarks/";
     const Trace trace = TraceOf(java);
     if (trace.calls.empty()) return "ASKS NO SERVICE";
     if (TraceOf(proxy).calls != trace.calls) return "ITS PROXY IS ASKED OTHERWISE";
@@ -344,27 +332,14 @@ void PrintGoals(const std::vector<Row>& rows) {
     if (floors > 0) printf("\nAt most %.2f times the floor: %d of %d.\n", kGoal, met, floors);
 }
 
-void PrintLoad(const std::vector<LoadFigures>& loads) {
+void PrintLoads(LoadFigures aidl, LoadFigures hidl) {
     printf("\nLoading, and a death with its restart, each in a fresh process; microseconds and "
            "KiB.\n\n"
            "%-52s %7s %7s\n",
            "", "aidl", "hidl");
-    const auto line = [&loads](const char* what, double LoadFigures::*figure) {
-        printf("%-52s %7.0f %7.0f\n", what, loads[0].*figure, loads[1].*figure);
-    };
-    line("mapping and relocating the library", &LoadFigures::map);
-    line("System.loadLibrary and the class that calls it", &LoadFigures::load);
-    line("  its connectors, with 2 to 4 lines a service", &LoadFigures::connectors);
-    line("    their look-ups and death links done bare", &LoadFigures::lookUps);
-    line("  after them: registration of the methods", &LoadFigures::registration);
-    line("JNI_OnLoad once more: connectors", &LoadFigures::connectorsAgain);
-    line("    look-ups and death links done bare", &LoadFigures::lookUpsAgain);
-    line("  registration", &LoadFigures::registrationAgain);
-    line("a death and its restart, until all is held again", &LoadFigures::death);
-    line("    the same, look-ups and links done bare", &LoadFigures::deathBare);
-    line("the library's pages that were touched", &LoadFigures::touched);
-    line("  of which written", &LoadFigures::written);
-    line("resident memory more than before the load", &LoadFigures::resident);
+    for (const auto& [name, what] : kLoadFigures) {
+        printf("%-52s %7.0f %7.0f\n", what, aidl[name], hidl[name]);
+    }
 }
 
 std::string Machine() {
@@ -401,22 +376,10 @@ void WriteJson(const std::string& path, const std::vector<Row>& rows,
     }
     fprintf(file, "\n], \"loads\": [");
     separator = "";
-    for (const LoadFigures& load : loads) {
-        fprintf(file, "%s\n  {\"backend\": \"%s\"", separator, NameOf(load.backend));
-        for (const auto& [name, figure] : {std::pair("mapUs", load.map),
-                                           {"loadLibraryUs", load.load},
-                                           {"connectorsUs", load.connectors},
-                                           {"connectorsBareUs", load.lookUps},
-                                           {"registrationUs", load.registration},
-                                           {"connectorsAgainUs", load.connectorsAgain},
-                                           {"connectorsAgainBareUs", load.lookUpsAgain},
-                                           {"registrationAgainUs", load.registrationAgain},
-                                           {"deathUs", load.death},
-                                           {"deathBareUs", load.deathBare},
-                                           {"touchedKiB", load.touched},
-                                           {"writtenKiB", load.written},
-                                           {"residentKiB", load.resident}}) {
-            fprintf(file, ", \"%s\": %.1f", name, figure);
+    for (size_t i = 0; i < loads.size(); i++) {
+        fprintf(file, "%s\n  {\"backend\": \"%s\"", separator, NameOf(kBackends[i]));
+        for (const auto& [name, figure] : loads[i]) {
+            fprintf(file, ", \"%s\": %.1f", name.c_str(), figure);
         }
         fprintf(file, "}");
         separator = ",";
@@ -435,7 +398,7 @@ int Main(const Options& options) {
     const int processes = options.quick ? 1 : 21;
     std::vector<LoadFigures> loads;
     if (options.filter.empty()) {
-        loads = {MeasureLoad(Backend::kAidl, processes), MeasureLoad(Backend::kHidl, processes)};
+        for (const Backend backend : kBackends) loads.push_back(MeasureLoad(backend, processes));
     }
     std::vector<Row> rows = MeasureCalls(StartVm(), options);
     Demand(!rows.empty(), "no method has such a name");
@@ -443,7 +406,7 @@ int Main(const Options& options) {
     printf("%s, %u cores\n", Machine().c_str(), std::thread::hardware_concurrency());
     PrintTable(rows);
     PrintGoals(rows);
-    if (!loads.empty()) PrintLoad(loads);
+    if (!loads.empty()) PrintLoads(loads[0], loads[1]);
     if (!options.json.empty()) WriteJson(options.json, rows, loads);
     const bool failed = std::any_of(rows.begin(), rows.end(),
                                     [](const Row& row) { return Judge(row).isFailure; });

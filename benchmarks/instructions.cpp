@@ -103,30 +103,6 @@ void Call(const JNINativeMethod& method, int times) {
     }
 }
 
-constexpr const char* kAsking[] = {
-#define TWO_BACKENDS(javaName, name, query, priority, signature) #javaName,
-#define AIDL_ONLY(javaName, name, signature) #javaName,
-#define LOCAL(javaName, name, signature)
-#define DEVIATING(javaName, name, signature)
-#include "jni/methods.inc"
-};
-
-constexpr const char* kAidlOnly[] = {
-#define TWO_BACKENDS(javaName, name, query, priority, signature)
-#define AIDL_ONLY(javaName, name, signature) #javaName,
-#define LOCAL(javaName, name, signature)
-#define DEVIATING(javaName, name, signature)
-#include "jni/methods.inc"
-};
-
-bool Has(Backend backend, const char* method) {
-    if (g_registered.count(method) == 0) return false;
-    for (const char* name : kAidlOnly) {
-        if (backend == Backend::kHidl && strcmp(name, method) == 0) return false;
-    }
-    return true;
-}
-
 /** Where a library's code, or a function, is; for who counts by addresses. */
 void PrintRange(const char* name, uintptr_t start, size_t size) {
     printf("range %s 0x%zx+0x%zx\n", name, static_cast<size_t>(start), size);
@@ -160,13 +136,14 @@ Function* EntryPoint(void* library, const char* name) {
 void CallAll(Backend backend, void* library, const char* file) {
     StartDevice(backend);
     if (EntryPoint<jint(JavaVM*, void*)>(library, "JNI_OnLoad")(Vm(), nullptr) < 0) exit(2);
-    for (const char* method : kAsking) {
-        if (!Has(backend, method)) continue;
-        Call(g_registered[method], kUncounted);
+    for (const Method& method : kMethods) {
+        const auto found = g_registered.find(method.name);
+        if (found == g_registered.end() || !method.IsOn(backend)) continue;
+        Call(found->second, kUncounted);
         Mark();
-        Call(g_registered[method], kCounted);
+        Call(found->second, kCounted);
         Mark();
-        printf("calls %d %s %s %s\n", kCounted, file, NameOf(backend), method);
+        printf("calls %d %s %s %s\n", kCounted, file, NameOf(backend), method.name);
     }
     EntryPoint<void(JavaVM*, void*)>(library, "JNI_OnUnload")(Vm(), nullptr);
 }
@@ -190,7 +167,7 @@ int main(int argc, char** argv) {
     dl_iterate_phdr(bench::PrintRangeOfLibrary, nullptr);
     bench::PrintRange("mark", reinterpret_cast<uintptr_t>(Mark) & ~uintptr_t{1}, 1);
     if (argc > 1 && strcmp(argv[1], "where") == 0) return 0;
-    for (const Backend backend : {Backend::kAidl, Backend::kHidl}) {
+    for (const Backend backend : bench::kBackends) {
         for (const auto& [file, library] : libraries) {
             bench::CallAll(backend, library, file.c_str());
         }

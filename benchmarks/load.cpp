@@ -9,7 +9,9 @@
 #include <algorithm>
 #include <chrono>
 #include <fstream>
+#include <map>
 #include <sstream>
+#include <vector>
 
 #include "bare_calls.h"
 #include "machine.h"
@@ -55,25 +57,25 @@ Load Measure(Action load) {
 }
 
 /** The sum of this field over the mappings of the file, in KiB. */
-long SumOfMappings(const char* file, const std::string& field) {
+double SumOfMappings(const char* file, const std::string& field) {
     std::ifstream smaps("/proc/self/smaps");
-    long sum = 0;
+    double sum = 0;
     bool isOfFile = false;
     for (std::string line; std::getline(smaps, line);) {
         if (line.find(" kB") == std::string::npos) {
             if (line.find('-') < line.find(' ')) isOfFile = line.find(file) != std::string::npos;
         } else if (isOfFile && line.compare(0, field.size(), field) == 0) {
-            sum += strtol(line.c_str() + field.size(), nullptr, 10);
+            sum += strtod(line.c_str() + field.size(), nullptr);
         }
     }
     return sum;
 }
 
-long ResidentKib() {
+double ResidentKib() {
     std::ifstream statm("/proc/self/statm");
     long total = 0, resident = 0;
     statm >> total >> resident;
-    return resident * (sysconf(_SC_PAGESIZE) / 1024);
+    return static_cast<double>(resident * sysconf(_SC_PAGESIZE)) / 1024;
 }
 
 void LookUp(Backend backend) {
@@ -92,8 +94,12 @@ void DieAndRestart() {
     Demand(Device::Settle(), "the services do not come back");
 }
 
+void Print(const LoadFigures& figures) {
+    for (const auto& [name, figure] : figures) printf("%s %f\n", name.c_str(), figure);
+}
+
 void LoadLibrary(JNIEnv* env, Backend backend) {
-    const long residentBefore = ResidentKib();
+    const double residentBefore = ResidentKib();
     const double map =
             Microseconds([] { dlopen(KALVORN_LIBRARY_PATH "/lib_kalvorn.so", RTLD_NOW); });
     Load first{};
@@ -103,16 +109,24 @@ void LoadLibrary(JNIEnv* env, Backend backend) {
                    "KvNativeInterface does not load");
         });
     });
-    const long resident = ResidentKib() - residentBefore;
-    const long touched = SumOfMappings("/lib_kalvorn.so", "Rss:");
-    const long written = SumOfMappings("/lib_kalvorn.so", "Private_Dirty:");
+    const double resident = ResidentKib() - residentBefore;
+    const double touched = SumOfMappings("/lib_kalvorn.so", "Rss:");
+    const double written = SumOfMappings("/lib_kalvorn.so", "Private_Dirty:");
     const Library library("_kalvorn");
     library.Unload();
     const Load again = Measure([&library] { library.Load(); });
     const double death = Microseconds(DieAndRestart);
     Demand(Device::Get().DeathLinks(backend, "factory") == 1, "the library did not reconnect");
-    printf("%f %f %f %f %f %f %f %ld %ld %ld\n", map, load, first.connectors, first.registration,
-           again.connectors, again.registration, death, touched, written, resident);
+    Print({{"mapUs", map},
+           {"loadLibraryUs", load},
+           {"connectorsUs", first.connectors},
+           {"registrationUs", first.registration},
+           {"connectorsAgainUs", again.connectors},
+           {"registrationAgainUs", again.registration},
+           {"deathUs", death},
+           {"touchedKiB", touched},
+           {"writtenKiB", written},
+           {"residentKiB", resident}});
 }
 
 void LookUpBare(Backend backend) {
@@ -122,12 +136,14 @@ void LookUpBare(Backend backend) {
         DieAndRestart();
         LookUp(backend);
     });
-    printf("%f %f %f\n", lookUps, lookUpsAgain, death);
+    Print({{"connectorsBareUs", lookUps},
+           {"connectorsAgainBareUs", lookUpsAgain},
+           {"deathBareUs", death}});
 }
 
-/** What so many processes print, the median of each figure. */
-std::vector<double> Medians(Backend backend, const char* what, int processes) {
-    std::vector<std::vector<double>> columns;
+/** Adds what so many processes print. */
+void Collect(Backend backend, const char* what, int processes,
+             std::map<std::string, std::vector<double>>* figures) {
     char program[4096] = "";
     Demand(readlink("/proc/self/exe", program, sizeof(program) - 1) > 0, "/proc is missing");
     setenv("KALVORN_BENCH", program, 1);  // whatever its path is made of
@@ -137,21 +153,17 @@ std::vector<double> Medians(Backend backend, const char* what, int processes) {
     for (int i = 0; i < processes; i++) {
         FILE* output = popen(command.c_str(), "r");
         Demand(output != nullptr, "no process");
-        char line[512] = "";
-        Demand(fgets(line, sizeof(line), output) != nullptr, "a process that loads failed");
-        std::istringstream words(line);
-        size_t column = 0;
-        for (double figure = 0; words >> figure; column++) {
-            if (columns.size() <= column) columns.emplace_back();
-            columns[column].push_back(figure);
+        char line[64] = "";
+        while (fgets(line, sizeof(line), output) != nullptr) {
+            std::istringstream words(line);
+            std::string name;
+            double figure = 0;
+            words >> name >> figure;
+            (*figures)[name].push_back(figure);
         }
         Demand(pclose(output) == 0, "a process that loads failed");
         progress.Step();
     }
-    std::vector<double> medians;
-    medians.reserve(columns.size());
-    for (const auto& figures : columns) medians.push_back(Median(figures));
-    return medians;
 }
 
 }  // namespace
@@ -172,19 +184,16 @@ int RunOneLoad(const std::string& backendName, const std::string& what) {
 }
 
 LoadFigures MeasureLoad(Backend backend, int processes) {
-    const std::vector<double> library = Medians(backend, "library", processes);
-    const std::vector<double> bare = Medians(backend, "bare", processes);
-    Demand(library.size() == 10 && bare.size() == 3, "figures of the load are missing");
-    LoadFigures figures{};
-    figures.backend = backend;
-    const auto fill = [](const std::vector<double>& from, const std::vector<double*>& to) {
-        for (size_t i = 0; i < to.size(); i++) *to[i] = from[i];
-    };
-    fill(library, {&figures.map, &figures.load, &figures.connectors, &figures.registration,
-                   &figures.connectorsAgain, &figures.registrationAgain, &figures.death,
-                   &figures.touched, &figures.written, &figures.resident});
-    fill(bare, {&figures.lookUps, &figures.lookUpsAgain, &figures.deathBare});
-    return figures;
+    std::map<std::string, std::vector<double>> all;
+    Collect(backend, "library", processes, &all);
+    Collect(backend, "bare", processes, &all);
+    LoadFigures medians;
+    for (const LoadFigure& figure : kLoadFigures) {
+        const std::vector<double>& found = all[figure.name];
+        Demand(found.size() == static_cast<size_t>(processes), "figures of the load are missing");
+        medians[figure.name] = Median(found);
+    }
+    return medians;
 }
 
 }  // namespace bench

@@ -19,16 +19,7 @@ declare -A connected=(
 )
 declare -A reconnections=([aidl]=2 [hidl]=2 [mixed]=3 [bare]=0)
 
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-failed=0
-
-# expect WHAT EXPECTED FOUND
-expect() {
-    [ "$2" != "$3" ] || return 0
-    printf '%s: expected\n%s\nfound\n%s\n' "$1" "$2" "$3"
-    failed=1
-}
+. "$(dirname "$0")/expect.sh"
 
 # play BUILD_DIR: into $work/shown, and as one line without line breaks into $text
 play() {

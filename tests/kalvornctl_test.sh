@@ -9,17 +9,8 @@ java=$source/build/host/java
 ctl=$source/kalvornctl
 calls=$source/ctl/every_method.calls
 main=com.quorvin.kalvornii.ctl.Main
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+. "$(dirname "$0")/expect.sh"
 cd "$work"
-failed=0
-
-# expect WHAT EXPECTED FOUND
-expect() {
-    [ "$2" != "$3" ] || return 0
-    printf '%s: expected\n%s\nfound\n%s\n' "$1" "$2" "$3"
-    failed=1
-}
 
 # holds WHAT TEXT FILE
 holds() {

@@ -9,7 +9,6 @@ failed=0
 java=java/com/quorvin/kalvornii/KvNativeInterface.java
 demo=host/demo/com/quorvin/kalvornii/demo/RunningTest.java
 table=ctl/com/quorvin/kalvornii/ctl/Services.java
-calls=benchmarks/java/com/quorvin/kalvornii/bench/Calls.java
 soak=host/soak/com/quorvin/kalvornii/soak/Calls.java
 
 # every NAMES PLACE WHAT: each of these names is in that place's.
@@ -46,7 +45,6 @@ check_methods() {
     every "$declared" "$cases" "No case in the test of its topic, tests/*_test.cpp, calls"
     every "$declared" "$called" "The demo never calls; the place is $demo"
     every "$declared" "$(names '^[A-Za-z0-9]+' ctl/every_method.calls)" "ctl/every_method.calls does not call"
-    every "$asking" "$(names 'LIBRARY\.[A-Za-z0-9]+\(' "$calls")" "$calls has no call of"
     every "$asking" "$(names '^ +\{"[A-Za-z0-9]+"' benchmarks/aidl_calls.cpp)" \
         "benchmarks/aidl_calls.cpp has no row for"
     every "$on_both" "$(names '^ +\{"[A-Za-z0-9]+"' benchmarks/hidl_calls.cpp)" \

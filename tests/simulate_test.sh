@@ -5,17 +5,8 @@ set -euo pipefail
 source=$1
 classes=$2
 junit=/usr/share/java/junit-platform-console-standalone.jar
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+. "$(dirname "$0")/expect.sh"
 cd "$work"
-failed=0
-
-# expect WHAT EXPECTED FOUND
-expect() {
-    [ "$2" != "$3" ] || return 0
-    printf '%s: expected\n%s\nfound\n%s\n' "$1" "$2" "$3"
-    failed=1
-}
 
 cat >Program.java <<'END'
 import com.quorvin.kalvornii.KvNativeInterface;

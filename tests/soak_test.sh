@@ -3,19 +3,12 @@
 # interrupted: soak_test.sh SOURCE_DIR
 set -euo pipefail
 source=$1
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+. "$(dirname "$0")/expect.sh"
 cd "$work"
-failed=0
 
 fail() {
     printf '%s\n' "$@"
     failed=1
-}
-
-# expect WHAT EXPECTED FOUND
-expect() {
-    [ "$2" = "$3" ] || fail "$1: expected" "$2" found "$3"
 }
 
 # holds FILE WHAT...: each of these is in the file.

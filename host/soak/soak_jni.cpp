@@ -133,8 +133,8 @@ SOAK(jboolean, groupProcesses)(JNIEnv* env, jclass, jstring grouping) {
     return known ? JNI_TRUE : JNI_FALSE;
 }
 
-// In the order of the constants in Native.java.
-SOAK(void, look)(JNIEnv* env, jclass, jlongArray figures) {
+// In the order of a sample.
+SOAK(jlongArray, look)(JNIEnv* env, jclass) {
     const jlong found[] = {
             ResidentBytes(),
             BytesInUse(),
@@ -145,7 +145,10 @@ SOAK(void, look)(JNIEnv* env, jclass, jlongArray figures) {
             EntriesOf("/proc/self/task"),
             EntriesOf("/proc/self/fd") - 1,  // that of the look itself
     };
-    env->SetLongArrayRegion(figures, 0, static_cast<jsize>(std::size(found)), found);
+    const auto count = static_cast<jsize>(std::size(found));
+    jlongArray figures = env->NewLongArray(count);
+    if (figures != nullptr) env->SetLongArrayRegion(figures, 0, count, found);
+    return figures;
 }
 
 SOAK(jlong, bytesInUse)(JNIEnv*, jclass) {

@@ -1,16 +1,32 @@
 package com.quorvin.kalvornii.soak;
 
 import com.quorvin.kalvornii.KvNativeInterface;
+import java.util.ArrayList;
+import java.util.List;
 import java.util.Objects;
 import java.util.function.Supplier;
 
 /** A call of one method, and what it may answer when its service is there, away or dying. */
-abstract class Call {
+final class Call {
     // What may be answered; each a bit.
     static final int HEALTHY = 1;
     static final int ABSENT = 2;
     static final int BROKEN = 4;
     static final int ANYTHING = HEALTHY | ABSENT | BROKEN;
+
+    enum Keeps {
+        NOTHING,
+        TEXTS,
+        TEXTS_WHEN_ABSENT
+    }
+
+    /** Calls, with arguments of the caller, and returns a number or a text. */
+    interface Deed {
+        Object call(KvNativeInterface library, Caller caller);
+    }
+
+    /** A static field, with what a healthy call leaves in it; a broken one leaves an empty text. */
+    private record StaticText(Supplier<String> value, String overAidl, String overHidl) {}
 
     final String method;
     /** Null for a method that no service serves. */
@@ -19,20 +35,22 @@ abstract class Call {
     Keeps keeps = Keeps.NOTHING;
     /** Whether it touches what all threads share, so that only one may call it. */
     boolean single;
+    private final Object healthy;
+    private final Object broken;
+    private final Object absent;
+    private final Deed deed;
     private StaticText field;
+    private Stored.Kind reads;
+    private Stored.Kind writes;
 
-    enum Keeps {
-        NOTHING,
-        TEXTS,
-        TEXTS_WHEN_ABSENT
-    }
-
-    /** A static field, with what a healthy call leaves in it; a broken one leaves an empty text. */
-    private record StaticText(Supplier<String> value, String overAidl, String overHidl) {}
-
-    Call(String method, String service) {
+    Call(String method, String service, Object healthy, Object broken, Deed deed) {
         this.method = method;
         this.service = service;
+        this.healthy = healthy;
+        this.broken = broken;
+        this.deed = deed;
+        absent = broken instanceof Integer ? (Object) KvNativeInterface.SERVICE_ABSENT
+                : KvNativeInterface.INVALID_SERVICE;
     }
 
     Call keeping(Keeps what) {
@@ -47,320 +65,82 @@ abstract class Call {
 
     Call filling(Supplier<String> value, String overAidl, String overHidl) {
         field = new StaticText(value, overAidl, overHidl);
-        single = true;
+        return onOneThread();
+    }
+
+    /** A healthy answer is what this caller has stored. */
+    Call reading(Stored.Kind kind) {
+        reads = kind;
         return this;
     }
 
-    /** Calls; the answer goes to the caller's field of its type. */
-    abstract void make(Caller caller);
-
-    /** Whether the answer is one of these. */
-    abstract boolean isRight(Caller caller, int may);
-
-    abstract boolean isAbsent(Caller caller);
-
-    abstract String answer(Caller caller);
-
-    abstract String healthyAnswer(Caller caller);
-
-    abstract String brokenAnswer();
-
-    String absentAnswer() {
-        return "\"" + KvNativeInterface.INVALID_SERVICE + "\"";
+    /** Sends what the caller is to store, in {@code storing}. */
+    Call writing(Stored.Kind kind) {
+        writes = kind;
+        return this;
     }
 
-    /** Whether answer and static field are such. */
-    final boolean isAllRight(Caller caller, boolean overHidl, int may) {
-        return isRight(caller, may) && (field == null || isFieldRight(caller, overHidl, may));
-    }
-
-    final void rememberField(Caller caller) {
+    /** What has to be known before. */
+    void prepare(Caller caller) {
         if (field != null) caller.fieldBefore = field.value.get();
+        if (writes != null) {
+            caller.storing = caller.stored(writes).toWrite(caller.slot, caller.first());
+        }
     }
 
-    private boolean isFieldRight(Caller caller, boolean overHidl, int may) {
+    void make(Caller caller) {
+        caller.answer = deed.call(caller.library, caller);
+    }
+
+    /** Whether answer and static field are such; then the caller knows what is stored. */
+    boolean isRight(Caller caller, boolean overHidl, int may) {
+        Object answer = caller.answer;
+        boolean isAbsent = absent.equals(answer);
+        boolean right = ((may & HEALTHY) != 0 && isHealthy(caller))
+                || ((may & ABSENT) != 0 && isAbsent)
+                || ((may & BROKEN) != 0 && broken.equals(answer));
+        if (!right) return false;
+        if (field != null && !isFieldRight(caller, isAbsent, overHidl, may)) return false;
+        if (reads != null && may == HEALTHY) {
+            caller.stored(reads).found(caller.slot, (String) answer);
+        }
+        if (writes != null && !isAbsent) {
+            caller.stored(writes).wrote(caller.slot, caller.storing, may == HEALTHY);
+        }
+        return true;
+    }
+
+    private boolean isHealthy(Caller caller) {
+        if (reads == null) return healthy.equals(caller.answer);
+        return caller.stored(reads).isOneOf(caller.slot, caller.answer);
+    }
+
+    private boolean isFieldRight(Caller caller, boolean isAbsent, boolean overHidl, int may) {
         String found = field.value.get();
-        if (isAbsent(caller)) return Objects.equals(caller.fieldBefore, found);
+        if (isAbsent) return Objects.equals(caller.fieldBefore, found);
         if (Objects.equals(overHidl ? field.overHidl : field.overAidl, found)) return true;
         return (may & BROKEN) != 0 && "".equals(found);
     }
 
     /** What was expected, and what came, for people. */
-    final String verdict(Caller caller, boolean overHidl, int may) {
-        StringBuilder text = new StringBuilder("answered ").append(answer(caller));
-        if (field != null) text.append(" and left ").append(quoted(field.value.get()));
-        text.append("; right is");
-        String or = " ";
-        if ((may & HEALTHY) != 0) {
-            text.append(or).append(healthyAnswer(caller));
-            if (field != null) {
-                text.append(" leaving ").append(quoted(overHidl ? field.overHidl : field.overAidl));
-            }
-            or = " or ";
+    String verdict(Caller caller, boolean overHidl, int may) {
+        String found = "answered " + quoted(caller.answer);
+        String expected =
+                reads == null ? quoted(healthy) : caller.stored(reads).expected(caller.slot);
+        if (field != null) {
+            found += " and left " + quoted(field.value.get());
+            expected += " leaving " + quoted(overHidl ? field.overHidl : field.overAidl);
         }
-        if ((may & ABSENT) != 0) {
-            text.append(or).append(absentAnswer()).append(" of an absent service");
-            or = " or ";
-        }
-        if ((may & BROKEN) != 0) text.append(or).append(brokenAnswer()).append(" of a broken call");
-        return text.toString();
+        List<String> right = new ArrayList<>();
+        if ((may & HEALTHY) != 0) right.add(expected);
+        if ((may & ABSENT) != 0) right.add(quoted(absent) + " of an absent service");
+        if ((may & BROKEN) != 0) right.add(quoted(broken) + " of a broken call");
+        return found + "; right is " + String.join(" or ", right);
     }
 
-    static String quoted(String text) {
-        if (text == null) return "null";
+    /** A number as it is, a text in quotes and not too long. */
+    static String quoted(Object value) {
+        if (!(value instanceof String text)) return String.valueOf(value);
         return '"' + (text.length() > 80 ? text.substring(0, 80) + "..." : text) + '"';
-    }
-
-    /** A method that answers a number. */
-    static final class OfNumber extends Call {
-        interface Deed {
-            int call(KvNativeInterface library, Caller caller);
-        }
-
-        private final int healthy;
-        private final int broken;
-        private final Deed deed;
-
-        OfNumber(String method, String service, int healthy, int broken, Deed deed) {
-            super(method, service);
-            this.healthy = healthy;
-            this.broken = broken;
-            this.deed = deed;
-        }
-
-        @Override
-        void make(Caller caller) {
-            caller.number = deed.call(caller.library, caller);
-        }
-
-        @Override
-        boolean isRight(Caller caller, int may) {
-            int number = caller.number;
-            return ((may & HEALTHY) != 0 && number == healthy)
-                    || ((may & ABSENT) != 0 && number == KvNativeInterface.SERVICE_ABSENT)
-                    || ((may & BROKEN) != 0 && number == broken);
-        }
-
-        @Override
-        boolean isAbsent(Caller caller) {
-            return caller.number == KvNativeInterface.SERVICE_ABSENT;
-        }
-
-        @Override
-        String answer(Caller caller) {
-            return String.valueOf(caller.number);
-        }
-
-        @Override
-        String healthyAnswer(Caller caller) {
-            return String.valueOf(healthy);
-        }
-
-        @Override
-        String brokenAnswer() {
-            return String.valueOf(broken);
-        }
-
-        @Override
-        String absentAnswer() {
-            return String.valueOf(KvNativeInterface.SERVICE_ABSENT);
-        }
-    }
-
-    /** A method that answers a text. */
-    static class OfText extends Call {
-        interface Deed {
-            String call(KvNativeInterface library, Caller caller);
-        }
-
-        private final String healthy;
-        private final String broken;
-        private final Deed deed;
-
-        OfText(String method, String service, String healthy, String broken, Deed deed) {
-            super(method, service);
-            this.healthy = healthy;
-            this.broken = broken;
-            this.deed = deed;
-        }
-
-        @Override
-        void make(Caller caller) {
-            caller.text = deed.call(caller.library, caller);
-        }
-
-        boolean isHealthy(Caller caller) {
-            return healthy.equals(caller.text);
-        }
-
-        @Override
-        boolean isRight(Caller caller, int may) {
-            return ((may & HEALTHY) != 0 && isHealthy(caller))
-                    || ((may & ABSENT) != 0 && isAbsent(caller))
-                    || ((may & BROKEN) != 0 && broken.equals(caller.text));
-        }
-
-        @Override
-        boolean isAbsent(Caller caller) {
-            return KvNativeInterface.INVALID_SERVICE.equals(caller.text);
-        }
-
-        @Override
-        String answer(Caller caller) {
-            return quoted(caller.text);
-        }
-
-        @Override
-        String healthyAnswer(Caller caller) {
-            return quoted(healthy);
-        }
-
-        @Override
-        String brokenAnswer() {
-            return quoted(broken);
-        }
-    }
-
-    /** Reads one of the caller's own texts in the device. */
-    static final class OfStoredText extends OfText {
-        private final Stored.Kind kind;
-
-        OfStoredText(String method, Stored.Kind kind, Deed deed) {
-            super(method, "factory", null, "", deed);
-            this.kind = kind;
-        }
-
-        @Override
-        boolean isHealthy(Caller caller) {
-            return caller.stored(kind).isOneOf(caller.slot, caller.text);
-        }
-
-        @Override
-        boolean isRight(Caller caller, int may) {
-            if (!super.isRight(caller, may)) return false;
-            if (may == HEALTHY) caller.stored(kind).found(caller.slot, caller.text);
-            return true;
-        }
-
-        @Override
-        String healthyAnswer(Caller caller) {
-            return caller.stored(kind).expected(caller.slot);
-        }
-    }
-
-    /** Writes one of the caller's own texts in the device. */
-    static final class OfStoring extends Call {
-        private final Stored.Kind kind;
-        private final Call call;
-
-        OfStoring(String method, Stored.Kind kind, int broken, OfNumber.Deed deed) {
-            super(method, "factory");
-            this.kind = kind;
-            call = new OfNumber(method, "factory", 0, broken, deed);
-        }
-
-        @Override
-        void make(Caller caller) {
-            caller.storing = caller.stored(kind).toWrite(caller.slot, caller.first());
-            call.make(caller);
-        }
-
-        @Override
-        boolean isRight(Caller caller, int may) {
-            if (!call.isRight(caller, may)) return false;
-            if (!isAbsent(caller)) {
-                caller.stored(kind).wrote(caller.slot, caller.storing, may == HEALTHY);
-            }
-            return true;
-        }
-
-        @Override
-        boolean isAbsent(Caller caller) {
-            return call.isAbsent(caller);
-        }
-
-        @Override
-        String answer(Caller caller) {
-            return call.answer(caller);
-        }
-
-        @Override
-        String healthyAnswer(Caller caller) {
-            return call.healthyAnswer(caller);
-        }
-
-        @Override
-        String brokenAnswer() {
-            return call.brokenAnswer();
-        }
-
-        @Override
-        String absentAnswer() {
-            return call.absentAnswer();
-        }
-    }
-
-    /** The method that answers two numbers, each of a call of its own. */
-    static final class OfPair extends Call {
-        interface Deed {
-            int[] call(KvNativeInterface library, Caller caller);
-        }
-
-        private final int healthy;
-        private final int broken;
-        private final Deed deed;
-
-        OfPair(String method, String service, int healthy, int broken, Deed deed) {
-            super(method, service);
-            this.healthy = healthy;
-            this.broken = broken;
-            this.deed = deed;
-        }
-
-        @Override
-        void make(Caller caller) {
-            caller.pair = deed.call(caller.library, caller);
-        }
-
-        private boolean isPair(Caller caller, int first, int second) {
-            return caller.pair[0] == first && caller.pair[1] == second;
-        }
-
-        // A service that died in the first call is dead in the second.
-        @Override
-        boolean isRight(Caller caller, int may) {
-            if (caller.pair == null || caller.pair.length != 2) return false;
-            return ((may & HEALTHY) != 0 && isPair(caller, healthy, healthy))
-                    || ((may & ABSENT) != 0 && isAbsent(caller))
-                    || ((may & BROKEN) != 0
-                            && (isPair(caller, healthy, broken) || isPair(caller, broken, broken)));
-        }
-
-        @Override
-        boolean isAbsent(Caller caller) {
-            return isPair(caller, KvNativeInterface.SERVICE_ABSENT,
-                    KvNativeInterface.SERVICE_ABSENT);
-        }
-
-        @Override
-        String answer(Caller caller) {
-            return java.util.Arrays.toString(caller.pair);
-        }
-
-        @Override
-        String healthyAnswer(Caller caller) {
-            return "[" + healthy + ", " + healthy + "]";
-        }
-
-        @Override
-        String brokenAnswer() {
-            return "[" + healthy + " or " + broken + ", " + broken + "]";
-        }
-
-        @Override
-        String absentAnswer() {
-            int absent = KvNativeInterface.SERVICE_ABSENT;
-            return "[" + absent + ", " + absent + "]";
-        }
     }
 }

@@ -1,9 +1,13 @@
 package com.quorvin.kalvornii.soak;
 
+import static java.nio.charset.StandardCharsets.ISO_8859_1;
+
 import com.quorvin.kalvornii.BigDataOperation;
 import com.quorvin.kalvornii.BigDataValue;
 import com.quorvin.kalvornii.KvNativeInterface;
 import com.quorvin.kalvornii.simulated.SimulatedDevice.Backend;
+import com.quorvin.kalvornii.soak.Situation.Way;
+import java.lang.reflect.Field;
 import java.util.EnumMap;
 import java.util.List;
 import java.util.Map;
@@ -13,33 +17,23 @@ import java.util.Map;
  * of numbers that the seed decides; nothing is allocated for a call but its result.
  */
 final class Caller {
-    /** How a call was served, for its duration. */
-    enum Way {
-        AIDL,
-        HIDL,
-        ABSENT,
-        NO_SERVICE
-    }
-
     private static final String[] TEXTS = {
         "", "a", "RT5", "emmc_rw", "size=64M;loops=12", "38.2 °C", "prüfen: µA ±5 %", "测试通过",
-        Calls.longText(100, 'A'), Calls.longText(120, 'α'), Calls.longText(1000, 'a'),
-        Calls.longText(330, '一'),
+        "ABCDEFGHIJ".repeat(10), "αβγδεζηθικλμ".repeat(10), "abcdefghij".repeat(100),
+        "一丁丂七丄丅丆万丈三上".repeat(30),
     };
     private static final String SIXTEEN = "0123456789abcdef";
 
     // The last answer, and what the calls are made with.
-    int number;
-    String text;
-    int[] pair;
+    Object answer;
     String fieldBefore;
     String storing;
     int slot;
     int mode;
     final KvNativeInterface library = new KvNativeInterface();
-    final byte[] bytes = Calls.bytes(64);
-    final BigDataOperation operation = Calls.operation(SIXTEEN);
-    final BigDataValue measured = Calls.value(SIXTEEN);
+    final byte[] bytes = "\0\7\16\u00ff".repeat(16).getBytes(ISO_8859_1);
+    final BigDataOperation operation = filled(new BigDataOperation());
+    final BigDataValue measured = filled(new BigDataValue());
 
     private final int index;
     private final Situation situation;
@@ -50,6 +44,7 @@ final class Caller {
     private long random;
     private boolean uniform;
     private String wrong;
+    private String verdict;
 
     Caller(int index, long seed, Situation situation, List<Call> calls) {
         this.index = index;
@@ -66,15 +61,19 @@ final class Caller {
     // What the calls ask for as arguments.
 
     String first() {
-        return uniform ? SIXTEEN : TEXTS[(int) (random >>> 8 & 0xffff) % TEXTS.length];
+        return text(8);
     }
 
     String second() {
-        return uniform ? SIXTEEN : TEXTS[(int) (random >>> 24 & 0xffff) % TEXTS.length];
+        return text(24);
     }
 
     String third() {
-        return uniform ? SIXTEEN : TEXTS[(int) (random >>> 40 & 0xffff) % TEXTS.length];
+        return text(40);
+    }
+
+    private String text(int bits) {
+        return uniform ? SIXTEEN : TEXTS[(int) (random >>> bits & 0xffff) % TEXTS.length];
     }
 
     String shortText() {
@@ -107,16 +106,14 @@ final class Caller {
         }
     }
 
-    /** Calls a method again and again with texts of sixteen characters; false as above. */
-    boolean callUniformly(int chosen, int times) {
+    /** Calls a method again and again with texts of sixteen characters, up to a wrong answer. */
+    void callUniformly(int chosen, int times) {
         uniform = true;
-        boolean right = true;
-        for (int i = 0; i < times && right; i++) {
+        for (int i = 0; i < times && wrong == null; i++) {
             advance();
-            right = call(chosen);
+            call(chosen);
         }
         uniform = false;
-        return right;
     }
 
     private void advance() {
@@ -131,32 +128,26 @@ final class Caller {
         int service = services[chosen];
         int changes = situation.changes();
         int may = situation.may(service);
-        call.rememberField(this);
+        call.prepare(this);
         long start = System.nanoTime();
         call.make(this);
         long end = System.nanoTime();
         if (situation.changes() != changes && service >= 0) may = Call.ANYTHING;
-        Backend backend = situation.backend(service);
-        boolean overHidl = backend == Backend.HIDL;
-        if (!call.isAllRight(this, overHidl, may)) {
+        boolean overHidl = situation.backend(service) == Backend.HIDL;
+        if (!call.isRight(this, overHidl, may)) {
             Native.freezeLog();
-            wrong = call.method + "\t" + call.verdict(this, overHidl, may) + "; the arguments were "
-                    + "made of " + value() + ", " + Call.quoted(first()) + ", "
-                    + Call.quoted(second()) + ", " + Call.quoted(third());
+            wrong = call.method;
+            verdict = call.verdict(this, overHidl, may) + "; the arguments were made of " + value()
+                    + ", " + Call.quoted(first()) + ", " + Call.quoted(second()) + ", "
+                    + Call.quoted(third());
             return false;
         }
         if (may == Call.HEALTHY || may == Call.ABSENT) {
-            Way way = service < 0 ? Way.NO_SERVICE
-                    : may == Call.ABSENT ? Way.ABSENT : overHidl ? Way.HIDL : Way.AIDL;
-            histogram(chosen, way).add(end - start);
+            int way = situation.way(service, may).ordinal();
+            if (durations[chosen][way] == null) durations[chosen][way] = new Histogram();
+            durations[chosen][way].add(end - start);
         }
         return true;
-    }
-
-    private Histogram histogram(int chosen, Way way) {
-        Histogram[] ways = durations[chosen];
-        if (ways[way.ordinal()] == null) ways[way.ordinal()] = new Histogram();
-        return ways[way.ordinal()];
     }
 
     /** Of a call that went this way; null when none did. */
@@ -164,8 +155,24 @@ final class Caller {
         return durations[chosen][way.ordinal()];
     }
 
-    /** The method with a wrong answer, a tab, and what was wrong; null while all are right. */
+    /** The method with a wrong answer; null while all are right. */
     String wrong() {
         return wrong;
+    }
+
+    /** What was wrong with it. */
+    String verdict() {
+        return verdict;
+    }
+
+    private static <T> T filled(T record) {
+        try {
+            for (Field field : record.getClass().getFields()) {
+                if (field.getType() == String.class) field.set(record, SIXTEEN);
+            }
+        } catch (IllegalAccessException e) {
+            throw new IllegalStateException(e);
+        }
+        return record;
     }
 }

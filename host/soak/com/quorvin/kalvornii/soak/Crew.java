@@ -1,24 +1,27 @@
 package com.quorvin.kalvornii.soak;
 
+import java.util.ArrayList;
 import java.util.List;
+import java.util.concurrent.ExecutionException;
+import java.util.concurrent.ExecutorService;
+import java.util.concurrent.Executors;
+import java.util.concurrent.Future;
 
 /** Callers at work, each on a thread of its own; a foreman's one thread gives the orders. */
 final class Crew {
     private final List<Caller> callers;
-    private long order;
-    private int busy;
-    private long wanted;
+    private final ExecutorService threads;
+    private final List<Future<Long>> shifts = new ArrayList<>();
     private long made;
     private volatile boolean enough;
 
     Crew(List<Caller> callers) {
         this.callers = callers;
-        for (int i = 0; i < callers.size(); i++) {
-            int index = i;
-            Thread thread = new Thread(() -> serve(index), "caller");
+        threads = Executors.newFixedThreadPool(callers.size(), work -> {
+            Thread thread = new Thread(work, "caller");
             thread.setDaemon(true);
-            thread.start();
-        }
+            return thread;
+        });
     }
 
     /** So many calls, among all; returns when they are made. */
@@ -28,12 +31,13 @@ final class Crew {
     }
 
     /** Begins with at most so many calls. */
-    synchronized void start(long calls) {
+    void start(long calls) {
         enough = false;
-        wanted = calls;
-        busy = callers.size();
-        order++;
-        notifyAll();
+        for (int i = 0; i < callers.size(); i++) {
+            Caller caller = callers.get(i);
+            long share = (calls + i) / callers.size();
+            shifts.add(threads.submit(() -> call(caller, share)));
+        }
     }
 
     /** Lets all finish the calls that they make now. */
@@ -42,45 +46,26 @@ final class Crew {
         await();
     }
 
-    private synchronized void await() {
-        while (busy > 0) waitHere();
-    }
-
     /** How many calls were made so far; while nobody works. */
-    synchronized long made() {
+    long made() {
         return made;
     }
 
-    private void serve(int index) {
-        Caller caller = callers.get(index);
-        for (long done = 0;; done++) {
-            long calls = next(done, index);
-            long count = 0;
-            while (count < calls && !enough) {
-                count++;
-                if (!caller.callAny()) enough = true;
-            }
-            finished(count);
+    private long call(Caller caller, long calls) {
+        long count = 0;
+        while (count < calls && !enough) {
+            count++;
+            if (!caller.callAny()) enough = true;
         }
+        return count;
     }
 
-    /** The part of an order that is one caller's. */
-    private synchronized long next(long done, int index) {
-        while (order == done) waitHere();
-        return (wanted + index) / callers.size();
-    }
-
-    private synchronized void finished(long count) {
-        made += count;
-        busy--;
-        notifyAll();
-    }
-
-    private void waitHere() {
+    private void await() {
         try {
-            wait();
-        } catch (InterruptedException e) {
+            for (Future<Long> shift : shifts) made += shift.get();
+        } catch (InterruptedException | ExecutionException e) {
             throw new IllegalStateException(e);
         }
+        shifts.clear();
     }
 }

@@ -5,7 +5,12 @@ import static com.quorvin.kalvornii.simulated.SimulatedDevice.Backend.HIDL;
 
 import com.quorvin.kalvornii.simulated.SimulatedDevice;
 import com.quorvin.kalvornii.simulated.SimulatedDevice.Backend;
+import com.quorvin.kalvornii.soak.Situation.Way;
+import java.io.FileDescriptor;
+import java.io.FileOutputStream;
 import java.io.IOException;
+import java.io.ObjectOutputStream;
+import java.io.UncheckedIOException;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.Random;
@@ -13,8 +18,7 @@ import java.util.concurrent.locks.LockSupport;
 
 /**
  * The part of a soak on one device, in a process of its own. What it finds goes to standard output,
- * a line each with its values parted by tabs (see DeviceResult); it ends early when standard input
- * ends, and at the first wrong answer, with status 1.
+ * as objects; it ends early when standard input ends, and at the first wrong answer, with status 1.
  */
 final class DeviceRun {
     private static final int SAMPLES = 200;
@@ -23,7 +27,7 @@ final class DeviceRun {
     private static final int LONGEST = 10_000;
     private static final int MEASURED = 100;
     private static final int MEASUREMENTS = 7;
-    private static final long PROGRESS_NS = 200_000_000;
+    private static final long STATE_NS = 200_000_000;
     /** As often as the death of all services at once was played on a real platform. */
     private static final int DEATHS_OF_ALL = 40;
 
@@ -31,17 +35,15 @@ final class DeviceRun {
     private final int deaths;
     private final String plant;
     private final Random random;
-    private final Situation situation;
+    private final Situation situation = new Situation();
     private final List<Call> table = Calls.all();
     private final List<Caller> callers = new ArrayList<>();
     private final Crew crew;
-    private final long[] figures = new long[Native.FIGURES];
-    private final long start = System.nanoTime();
-    private long lastProgress;
+    private final ObjectOutputStream findings;
+    private long lastState;
     private int died;
-    private String happened = "no death yet";
-    private int diedOverHidl;
     private int deathsOfAll;
+    private String happened = "no death yet";
     private volatile boolean stopped;
 
     // Of the second half.
@@ -49,19 +51,19 @@ final class DeviceRun {
     private final Growth ofAidlDeaths = new Growth();
     private final Growth ofHidlDeaths = new Growth();
 
-    private DeviceRun(long calls, int deaths, long seed, String plant) {
+    private DeviceRun(long calls, int deaths, long seed, String plant) throws IOException {
         this.calls = calls;
         this.plant = plant;
         random = new Random(seed);
-        situation = new Situation();
         this.deaths = situation.has(AIDL) || situation.has(HIDL) ? deaths : 0;
         deathsOfAll = Math.min(DEATHS_OF_ALL, deaths / 4);
         for (int i = 0; i < CALLERS; i++) callers.add(new Caller(i, seed, situation, table));
         crew = new Crew(callers);
+        findings = new ObjectOutputStream(new FileOutputStream(FileDescriptor.out));
     }
 
     /** Arguments: calls, deaths, seed, the log's file, the service's method to plant or "". */
-    public static void main(String[] arguments) {
+    public static void main(String[] arguments) throws IOException {
         if (!Native.keepLog(arguments[3])) {
             throw new IllegalStateException("cannot write " + arguments[3]);
         }
@@ -81,16 +83,16 @@ final class DeviceRun {
             if (!isOver()) measureEachCall();
         } catch (RuntimeException e) {
             Native.freezeLog();
-            tell("failed", e.toString());
+            tell(new Finding.End(e.toString(), true));
             return false;
         }
         boolean right = tellWrong();
         tellDurations();
-        tellGrowth("calls", ofCalls);
-        tellGrowth("AIDL deaths", ofAidlDeaths);
-        tellGrowth("HIDL deaths", ofHidlDeaths);
-        tellProgress();
-        tell("end", stopped ? "stopped" : "done");
+        tell(ofCalls.grown("calls"));
+        tell(ofAidlDeaths.grown("AIDL deaths"));
+        tell(ofHidlDeaths.grown("HIDL deaths"));
+        tellState();
+        tell(new Finding.End(stopped ? "stopped" : "done", false));
         return right;
     }
 
@@ -111,7 +113,7 @@ final class DeviceRun {
     private void playCallsAndDeaths() {
         long stretches = Math.max(calls / LONGEST, Math.max(deaths, SAMPLES));
         if (deathsOfAll > 0) Native.groupProcesses("one");
-        sample();
+        tell(look());
         for (long i = 0; i < stretches && !isOver(); i++) {
             long left = Math.max(0, calls * (i + 1) / stretches - crew.made());
             boolean dies = deaths * (i + 1) / stretches > deaths * i / stretches;
@@ -123,15 +125,13 @@ final class DeviceRun {
             long callsBefore = crew.made();
             crew.work(dies ? left - left / 2 : left);
             long between = Native.bytesInUse();
-            if (secondHalf) {
-                ofCalls.add(crew.made() - callsBefore, between - before);
-            }
+            if (secondHalf) ofCalls.add(crew.made() - callsBefore, between - before);
             if (dies && !isOver()) {
                 Growth ofDeaths = die(left / 2) ? ofHidlDeaths : ofAidlDeaths;
                 if (secondHalf) ofDeaths.add(1, Native.bytesInUse() - between);
             }
-            if (SAMPLES * (i + 1) / stretches > SAMPLES * i / stretches) sample();
-            tellProgressNowAndThen();
+            if (SAMPLES * (i + 1) / stretches > SAMPLES * i / stretches) tell(look());
+            tellStateNowAndThen();
         }
         // What the last death left over.
         if (!isOver()) crew.work(Math.max(0, calls - crew.made()));
@@ -139,39 +139,36 @@ final class DeviceRun {
 
     /** Somebody dies and comes back; true when somebody of HIDL did. */
     private boolean die(long spareCalls) {
-        boolean all = deathsOfAll > 0;
-        List<String> mortal = new ArrayList<>(situation.services);
-        mortal.removeIf(service -> SimulatedDevice.runs(service) == null);
-        String service = mortal.get(random.nextInt(mortal.size()));
-        Backend backend = SimulatedDevice.runs(service);
-        boolean ofProcess = all || random.nextBoolean();
-        boolean hidlDies = all ? situation.has(HIDL) : backend == HIDL;
-        Death death = new Death(service, backend, ofProcess);
+        Death death = chooseDeath();
+        boolean hidlDies = death.what.equals("all") ? situation.has(HIDL) : death.backend == HIDL;
         if (!hidlDies && random.nextBoolean()) {
             dieUnderCalls(death, spareCalls);
         } else {
-            dieBetweenCalls(death, spareCalls, hidlDies, all);
+            dieBetweenCalls(death, spareCalls, hidlDies);
         }
         died++;
         if (isOver()) return hidlDies;
-        happen(death, "after");
+        happened = "after the death of " + death;
         situation.allHealthy();
-        if (hidlDies) diedOverHidl++;
-        if (all && --deathsOfAll == 0) {
-            look();
-            tell("all", died, figures[Native.LISTENERS], figures[Native.NOTIFICATIONS]);
+        if (death.what.equals("all") && --deathsOfAll == 0) {
+            Finding.Sample now = look();
+            tell(new Finding.AfterDeathsOfAll(died, now.listeners(), now.notifications()));
             Native.groupProcesses("device");
         }
         return hidlDies;
     }
 
-    private void happen(Death death, String what) {
-        happened = what + " the death of " + death;
+    private Death chooseDeath() {
+        List<String> mortal = new ArrayList<>(situation.services);
+        mortal.removeIf(service -> SimulatedDevice.runs(service) == null);
+        String service = mortal.get(random.nextInt(mortal.size()));
+        String what = deathsOfAll > 0 ? "all" : random.nextBoolean() ? "process" : "one";
+        return new Death(service, SimulatedDevice.runs(service), what);
     }
 
     /** Only over AIDL: a call on a dead HIDL service ends the process, as on a device. */
     private void dieUnderCalls(Death death, long spareCalls) {
-        happen(death, "during");
+        happened = "during the death of " + death;
         situation.aidlInTurmoil();
         crew.start(spareCalls);
         pause();
@@ -182,49 +179,48 @@ final class DeviceRun {
         crew.stop();
     }
 
-    private void dieBetweenCalls(Death death, long spareCalls, boolean hidlDies, boolean alone) {
+    private void dieBetweenCalls(Death death, long spareCalls, boolean hidlDies) {
         death.kill();
-        happen(death, "away after");
+        happened = "away after the death of " + death;
         situation.away();
         crew.work(spareCalls / 2);
         if (isOver()) return;
-        happen(death, "on the return from");
+        happened = "on the return from the death of " + death;
         situation.coming();
-        boolean underCalls = !alone && random.nextBoolean();
+        boolean underCalls = !death.what.equals("all") && random.nextBoolean();
         if (underCalls) crew.start(spareCalls - spareCalls / 2);
-        look();
+        long listeners = look().listeners();
         long begin = System.nanoTime();
         death.restart();
         SimulatedDevice.settle();
         long end = System.nanoTime();
         if (underCalls) {
             crew.stop();
-        } else {
-            tell("restart", hidlDies ? "HIDL" : "AIDL", hidlDies ? diedOverHidl + 1 : died + 1,
-                    figures[Native.LISTENERS], alone ? "all" : death.ofProcess ? "process" : "one",
-                    (end - begin) / 1000);
+        } else if (hidlDies) {
+            tell(new Finding.Restart(listeners, death.what, (end - begin) / 1000));
         }
     }
 
-    private record Death(String service, Backend backend, boolean ofProcess) {
+    /** Of "one" service, of a "process" with several, or of "all", which are in one process. */
+    private record Death(String service, Backend backend, String what) {
         @Override
         public String toString() {
-            return (ofProcess ? "the process of " : "") + service + " over " + backend;
+            return (what.equals("one") ? "" : "the process of ") + service + " over " + backend;
         }
 
         void kill() {
-            if (ofProcess) {
-                SimulatedDevice.killProcess(service);
-            } else {
+            if (what.equals("one")) {
                 SimulatedDevice.kill(backend, service);
+            } else {
+                SimulatedDevice.killProcess(service);
             }
         }
 
         void restart() {
-            if (ofProcess) {
-                SimulatedDevice.restartProcess(service);
-            } else {
+            if (what.equals("one")) {
                 SimulatedDevice.restart(backend, service);
+            } else {
+                SimulatedDevice.restartProcess(service);
             }
         }
     }
@@ -233,9 +229,9 @@ final class DeviceRun {
         if (random.nextBoolean()) LockSupport.parkNanos(random.nextInt(300_000));
     }
 
-    /** What each call leaves behind. */
+    /** What each call leaves behind; told at the end, since to tell makes the compiler busy. */
     private void measureEachCall() {
-        long measured = 0;
+        List<Finding> kept = new ArrayList<>();
         for (int i = 0; i < table.size() && !isOver(); i++) {
             Growth growth = new Growth();
             for (int n = 0; n < MEASUREMENTS && !isOver(); n++) {
@@ -243,82 +239,88 @@ final class DeviceRun {
                 callers.get(0).callUniformly(i, MEASURED);
                 growth.add(MEASURED, Native.bytesInUse() - before);
             }
-            measured += growth.count();
-            tellKept(table.get(i), growth.typical());
-            tellProgressNowAndThen();
+            Call call = table.get(i);
+            int service = situation.indexOf(call);
+            Way way = situation.way(service, situation.may(service));
+            Call.Keeps keeping =
+                    way == Way.ABSENT ? Call.Keeps.TEXTS_WHEN_ABSENT : Call.Keeps.TEXTS;
+            kept.add(new Finding.Kept(call.method, way, call.keeps == keeping, growth.typical(),
+                    growth.count));
         }
-        tell("measured", measured);
+        kept.forEach(this::tell);
     }
 
-    private void tellKept(Call call, double bytes) {
-        int service = situation.indexOf(call);
-        boolean absent = situation.may(service) == Call.ABSENT;
-        boolean keeps = absent ? call.keeps == Call.Keeps.TEXTS_WHEN_ABSENT
-                : call.keeps == Call.Keeps.TEXTS;
-        String way = service < 0 ? "NO_SERVICE" : absent ? "ABSENT"
-                : situation.backend(service).name();
-        tell("kept", call.method, way, keeps, bytes);
+    /**
+     * By how much memory in use grew, stretch by stretch. The virtual machine itself takes and
+     * gives much now and then, which the typical stretch is free of.
+     */
+    private static final class Growth {
+        private final List<Double> each = new ArrayList<>();
+        private long count;
+        private long total;
+
+        /** A stretch of so many calls or deaths, and the bytes that it left. */
+        void add(long length, long bytes) {
+            if (length == 0) return;
+            each.add(bytes / (double) length);
+            count += length;
+            total += bytes;
+        }
+
+        /** The median of the stretches, in bytes for each call or death. */
+        double typical() {
+            return each.isEmpty() ? 0 : each.stream().sorted().toList().get(each.size() / 2);
+        }
+
+        Finding.Grown grown(String what) {
+            return new Finding.Grown(what, each.size(), count, typical(), total);
+        }
     }
 
     // What is told.
 
-    private static void tell(String kind, Object... values) {
-        StringBuilder line = new StringBuilder(kind);
-        for (Object value : values) line.append('\t').append(value);
-        synchronized (System.out) {
-            System.out.println(line.toString().replace("\n", "\\n").replace("\r", "\\r"));
-            System.out.flush();
+    private void tell(Finding finding) {
+        try {
+            findings.writeObject(finding);
+            findings.reset();  // or it would remember all
+            findings.flush();
+        } catch (IOException e) {
+            throw new UncheckedIOException(e);
         }
     }
 
-    private void look() {
-        Native.look(figures);
+    private Finding.Sample look() {
+        long[] seen = Native.look();
+        return new Finding.Sample(crew.made(), died, seen[0], seen[1], seen[2], seen[3], seen[4],
+                seen[5], seen[6], seen[7]);
     }
 
-    private void sample() {
-        System.gc();
-        Runtime heap = Runtime.getRuntime();
-        long heapUsed = heap.totalMemory() - heap.freeMemory();
-        look();
-        tell("sample", crew.made(), died, (System.nanoTime() - start) / 1_000_000,
-                figures[Native.RESIDENT], figures[Native.IN_USE], figures[Native.LIVE_SERVICES],
-                figures[Native.DEATH_LINKS], figures[Native.LISTENERS],
-                figures[Native.NOTIFICATIONS], figures[Native.THREADS], figures[Native.FILES],
-                heapUsed);
+    private void tellStateNowAndThen() {
+        if (System.nanoTime() - lastState >= STATE_NS) tellState();
     }
 
-    private void tellProgressNowAndThen() {
-        if (System.nanoTime() - lastProgress >= PROGRESS_NS) tellProgress();
-    }
-
-    private void tellProgress() {
-        lastProgress = System.nanoTime();
-        look();
-        tell("progress", crew.made(), died, figures[Native.RESIDENT]);
+    private void tellState() {
+        lastState = System.nanoTime();
+        tell(new Finding.State(crew.made(), died, look().resident()));
     }
 
     private boolean tellWrong() {
         boolean right = true;
         for (Caller caller : callers) {
             if (caller.wrong() == null) continue;
-            tell("wrong", caller.wrong(), died, happened);
+            tell(new Finding.Wrong(caller.wrong(), caller.verdict(), died, happened));
             right = false;
         }
         return right;
     }
 
-    private static void tellGrowth(String what, Growth growth) {
-        if (!growth.isTypical()) return;
-        tell("growth", what, growth.count(), growth.typical(), growth.total());
-    }
-
     private void tellDurations() {
         for (int i = 0; i < table.size(); i++) {
-            for (Caller.Way way : Caller.Way.values()) {
+            for (Way way : Way.values()) {
                 for (Caller caller : callers) {
                     Histogram durations = caller.durations(i, way);
                     if (durations == null) continue;
-                    tell("latency", table.get(i).method, way, durations.format());
+                    tell(new Finding.Latency(table.get(i).method, way, durations));
                 }
             }
         }

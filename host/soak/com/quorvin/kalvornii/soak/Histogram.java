@@ -1,10 +1,13 @@
 package com.quorvin.kalvornii.soak;
 
+import java.io.Serializable;
+
 /**
  * Durations in nanoseconds, counted in steps of a sixteenth of their power of two: of a fixed size,
  * and exact to 6 %. The greatest is kept as it was.
  */
-final class Histogram {
+final class Histogram implements Serializable {
+    private static final long serialVersionUID = 1;
     private static final int STEPS = 16;
     private static final int POWERS = 40;
 
@@ -41,28 +44,6 @@ final class Histogram {
             if (seen >= wanted) return Math.min(end(i), greatest);
         }
         return greatest;
-    }
-
-    /** As {@link #parse} reads it: the greatest, then step and count of each step that has any. */
-    String format() {
-        StringBuilder text = new StringBuilder().append(greatest);
-        for (int i = 0; i < counts.length; i++) {
-            if (counts[i] > 0) text.append(' ').append(i).append(':').append(counts[i]);
-        }
-        return text.toString();
-    }
-
-    static Histogram parse(String text) {
-        Histogram histogram = new Histogram();
-        String[] words = text.split(" ");
-        histogram.greatest = Long.parseLong(words[0]);
-        for (int i = 1; i < words.length; i++) {
-            int colon = words[i].indexOf(':');
-            long counted = Long.parseLong(words[i].substring(colon + 1));
-            histogram.counts[Integer.parseInt(words[i].substring(0, colon))] = counted;
-            histogram.count += counted;
-        }
-        return histogram;
     }
 
     // The first sixteen steps are one nanosecond each, and so are the next; then two, four ...

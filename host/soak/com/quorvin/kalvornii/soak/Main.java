@@ -2,8 +2,8 @@ package com.quorvin.kalvornii.soak;
 
 import static java.nio.charset.StandardCharsets.UTF_8;
 
-import java.io.BufferedReader;
 import java.io.IOException;
+import java.io.ObjectInputStream;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
@@ -11,6 +11,8 @@ import java.util.List;
 import java.util.Map;
 import java.util.concurrent.CountDownLatch;
 import java.util.concurrent.TimeUnit;
+import java.util.stream.Collectors;
+import java.util.stream.Stream;
 
 /**
  * Soaks the library: one process after the other for the devices, then the report. Arguments, as
@@ -22,6 +24,11 @@ final class Main {
     private static final Map<String, int[]> SHARES = Map.of("aidl", new int[] {40, 40}, "hidl",
             new int[] {30, 30}, "mixed", new int[] {25, 30}, "bare", new int[] {5, 0});
     private static final long SILENCE_SECONDS = 120;
+
+    // Beside the report, while a device is soaked or when that failed.
+    private static final String LOG = ".log-ring";
+    private static final String ERRORS = ".stderr";
+    private static final String CRASH = ".crash";
 
     private final Path project;
     private final Settings settings;
@@ -46,7 +53,7 @@ final class Main {
         progress = new Progress(settings.calls, settings.seconds, Integer.parseInt(arguments[7]));
     }
 
-    public static void main(String[] arguments) throws IOException {
+    public static void main(String[] arguments) throws IOException, InterruptedException {
         Main soak = new Main(arguments);
         Runtime.getRuntime().addShutdownHook(new Thread(soak::onInterrupt));
         int status;
@@ -70,7 +77,7 @@ final class Main {
         }
     }
 
-    private int run() throws IOException {
+    private int run() throws IOException, InterruptedException {
         Files.createDirectories(settings.folder);
         Thread clock = new Thread(this::watch, "clock");
         clock.setDaemon(true);
@@ -143,35 +150,53 @@ final class Main {
         return whole * (before + SHARES.get(device)[which]) / all - whole * before / all;
     }
 
-    private void soak(DeviceResult result) throws IOException {
-        Path ring = settings.folder.resolve(result.device + ".log-ring");
-        Path errors = settings.folder.resolve(result.device + ".stderr");
+    private void soak(DeviceResult result) throws IOException, InterruptedException {
+        for (String ending : List.of(LOG, ERRORS, CRASH)) {
+            Files.deleteIfExists(file(result.device, ending));
+        }
         synchronized (this) {
             if (stopped) return;
-            process = new ProcessBuilder(command(result.device, ring))
-                    .redirectError(errors.toFile()).start();
+            process = new ProcessBuilder(command(result.device))
+                    .redirectError(file(result.device, ERRORS).toFile()).start();
         }
         lastHeard = System.nanoTime();
-        try (BufferedReader lines = process.inputReader(UTF_8)) {
-            for (String line = lines.readLine(); line != null; line = lines.readLine()) {
-                lastHeard = System.nanoTime();
-                result.take(line);
-                if (line.startsWith("progress")) show(result);
-            }
-        }
+        hear(result);
+        int status = process.waitFor();
         lastHeard = 0;
-        int status = awaitEnd();
         if (result.failure == null && (result.end == null || (status != 0) == result.isRight())) {
             result.failure = "its process ended with status " + status;
         }
-        if (!result.isRight()) result.log = LogRing.read(ring);
-        if (result.failure != null) {
-            List<String> said = Files.readAllLines(errors, UTF_8);
-            result.failure += said.stream().limit(20).map(line -> "\n  " + line)
-                    .reduce("", String::concat);
+        if (!result.isRight()) result.log = LogRing.read(file(result.device, LOG));
+        Files.deleteIfExists(file(result.device, LOG));
+        if (result.failure == null) {
+            Files.deleteIfExists(file(result.device, ERRORS));
+        } else {
+            result.failure += beginning(file(result.device, ERRORS))
+                    + beginning(file(result.device, CRASH));
         }
-        Files.deleteIfExists(ring);
-        if (result.failure == null) Files.deleteIfExists(errors);
+    }
+
+    /** Of a file that may not be there. */
+    private static String beginning(Path file) throws IOException {
+        if (!Files.exists(file)) return "";
+        try (Stream<String> lines = Files.lines(file, UTF_8)) {
+            return lines.limit(20).map(line -> "\n  " + line).collect(Collectors.joining());
+        }
+    }
+
+    private void hear(DeviceResult result) {
+        try (ObjectInputStream findings = new ObjectInputStream(process.getInputStream())) {
+            while (true) {
+                Finding finding = (Finding) findings.readObject();
+                lastHeard = System.nanoTime();
+                result.take(finding);
+                if (finding instanceof Finding.State) show(result);
+            }
+        } catch (IOException e) {
+            // it has ended, as its status tells
+        } catch (ClassNotFoundException e) {
+            throw new IllegalStateException(e);
+        }
     }
 
     /**
@@ -179,39 +204,35 @@ final class Main {
      * all: a Java heap of a fixed size, all of it touched, a collector that returns nothing, one
      * compiler that is soon done, and no caches of freed memory for each thread.
      */
-    private List<String> command(String device, Path ring) {
+    private List<String> command(String device) {
         return List.of("env", "GLIBC_TUNABLES=glibc.malloc.tcache_count=0:glibc.malloc.arena_max=2",
                 "CLASSPATH=" + System.getProperty("java.class.path"), "bash", "-c",
                 "trap '' INT; exec \"$@\"", "soak", project.resolve("simulate").toString(),
                 "--device", device, Path.of(System.getProperty("java.home"), "bin/java").toString(),
                 "-Xms48m", "-Xmx48m", "-XX:+AlwaysPreTouch", "-XX:+UseSerialGC",
                 "-XX:TieredStopAtLevel=1", "-XX:-UseDynamicNumberOfCompilerThreads",
-                "-XX:-UsePerfData",
-                "-XX:ErrorFile=" + settings.folder.resolve(device + ".crash"),
+                "-XX:-UsePerfData", "-XX:ErrorFile=" + file(device, CRASH),
                 DeviceRun.class.getName(), String.valueOf(share(settings.calls, device, 0)),
                 String.valueOf(share(settings.deaths, device, 1)), String.valueOf(settings.seed),
-                ring.toString(), settings.plant);
+                file(device, LOG).toString(), settings.plant);
     }
 
-    private int awaitEnd() {
-        try {
-            return process.waitFor();
-        } catch (InterruptedException e) {
-            throw new IllegalStateException(e);
-        }
+    private Path file(String device, String ending) {
+        return settings.folder.resolve(device + ending);
     }
 
     private void show(DeviceResult now) {
-        progress.show(now.device, results.stream().mapToLong(result -> result.calls).sum(),
-                results.stream().mapToLong(result -> result.deaths).sum(),
-                results.stream().mapToInt(result -> result.wrong.size()).sum(), now.resident);
+        progress.show(now.device, results.stream().mapToLong(result -> result.state.calls()).sum(),
+                results.stream().mapToLong(result -> result.state.deaths()).sum(),
+                results.stream().mapToInt(result -> result.wrong().size()).sum(),
+                now.state.resident());
     }
 
     private static void tell(DeviceResult result) {
-        for (DeviceResult.Wrong wrong : result.wrong) {
-            System.out.println("Wrong on the device " + result.device + ", after " + wrong.deaths()
-                    + " deaths (" + wrong.happened() + "): " + wrong.method() + " "
-                    + wrong.verdict());
+        for (Finding.Wrong wrong : result.wrong()) {
+            System.out.println("Wrong on the device " + result.device + ", after "
+                    + wrong.afterDeaths() + " deaths (" + wrong.circumstances() + "): "
+                    + wrong.method() + " " + wrong.verdict());
         }
         if (result.failure != null) {
             System.out.println("The device " + result.device + " failed: " + result.failure);

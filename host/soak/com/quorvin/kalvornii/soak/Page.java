@@ -1,13 +1,13 @@
 package com.quorvin.kalvornii.soak;
 
-import java.util.ArrayList;
+import com.quorvin.kalvornii.soak.Situation.Way;
 import java.util.List;
 import java.util.Locale;
+import java.util.Map;
+import java.util.function.ToLongFunction;
 
 /** A soak's report as one page that needs nothing else. */
 final class Page {
-    static final double[] SHARES = {0.5, 0.9, 0.99, 0.999};
-
     private static final String BLUE = "#1f5fbf";
     private static final String RED = "#c2371f";
     private static final String GREEN = "#2e8540";
@@ -66,7 +66,7 @@ final class Page {
 
     private void heading() {
         put("<h1>Soak of lib_kalvorn.so</h1><p class=\"quiet\">%s; seed %d; end: %s</p>",
-                escape(Machine.describe()), report.settings.seed(), report.end);
+                escape(Report.machine()), report.settings.seed(), report.end);
         put("<div class=\"facts\">");
         fact(report.calls() > 0, "calls in %.0f s".formatted(report.seconds),
                 "%,d", report.calls());
@@ -89,9 +89,10 @@ final class Page {
         put("<h2>What failed</h2>");
         boolean nothing = true;
         for (DeviceResult device : report.devices) {
-            for (DeviceResult.Wrong wrong : device.wrong) {
-                put("<p><b>%s</b> on the device %s, after %s deaths (%s): %s</p>", wrong.method(),
-                        device.device, wrong.deaths(), wrong.happened(), escape(wrong.verdict()));
+            for (Finding.Wrong wrong : device.wrong()) {
+                put("<p><b>%s</b> on the device %s, after %d deaths (%s): %s</p>", wrong.method(),
+                        device.device, wrong.afterDeaths(), wrong.circumstances(),
+                        escape(wrong.verdict()));
             }
             if (device.failure != null) {
                 put("<p>The device %s: </p><pre>%s</pre>", device.device, escape(device.failure));
@@ -101,10 +102,10 @@ final class Page {
             }
             nothing &= device.isRight();
         }
-        for (DeviceResult.Kept call : report.unexpected()) {
-            put("<p><b>%s</b> (%s) leaves %.1f bytes behind, and %s.</p>", call.method(),
-                    call.way(), call.bytes(), call.onPurpose() ? "should keep its texts" : "should "
-                    + "leave nothing");
+        for (Finding.Kept call : report.unexpected()) {
+            put("<p><b>%s</b> (%s) leaves %.1f bytes behind, and should %s.</p>", call.method(),
+                    words(call.way()), call.bytesPerCall(),
+                    call.onPurpose() ? "keep its texts" : "leave nothing");
             nothing = false;
         }
         if (nothing) put("<p>Nothing.</p>");
@@ -125,13 +126,13 @@ final class Page {
                 + "9em repeat(%d, minmax(0, 340px))\">", report.devices.size());
         put("<span></span>");
         for (DeviceResult device : report.devices) put("<h3>%s</h3>", device.device);
-        row("Resident size", DeviceResult.RESIDENT, " MiB", MEBIBYTE);
-        row("Native heap in use", DeviceResult.IN_USE, " MiB", MEBIBYTE);
-        row("Service objects in memory (a proxy holds its own)", DeviceResult.LIVE_SERVICES, "", 1);
-        row("Death links", DeviceResult.DEATH_LINKS, "", 1);
-        row("HIDL listeners", DeviceResult.LISTENERS, "", 1);
-        row("Threads", DeviceResult.THREADS, "", 1);
-        row("File descriptors", DeviceResult.FILES, "", 1);
+        row("Resident size", Finding.Sample::resident, " MiB", MEBIBYTE);
+        row("Native heap in use", Finding.Sample::inUse, " MiB", MEBIBYTE);
+        row("Service objects in memory (a proxy holds its own)", Finding.Sample::liveServices, "",
+                1);
+        row("Death links", Finding.Sample::deathLinks, "", 1);
+        row("Threads", Finding.Sample::threads, "", 1);
+        row("File descriptors", Finding.Sample::files, "", 1);
         put("</div>");
         put("""
                 <table><tr><th class="t">last half</th><th>resident moved by</th>
@@ -140,90 +141,72 @@ final class Page {
         for (DeviceResult device : report.devices) {
             String first = "<tr class=\"new\"><td>%s</td><td>%.2f %%</td>".formatted(device.device,
                     device.residentMoved() * 100);
-            for (var grown : device.growth.entrySet()) {
+            for (Finding.Grown grown : device.growth()) {
                 put("%s<td class=\"t\">%s</td><td>%,d</td><td>%,.3f</td><td>%,d</td></tr>", first,
-                        grown.getKey(), grown.getValue().count(), grown.getValue().typical(),
-                        grown.getValue().total());
+                        grown.what(), grown.count(), grown.typicalBytesEach(), grown.totalBytes());
                 first = "<tr><td></td><td></td>";
             }
         }
         put("</table>");
     }
 
-    private void row(String title, int column, String unit, double scale) {
+    private void row(String title, ToLongFunction<Finding.Sample> column, String unit,
+            double scale) {
         put("<h3>%s</h3>", title);
         for (DeviceResult device : report.devices) {
-            Chart chart = new Chart(unit).line(BLUE, values(device.samples, DeviceResult.CALLS, 1),
-                    values(device.samples, column, scale));
-            long[] last = device.samples.isEmpty() ? new long[12]
-                    : device.samples.get(device.samples.size() - 1);
-            String title2 = title + ", " + device.device;
-            put("%s", chart.ticks("0 calls\n0 deaths", tick(last[0] / 2, device),
-                    tick(last[0], device)).svg(title2));
+            Chart chart = new Chart(unit);
+            device.samples().forEach(sample -> chart.point(BLUE, sample.calls(),
+                    column.applyAsLong(sample) / scale));
+            long calls = device.state.calls();
+            put("%s", chart.svg(title + ", " + device.device, "0 calls\n0 deaths",
+                    tick(calls / 2, device), tick(calls, device)));
         }
     }
 
     private static String tick(long calls, DeviceResult device) {
-        long deaths = 0;
-        for (long[] sample : device.samples) {
-            if (sample[DeviceResult.CALLS] <= calls) deaths = sample[DeviceResult.DEATHS];
-        }
+        long deaths = device.samples().stream().filter(sample -> sample.calls() <= calls)
+                .mapToLong(Finding.Sample::deaths).max().orElse(0);
         return String.format(Locale.ROOT, "%,d\n%,d", calls, deaths);
-    }
-
-    private static double[] values(List<long[]> samples, int column, double scale) {
-        return samples.stream().mapToDouble(sample -> sample[column] / scale).toArray();
     }
 
     // HIDL listeners add up on purpose, and each restart hears of all.
     private void listeners() {
-        DeviceResult device = report.devices.stream()
-                .filter(candidate -> candidate.device.equals("hidl")).findFirst().orElse(null);
-        if (device == null || device.restarts.isEmpty()) return;
-        put("""
-                <h2>HIDL listeners, which add up</h2>
-                <p>Each connection of a HIDL service registers a listener and takes none back, on
-                purpose; each registration of a service is told to all listeners of its interface.
-                Restarts take longer with their number, as much as the listeners have to be
-                told:""");
-        if (device.afterDeathsOfAll != null) {
-            put(" after %,d deaths of all services at once there were %,d listeners, and %,d "
-                    + "notifications had come", device.afterDeathsOfAll[0],
-                    device.afterDeathsOfAll[1], device.afterDeathsOfAll[2]);
-            if (device.afterDeathsOfAll[0] == 40) {
-                put(" (on a real platform 451 and 9,471 after 40 restarts of a process with all "
-                        + "eleven services)");
+        for (DeviceResult device : report.devices) {
+            List<Finding.Restart> restarts = device.all(Finding.Restart.class);
+            if (!device.device.equals("hidl") || restarts.isEmpty()) continue;
+            put("""
+                    <h2>HIDL listeners, which add up</h2>
+                    <p>Each connection of a HIDL service registers a listener and takes none back,
+                    on purpose; each registration of a service is told to all listeners of its
+                    interface. Restarts take longer with their number, as much as the listeners have
+                    to be told.</p>""");
+            for (Finding.AfterDeathsOfAll all : device.all(Finding.AfterDeathsOfAll.class)) {
+                put("<p>After %,d deaths of all services at once there were %,d listeners, and %,d "
+                        + "notifications had come%s.</p>", all.deaths(), all.listeners(),
+                        all.notifications(), all.deaths() != 40 ? "" : " (on a real platform 451 "
+                        + "and 9,471 after 40 restarts of a process with all eleven services)");
             }
+            restartTimes(restarts);
         }
-        html.setLength(html.length() - 1);
-        put(".</p>");
-        put("<div class=\"charts\" style=\"grid-template-columns: repeat(2, minmax(0, 480px))\">");
+    }
+
+    private void restartTimes(List<Finding.Restart> restarts) {
         String key = " <span class=\"key\" style=\"background:%s\"></span> of ";
         put("<h3>Time of a restart over listeners:" + key + "all services," + key + "a process,"
                 + key + "one service; the slowest twentieth at the upper edge</h3>", RED, BLUE,
                 GREEN);
-        put("<h3>Notifications over deaths</h3>");
-        double[] sorted = device.restarts.stream()
-                .mapToDouble(DeviceResult.Restart::milliseconds).sorted().toArray();
-        Chart times = new Chart(" ms").upTo(sorted[sorted.length * 19 / 20]);
-        long most = 0;
-        for (String[] kind : new String[][] {{"all", RED}, {"process", BLUE}, {"one", GREEN}}) {
-            List<DeviceResult.Restart> restarts = new ArrayList<>(device.restarts);
-            restarts.removeIf(restart -> !restart.what().equals(kind[0]));
-            times.dots(kind[1],
-                    restarts.stream().mapToDouble(restart -> restart.listeners()).toArray(),
-                    restarts.stream().mapToDouble(DeviceResult.Restart::milliseconds).toArray());
-            for (DeviceResult.Restart restart : restarts) {
-                most = Math.max(most, restart.listeners());
-            }
+        long[] sorted =
+                restarts.stream().mapToLong(Finding.Restart::microseconds).sorted().toArray();
+        Chart times = new Chart(" ms").ofDotsUpTo(sorted[sorted.length * 19 / 20] / 1000.0);
+        Map<String, String> colours = Map.of("all", RED, "process", BLUE, "one", GREEN);
+        for (Finding.Restart restart : restarts) {
+            times.point(colours.get(restart.what()), restart.listeners(),
+                    restart.microseconds() / 1000.0);
         }
-        put("%s", times.ticks("0 listeners", Chart.number(most / 2), Chart.number(most))
-                .svg("Time of a restart over listeners"));
-        put("%s", new Chart("").line(BLUE, values(device.samples, DeviceResult.DEATHS, 1),
-                values(device.samples, DeviceResult.NOTIFICATIONS, 1))
-                .ticks("0 deaths", Chart.number(device.deaths / 2), Chart.number(device.deaths))
-                .svg("Notifications over deaths"));
-        put("</div>");
+        long most = restarts.stream().mapToLong(Finding.Restart::listeners).max().orElse(0);
+        put("<div style=\"max-width: 480px\">%s</div>",
+                times.svg("Time of a restart over listeners", "0 listeners",
+                        Chart.number(most / 2), Chart.number(most)));
     }
 
     private void kept() {
@@ -236,25 +219,21 @@ final class Page {
                 report.kept.stream().filter(call -> !call.onPurpose()).count());
         put("<table><tr><th class=\"t\">method</th><th class=\"t\">served over</th>"
                 + "<th>bytes per call</th><th>100 MiB last, at a call a second</th></tr>");
-        for (DeviceResult.Kept call : report.kept) {
+        for (Finding.Kept call : report.kept) {
             if (!call.onPurpose()) continue;
-            double days = call.bytes() <= 0 ? 0 : 100 * MEBIBYTE / call.bytes() / 86400;
+            double days = 100 * MEBIBYTE / Math.max(1, call.bytesPerCall()) / 86400;
             put("<tr><td>%s</td><td class=\"t\">%s</td><td>%.1f</td><td>%.1f days</td></tr>",
-                    call.method(), words(call.way()), call.bytes(), days);
+                    call.method(), words(call.way()), call.bytesPerCall(), days);
         }
         put("</table>");
     }
 
-    private static String words(String way) {
+    private static String words(Way way) {
         return switch (way) {
-            case "ABSENT" -> "absent";
-            case "NO_SERVICE" -> "no service";
-            default -> way;
+            case ABSENT -> "absent";
+            case NO_SERVICE -> "no service";
+            default -> way.name();
         };
-    }
-
-    static String name(double share) {
-        return "p" + String.format(Locale.ROOT, "%s", share * 100).replaceAll("\\.0$", "");
     }
 
     private void latencies() {
@@ -264,21 +243,19 @@ final class Page {
                 in the same process; to 6 %%. Calls made while a service died or came back are
                 not in it.</p>""");
         put("<table><tr><th class=\"t\">method</th><th class=\"t\">served over</th><th>calls</th>");
-        for (double share : SHARES) put("<th>%s</th>", name(share));
+        for (String name : Report.SHARES.keySet()) put("<th>%s</th>", name);
         put("<th>max</th></tr>");
         report.durations.forEach((method, ways) -> {
-            String first = "<tr class=\"new\"><td>" + method + "</td>";
-            for (Caller.Way way : Caller.Way.values()) {
-                Histogram histogram = ways.get(way);
-                if (histogram == null) continue;
-                put("%s<td class=\"t\">%s</td><td>%,d</td>", first, words(way.name()),
+            String[] first = {"<tr class=\"new\"><td>" + method + "</td>"};
+            ways.forEach((way, histogram) -> {
+                put("%s<td class=\"t\">%s</td><td>%,d</td>", first[0], words(way),
                         histogram.count());
-                for (double share : SHARES) {
+                for (double share : Report.SHARES.values()) {
                     put("<td>%,.1f</td>", histogram.percentile(share) / 1000.0);
                 }
                 put("<td>%,.0f</td></tr>", histogram.greatest() / 1000.0);
-                first = "<tr><td></td>";
-            }
+                first[0] = "<tr><td></td>";
+            });
         });
         put("</table>");
     }

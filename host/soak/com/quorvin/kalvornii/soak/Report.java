@@ -2,6 +2,7 @@ package com.quorvin.kalvornii.soak;
 
 import static java.nio.charset.StandardCharsets.UTF_8;
 
+import com.quorvin.kalvornii.soak.Situation.Way;
 import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
@@ -10,19 +11,24 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Locale;
 import java.util.Map;
+import java.util.Objects;
+import java.util.TreeMap;
 
 /** What a soak has seen, as a page, as JSON, and in a few lines. */
 final class Report {
-    static final double FLAT = 0.01;
+    /** The percentiles that are told. */
+    static final Map<String, Double> SHARES =
+            new TreeMap<>(Map.of("p50", 0.5, "p90", 0.9, "p99", 0.99, "p99.9", 0.999));
+    private static final double FLAT = 0.01;
     /** In bytes for a call; what is kept of one call in a thousand is more. */
-    static final double NOTHING = 0.02;
+    private static final double NOTHING = 0.02;
 
     final Main.Settings settings;
     final List<DeviceResult> devices;
     final double seconds;
     final String end;
-    final Map<String, Map<Caller.Way, Histogram>> durations = new LinkedHashMap<>();
-    final List<DeviceResult.Kept> kept = new ArrayList<>();
+    final Map<String, Map<Way, Histogram>> durations = new LinkedHashMap<>();
+    final List<Finding.Kept> kept = new ArrayList<>();
 
     Report(Main.Settings settings, List<DeviceResult> devices, double seconds, String end) {
         this.settings = settings;
@@ -30,52 +36,52 @@ final class Report {
         this.seconds = seconds;
         this.end = end;
         for (DeviceResult device : devices) {
-            device.durations.forEach((method, ways) -> ways.forEach((way, histogram) -> durations
-                    .computeIfAbsent(method, name -> new LinkedHashMap<>())
-                    .computeIfAbsent(way, name -> new Histogram()).add(histogram)));
-            device.kept.forEach(this::keep);
+            device.all(Finding.Latency.class).forEach(found -> durations
+                    .computeIfAbsent(found.method(), method -> new TreeMap<>())
+                    .computeIfAbsent(found.way(), way -> new Histogram()).add(found.durations()));
+            device.all(Finding.Kept.class).forEach(this::keep);
         }
     }
 
     /** Of several measurements of a call the least, as a rule on several devices. */
-    private void keep(DeviceResult.Kept found) {
+    private void keep(Finding.Kept found) {
         for (int i = 0; i < kept.size(); i++) {
-            DeviceResult.Kept known = kept.get(i);
-            boolean isSame = known.method().equals(found.method())
-                    && known.way().equals(found.way());
-            if (!isSame) continue;
-            if (Math.abs(found.bytes()) < Math.abs(known.bytes())) kept.set(i, found);
+            Finding.Kept known = kept.get(i);
+            if (!known.method().equals(found.method()) || known.way() != found.way()) continue;
+            if (Math.abs(found.bytesPerCall()) < Math.abs(known.bytesPerCall())) kept.set(i, found);
             return;
         }
         kept.add(found);
     }
 
     long calls() {
-        return devices.stream().mapToLong(device -> device.calls).sum();
+        return devices.stream().mapToLong(device -> device.state.calls()).sum();
     }
 
-    long measured() {
-        return devices.stream().mapToLong(device -> device.measured).sum();
+    /** The calls that measured what each keeps. */
+    private long measured() {
+        return devices.stream().flatMap(device -> device.all(Finding.Kept.class).stream())
+                .mapToLong(Finding.Kept::calls).sum();
     }
 
     long deaths() {
-        return devices.stream().mapToLong(device -> device.deaths).sum();
+        return devices.stream().mapToLong(device -> device.state.deaths()).sum();
     }
 
     int wrong() {
-        return devices.stream().mapToInt(device -> device.wrong.size()).sum();
+        return devices.stream().mapToInt(device -> device.wrong().size()).sum();
     }
 
     /** What keeps memory that it should not, or does not where it should. */
-    List<DeviceResult.Kept> unexpected() {
+    List<Finding.Kept> unexpected() {
         return kept.stream().filter(call -> !call.isExpected()).toList();
     }
 
     /** The greatest typical growth of any device in bytes; null when there were too few calls. */
-    Double growthPerMillionCalls() {
-        return devices.stream().map(device -> device.growth.get("calls"))
-                .filter(grown -> grown != null).map(grown -> grown.typical() * 1e6)
-                .max(Double::compare).orElse(null);
+    private Double growthPerMillionCalls() {
+        return devices.stream().flatMap(device -> device.growth().stream())
+                .filter(grown -> grown.what().equals("calls"))
+                .map(grown -> grown.typicalBytesEach() * 1e6).max(Double::compare).orElse(null);
     }
 
     String growth() {
@@ -96,17 +102,17 @@ final class Report {
     }
 
     boolean doesNotGrow() {
-        Double bytes = growthPerMillionCalls();
-        return (bytes == null || bytes <= NOTHING * 1e6) && unexpected().isEmpty();
-    }
-
-    Path page() {
-        return settings.folder().resolve("soak.html");
+        double bytes = Objects.requireNonNullElse(growthPerMillionCalls(), 0.0);
+        return bytes <= NOTHING * 1e6 && unexpected().isEmpty();
     }
 
     void write() throws IOException {
         Files.writeString(page(), new Page(this).html(), UTF_8);
-        Files.writeString(settings.folder().resolve("soak.json"), Json.of(members()), UTF_8);
+        Files.writeString(settings.folder().resolve("soak.json"), Json.of(members(), "\n") + "\n");
+    }
+
+    private Path page() {
+        return settings.folder().resolve("soak.html");
     }
 
     String summary() {
@@ -120,91 +126,49 @@ final class Report {
     }
 
     private Map<String, Object> members() {
-        Map<String, Object> members = new LinkedHashMap<>();
-        members.put("end", end);
-        members.put("seconds", seconds);
-        members.put("seed", settings.seed());
-        members.put("machine", Machine.describe());
-        members.put("calls", calls());
-        members.put("measuringCalls", measured());
-        members.put("deaths", deaths());
-        members.put("wrongAnswers", wrong());
-        members.put("growthPerMillionCalls", growthPerMillionCalls());
-        members.put("residentMoved", residentMoved());
-        members.put("referencesLeft", referencesLeft());
-        members.put("isFlat", isFlat());
-        members.put("doesNotGrow", doesNotGrow());
-        members.put("keepsUnexpectedly",
-                unexpected().stream().map(DeviceResult.Kept::method).toList());
-        members.put("devices", devices.stream().map(Report::members).toList());
-        members.put("kept", kept.stream().map(Report::members).toList());
-        members.put("latencyNanoseconds", latencies());
-        return members;
+        return Json.object("end", end, "seconds", seconds, "seed", settings.seed(),
+                "machine", machine(), "calls", calls(), "measuringCalls", measured(),
+                "deaths", deaths(), "wrongAnswers", wrong(),
+                "growthPerMillionCalls", growthPerMillionCalls(), "residentMoved", residentMoved(),
+                "referencesLeft", referencesLeft(), "isFlat", isFlat(),
+                "doesNotGrow", doesNotGrow(),
+                "keepsUnexpectedly", unexpected().stream().map(Finding.Kept::method).toList(),
+                "devices", devices.stream().map(Report::members).toList(),
+                "kept", kept, "latencyNanoseconds", latencies());
     }
 
     private static Map<String, Object> members(DeviceResult device) {
-        Map<String, Object> members = new LinkedHashMap<>();
-        members.put("device", device.device);
-        members.put("end", device.failure == null ? device.end : device.failure);
-        members.put("calls", device.calls);
-        members.put("deaths", device.deaths);
-        members.put("wrong", device.wrong.stream().map(Report::members).toList());
-        members.put("log", device.log);
-        Map<String, Object> growth = new LinkedHashMap<>();
-        device.growth.forEach((what, grown) -> growth.put(what, Map.of("count", grown.count(),
-                "typicalBytesEach", grown.typical(), "totalBytes", grown.total())));
-        members.put("growthOfLastHalf", growth);
-        members.put("residentMoved", device.residentMoved());
-        if (device.afterDeathsOfAll != null) {
-            Map<String, Object> all = new LinkedHashMap<>();
-            all.put("deaths", device.afterDeathsOfAll[0]);
-            all.put("listeners", device.afterDeathsOfAll[1]);
-            all.put("notifications", device.afterDeathsOfAll[2]);
-            members.put("afterDeathsOfAllServicesAtOnce", all);
-        }
-        members.put("sampleColumns", List.of("calls", "deaths", "milliseconds", "resident", "inUse",
-                "liveServices", "deathLinks", "listeners", "notifications", "threads", "files",
-                "javaHeap"));
-        members.put("samples", device.samples);
-        members.put("restartColumns", List.of("number", "listeners", "microseconds"));
-        for (String backend : List.of("AIDL", "HIDL")) {
-            members.put("restarts" + backend, device.restarts.stream()
-                    .filter(restart -> restart.backend().equals(backend))
-                    .map(restart -> new long[] {restart.number(), restart.listeners(),
-                        restart.microseconds()}).toList());
-        }
-        return members;
-    }
-
-    private static Map<String, Object> members(DeviceResult.Wrong wrong) {
-        Map<String, Object> members = new LinkedHashMap<>();
-        members.put("method", wrong.method());
-        members.put("verdict", wrong.verdict());
-        members.put("afterDeaths", Long.parseLong(wrong.deaths()));
-        members.put("circumstances", wrong.happened());
-        return members;
-    }
-
-    private static Map<String, Object> members(DeviceResult.Kept call) {
-        Map<String, Object> members = new LinkedHashMap<>();
-        members.put("method", call.method());
-        members.put("way", call.way());
-        members.put("onPurpose", call.onPurpose());
-        members.put("bytesPerCall", call.bytes());
-        return members;
+        return Json.object("device", device.device,
+                "end", device.failure == null ? device.end : device.failure,
+                "calls", device.state.calls(), "deaths", device.state.deaths(),
+                "wrong", device.wrong(), "log", device.log,
+                "growthOfLastHalf", device.growth(), "residentMoved", device.residentMoved(),
+                "afterDeathsOfAllServicesAtOnce", device.all(Finding.AfterDeathsOfAll.class),
+                "samples", device.samples(), "restarts", device.all(Finding.Restart.class));
     }
 
     private List<Object> latencies() {
         List<Object> rows = new ArrayList<>();
         durations.forEach((method, ways) -> ways.forEach((way, histogram) -> {
-            Map<String, Object> row = new LinkedHashMap<>();
-            row.put("method", method);
-            row.put("way", way.name());
-            row.put("calls", histogram.count());
-            for (double share : Page.SHARES) row.put(Page.name(share), histogram.percentile(share));
+            Map<String, Object> row = Json.object("method", method, "way", way,
+                    "calls", histogram.count());
+            SHARES.forEach((name, share) -> row.put(name, histogram.percentile(share)));
             row.put("max", histogram.greatest());
             rows.add(row);
         }));
         return rows;
+    }
+
+    /** The processor, and how many of it there are. */
+    static String machine() {
+        int cores = Runtime.getRuntime().availableProcessors();
+        String processor = System.getProperty("os.arch");
+        try (var lines = Files.lines(Path.of("/proc/cpuinfo"), UTF_8)) {
+            processor = lines.filter(line -> line.startsWith("model name")).findFirst()
+                    .map(line -> line.substring(line.indexOf(':') + 1).strip()).orElse(processor);
+        } catch (IOException e) {
+            // the name of the architecture has to do
+        }
+        return processor + ", " + cores + (cores == 1 ? " core" : " cores");
     }
 }

@@ -10,6 +10,14 @@ import java.util.List;
 
 /** What the services of the device may answer now. One thread changes it, callers look at it. */
 final class Situation {
+    /** How a call is served. */
+    enum Way {
+        AIDL,
+        HIDL,
+        ABSENT,
+        NO_SERVICE
+    }
+
     final List<String> services = SimulatedDevice.services();
     /** The backend of each service on this device; null for none. */
     private final Backend[] backends;
@@ -29,6 +37,12 @@ final class Situation {
 
     Backend backend(int service) {
         return service < 0 ? null : backends[service];
+    }
+
+    Way way(int service, int may) {
+        if (service < 0) return Way.NO_SERVICE;
+        if (may == Call.ABSENT) return Way.ABSENT;
+        return backends[service] == HIDL ? Way.HIDL : Way.AIDL;
     }
 
     boolean has(Backend backend) {

@@ -1,5 +1,6 @@
 package com.quorvin.kalvornii.soak;
 
+import java.util.Arrays;
 import java.util.Objects;
 
 /**
@@ -20,8 +21,8 @@ final class Stored {
 
     /** @param unwritten what is read where nothing was written */
     Stored(String unwritten) {
-        java.util.Arrays.fill(surely, unwritten);
-        java.util.Arrays.fill(perhaps, unwritten);
+        Arrays.fill(surely, unwritten);
+        Arrays.fill(perhaps, unwritten);
     }
 
     /** What to write next: this text, or the one that may have got lost. */
@@ -29,7 +30,7 @@ final class Stored {
         return Objects.equals(surely[slot], perhaps[slot]) ? text : perhaps[slot];
     }
 
-    boolean isOneOf(int slot, String text) {
+    boolean isOneOf(int slot, Object text) {
         return Objects.equals(text, surely[slot]) || Objects.equals(text, perhaps[slot]);
     }
 
