@@ -191,7 +191,7 @@ class Pass {
 std::vector<Row> RowsOf(Backend backend, const std::string& filter) {
     std::vector<Row> rows;
     for (const Method& method : kMethods) {
-        if (!method.IsOn(backend) || strstr(method.name, filter.c_str()) == nullptr) continue;
+        if (!method.IsOn(backend) || strcasestr(method.name, filter.c_str()) == nullptr) continue;
         rows.push_back({});
         rows.back().method = method.name;
         rows.back().backend = backend;
@@ -410,7 +410,7 @@ int Main(const Options& options) {
     if (!options.json.empty()) WriteJson(options.json, rows, loads);
     const bool failed = std::any_of(rows.begin(), rows.end(),
                                     [](const Row& row) { return Judge(row).isFailure; });
-    fflush(stdout);
+    Demand(fflush(stdout) == 0 && ferror(stdout) == 0, "the table cannot be written");
     _exit(failed ? 1 : 0);  // the virtual machine's own end is of no interest
 }
 

@@ -116,7 +116,7 @@ case $2 in
                 if (NF > 4) printf partsFormat, "choice", "reference", "conversions", "rest"
                 print ""
             }
-            wanted == "" || index($2, wanted) {
+            wanted == "" || index(tolower($2), tolower(wanted)) {
                 printf format, $1, $2, $3, $4, ($4 == "-" ? "-" : sprintf("%.2f", $3 / $4))
                 if (NF > 4) printf partsFormat, $5, $6, $7, $8
                 print "  " reason()

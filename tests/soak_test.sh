@@ -101,6 +101,8 @@ declared=$(grep -cE '\bnative [^ ]+ [A-Za-z0-9]+\(' \
     "$source/java/com/quorvin/kalvornii/KvNativeInterface.java")
 expect "figures" "done 6000 40 0 4 0 0 0" "$(json short/soak.json end calls deaths wrongAnswers \
     devices.size devices.0.wrong.size keepsUnexpectedly.size referencesLeft | xargs)"
+expect "what so few calls do not tell" "null null" \
+    "$(json short/soak.json growthPerMillionCalls isFlat | xargs)"
 expect "methods measured" "$declared" "$(grep -o '"method": "[A-Za-z0-9]*"' short/soak.json | sort -u |
     grep -c .)"
 holds short/soak.html '<!DOCTYPE html>' '</html>' 'Resident size' 'File descriptors' \

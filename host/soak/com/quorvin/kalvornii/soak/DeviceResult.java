@@ -8,6 +8,7 @@ import java.util.stream.LongStream;
 /** What was found on one device. */
 final class DeviceResult {
     private static final int ENOUGH_STRETCHES = 10;
+    private static final int ENOUGH_CALLS = 5000;
 
     final String device;
     final List<Finding> findings = new ArrayList<>();
@@ -49,10 +50,12 @@ final class DeviceResult {
         return wrong().isEmpty() && failure == null;
     }
 
-    /** Over the last half; of what there were enough stretches for one to be typical. */
+    /** Over the last half; of what there was enough for one to be typical. */
     List<Finding.Grown> growth() {
         return all(Finding.Grown.class).stream()
-                .filter(grown -> grown.stretches() >= ENOUGH_STRETCHES).toList();
+                .filter(grown -> grown.stretches() >= ENOUGH_STRETCHES)
+                .filter(grown -> !grown.what().equals("calls") || grown.count() >= ENOUGH_CALLS)
+                .toList();
     }
 
     /**

@@ -72,11 +72,11 @@ final class Page {
                 "%,d", report.calls());
         fact(true, "deaths of services and processes", "%,d", report.deaths());
         fact(report.wrong() == 0, "wrong answers", "%d", report.wrong());
-        fact(report.doesNotGrow(), "growth per million calls", "%s", report.growth());
+        fact(!Boolean.FALSE.equals(report.doesNotGrow()), "growth per million calls", "%s", report.growth());
         fact(report.referencesLeft() == 0, "references left by deaths", "%d",
                 report.referencesLeft());
-        fact(report.isFlat(), "resident size of the last halves moved by", "%.2f %%",
-                report.residentMoved() * 100);
+        fact(!Boolean.FALSE.equals(report.isFlat()), "resident size of the last halves moved by",
+                "%s", report.moved());
         put("</div>");
     }
 

@@ -11,7 +11,6 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Locale;
 import java.util.Map;
-import java.util.Objects;
 import java.util.TreeMap;
 
 /** What a soak has seen, as a page, as JSON, and in a few lines. */
@@ -89,21 +88,33 @@ final class Report {
         return bytes == null ? "not measured" : String.format(Locale.ROOT, "%,.0f bytes", bytes);
     }
 
-    double residentMoved() {
-        return devices.stream().mapToDouble(DeviceResult::residentMoved).max().orElse(0);
+    /** By which share the resident size moved; null when there were too few calls to tell. */
+    private Double residentMoved() {
+        return isMeasured() ? devices.stream().map(DeviceResult::residentMoved)
+                .max(Double::compare).orElse(null) : null;
+    }
+
+    String moved() {
+        Double share = residentMoved();
+        return share == null ? "not measured" : String.format(Locale.ROOT, "%.2f %%", share * 100);
+    }
+
+    private boolean isMeasured() {
+        return growthPerMillionCalls() != null;
     }
 
     long referencesLeft() {
         return devices.stream().mapToLong(DeviceResult::referencesLeft).max().orElse(0);
     }
 
-    boolean isFlat() {
-        return residentMoved() <= FLAT;
+    /** Null, as the next, when there were too few calls to tell. */
+    Boolean isFlat() {
+        return isMeasured() ? residentMoved() <= FLAT : null;
     }
 
-    boolean doesNotGrow() {
-        double bytes = Objects.requireNonNullElse(growthPerMillionCalls(), 0.0);
-        return bytes <= NOTHING * 1e6 && unexpected().isEmpty();
+    Boolean doesNotGrow() {
+        if (!isMeasured()) return null;
+        return growthPerMillionCalls() <= NOTHING * 1e6 && unexpected().isEmpty();
     }
 
     void write() throws IOException {
@@ -119,10 +130,10 @@ final class Report {
         return String.format(Locale.ROOT, """
                 %,d calls (and %,d to measure what each keeps), %,d deaths, %d wrong in %.0f s: %s
                 growth per million calls: %s; references left by deaths: %d
-                resident size of the last halves within %.2f %%
+                resident size of the last halves moved by: %s
                 %s
                 """, calls(), measured(), deaths(), wrong(), seconds, end,
-                growth(), referencesLeft(), residentMoved() * 100, page());
+                growth(), referencesLeft(), moved(), page());
     }
 
     private Map<String, Object> members() {
