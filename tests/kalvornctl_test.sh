@@ -177,6 +177,29 @@ check_json() {
         "$(sed -E 's/("milliseconds":)[0-9]+\.[0-9]+/\1T/' out)"
 }
 
+# What other threads log during a call is not of the call.
+check_other_threads() {
+    cat >Noise.java <<'END'
+public class Noise {
+    public static void main(String[] arguments) {
+        Thread noise = new Thread(() -> {
+            for (;;) {
+                android.util.Log.i("KalvornNative", "noise");
+                java.util.concurrent.locks.LockSupport.parkNanos(1_000_000);
+            }
+        });
+        noise.setDaemon(true);
+        noise.start();
+        com.quorvin.kalvornii.ctl.Main.main(new String[] {"call", "-v", "getboardname"});
+    }
+}
+END
+    ends 0 env CLASSPATH="$java/ctl" "$source/simulate" --log noisy java Noise.java
+    expect "the log of a call beside another thread" \
+        "E GetBoardNameByAidl I Get version name = KV-MAIN-V3" "$(sed '$d' err | xargs)"
+    holds "what the other thread logged" "KalvornNative: noise" noisy
+}
+
 check_status() {
     local device all
     all="factory display touch sensors power light camera radio display_factory fingerprint chip sim satellite"
@@ -380,7 +403,7 @@ check_classes() {
 }
 
 checks=(first_use classes every_method statuses texts lines_that_cannot_be_called ends_of_streams json
-    status death watch terminal without logcat wrapper)
+    other_threads status death watch terminal without logcat wrapper)
 [ $# -eq 2 ] || checks=("${@:3}")
 for check in "${checks[@]}"; do "check_$check"; done
 exit "$failed"
