@@ -251,12 +251,14 @@ Answer Device::Ask(const std::string& method, const std::string& call, Answer us
     }
     if (observer) observer();  // it may kill, or look at the calls
     const std::lock_guard lock(mLock);
+    if (mScript.empty()) return usual;  // as a rule, and then at no cost
     const std::string backend = call.substr(0, call.find(' ') + 1);
     for (const std::string& asked : {backend + method, method}) {
-        std::deque<Answer>& scripted = mScript[asked];
-        if (scripted.empty()) continue;
-        Answer answer = std::move(scripted.front());
-        scripted.pop_front();
+        const auto scripted = mScript.find(asked);
+        if (scripted == mScript.end()) continue;
+        Answer answer = std::move(scripted->second.front());
+        scripted->second.pop_front();
+        if (scripted->second.empty()) mScript.erase(scripted);
         return answer;
     }
     return usual;
