@@ -14,6 +14,12 @@
 #include <thread>
 #include <vector>
 
+#include "java_text.h"
+#include "priority_letter.h"
+
+using kalvorn::host::PriorityLetter;
+using kalvorn::host::Text;
+
 namespace {
 
 constexpr int kUsualColumns = 80;
@@ -82,11 +88,6 @@ std::string Wrap(const std::string& lead, std::string text, const std::string& s
     return lines;
 }
 
-char Letter(int priority) {
-    constexpr char kLetters[] = "??VDIWEF";
-    return priority >= 0 && priority <= ANDROID_LOG_FATAL ? kLetters[priority] : '?';
-}
-
 const char* Style(int priority) {
     if (priority == ANDROID_LOG_WARN) return "\033[33m";
     return priority >= ANDROID_LOG_FATAL ? "\033[31m" : "\033[2m";
@@ -105,7 +106,7 @@ void ShowLogLine(const __android_logger_data* data, const char* message) {
     }
     const bool elsewhere = std::this_thread::get_id() != g_application;
     const std::string lead = (t_holding ? kNoTime : TimeNow()) + (elsewhere ? "  ~ " : "    ") +
-                             Letter(data->priority) + "  ";
+                             PriorityLetter(data->priority) + "  ";
     const std::string lines = Wrap(lead, text, Style(data->priority));
     if (t_holding) {
         t_held.push_back(lines);
@@ -113,13 +114,6 @@ void ShowLogLine(const __android_logger_data* data, const char* message) {
         Write(lines);
     }
     if (data->priority >= ANDROID_LOG_FATAL) ShowHeld();  // the process ends next
-}
-
-std::string Text(JNIEnv* env, jstring text) {
-    const char* chars = env->GetStringUTFChars(text, nullptr);
-    std::string copy = chars;
-    env->ReleaseStringUTFChars(text, chars);
-    return copy;
 }
 
 }  // namespace

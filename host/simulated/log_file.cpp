@@ -10,6 +10,8 @@
 #include <sstream>
 #include <string>
 
+#include "priority_letter.h"
+
 namespace {
 
 std::string Lead(const __android_logger_data& data) {
@@ -19,11 +21,10 @@ std::string Lead(const __android_logger_data& data) {
     localtime_r(&now.tv_sec, &local);
     char time[32];
     strftime(time, sizeof(time), "%m-%d %H:%M:%S", &local);
-    constexpr char kLetters[] = "??VDIWEF";
-    const char letter = data.priority >= 0 && data.priority < 8 ? kLetters[data.priority] : '?';
     char lead[128];
     snprintf(lead, sizeof(lead), "%s.%03ld %5d %5d %c %-8s: ", time, now.tv_nsec / 1000000,
-             getpid(), gettid(), letter, data.tag == nullptr ? "" : data.tag);
+             getpid(), gettid(), kalvorn::host::PriorityLetter(data.priority),
+             data.tag == nullptr ? "" : data.tag);
     return lead;
 }
 

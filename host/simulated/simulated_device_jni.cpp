@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "device/device.h"
+#include "java_text.h"
 #include "simulated/device_start.h"
 
 namespace {
@@ -15,6 +16,7 @@ using kalvorn::device::Answer;
 using kalvorn::device::Backend;
 using kalvorn::device::Device;
 using kalvorn::device::Fault;
+using kalvorn::host::Text;
 
 struct ServiceMethod {
     const char* name;
@@ -25,14 +27,7 @@ constexpr ServiceMethod kMethods[] = {
 #include "service_methods.inc"
 };
 
-std::string Name(JNIEnv* env, jstring text) {
-    const char* chars = env->GetStringUTFChars(text, nullptr);
-    std::string copy = chars;
-    env->ReleaseStringUTFChars(text, chars);
-    return copy;
-}
-
-std::string Text(JNIEnv* env, jbyteArray bytes) {
+std::string Unpacked(JNIEnv* env, jbyteArray bytes) {
     std::string text(static_cast<size_t>(env->GetArrayLength(bytes)), '\0');
     env->GetByteArrayRegion(bytes, 0, static_cast<jsize>(text.size()),
                             reinterpret_cast<jbyte*>(text.data()));
@@ -74,7 +69,7 @@ SIMULATED_DEVICE(void, startAsNamed)(JNIEnv*, jclass) {
 }
 
 SIMULATED_DEVICE(void, startProfile)(JNIEnv* env, jclass, jstring profile) {
-    kalvorn::simulated::Start(Name(env, profile));
+    kalvorn::simulated::Start(Text(env, profile));
 }
 
 SIMULATED_DEVICE(jstring, profile)(JNIEnv* env, jclass) {
@@ -100,45 +95,46 @@ SIMULATED_DEVICE(jobjectArray, methodsOfOneNumber)(JNIEnv* env, jclass) {
 }
 
 SIMULATED_DEVICE(jboolean, has)(JNIEnv* env, jclass, jint backend, jstring service) {
-    return Device::Get().Has(static_cast<Backend>(backend), Name(env, service));
+    return Device::Get().Has(static_cast<Backend>(backend), Text(env, service));
 }
 
 // The library watches each service that it holds, so the death link tells who holds it.
 SIMULATED_DEVICE(jboolean, holds)(JNIEnv* env, jclass, jint backend, jstring service) {
-    return Device::Get().DeathLinks(static_cast<Backend>(backend), Name(env, service)) > 0;
+    return Device::Get().DeathLinks(static_cast<Backend>(backend), Text(env, service)) > 0;
 }
 
 SIMULATED_DEVICE(jboolean, isRunning)(JNIEnv* env, jclass, jint backend, jstring service) {
-    return Device::Get().IsRunning(static_cast<Backend>(backend), Name(env, service));
+    return Device::Get().IsRunning(static_cast<Backend>(backend), Text(env, service));
 }
 
 SIMULATED_DEVICE(void, kill)(JNIEnv* env, jclass, jint backend, jstring service) {
-    Device::Get().At(static_cast<Backend>(backend), Name(env, service)).Kill();
+    Device::Get().At(static_cast<Backend>(backend), Text(env, service)).Kill();
 }
 
 SIMULATED_DEVICE(void, restart)(JNIEnv* env, jclass, jint backend, jstring service) {
-    kalvorn::simulated::Restart(static_cast<Backend>(backend), Name(env, service));
+    kalvorn::simulated::Restart(static_cast<Backend>(backend), Text(env, service));
 }
 
 SIMULATED_DEVICE(void, declare)(JNIEnv* env, jclass, jint backend, jstring service) {
-    Device::Get().At(static_cast<Backend>(backend), Name(env, service)).Declare();
+    Device::Get().At(static_cast<Backend>(backend), Text(env, service)).Declare();
 }
 
 SIMULATED_DEVICE(void, killProcessOf)(JNIEnv* env, jclass, jstring service) {
-    Device::Get().KillProcess(Name(env, service));
+    Device::Get().KillProcess(Text(env, service));
 }
 
 SIMULATED_DEVICE(void, restartProcessOf)(JNIEnv* env, jclass, jstring service) {
-    Device::Get().RestartProcess(Name(env, service));
+    Device::Get().RestartProcess(Text(env, service));
 }
 
 SIMULATED_DEVICE(void, answer)
 (JNIEnv* env, jclass, jstring method, jint code, jbyteArray text, jbyteArray detail) {
-    Device::Get().Script(Name(env, method), Answer(code, Text(env, text), Text(env, detail)));
+    Device::Get().Script(Text(env, method),
+                         Answer(code, Unpacked(env, text), Unpacked(env, detail)));
 }
 
 SIMULATED_DEVICE(void, failNext)(JNIEnv* env, jclass, jint backend, jstring method) {
-    Device::Get().Script(static_cast<Backend>(backend), Name(env, method), Fault::kTransport);
+    Device::Get().Script(static_cast<Backend>(backend), Text(env, method), Fault::kTransport);
 }
 
 SIMULATED_DEVICE(void, recordCalls)(JNIEnv*, jclass, jboolean record) {

@@ -17,11 +17,13 @@
 #include <string>
 
 #include "device/device.h"
+#include "java_text.h"
 
 namespace {
 
 using kalvorn::device::Backend;
 using kalvorn::device::Device;
+using kalvorn::host::Text;
 
 /** A line of the log as LogRing.java reads it; 0 as its number stands for one half written. */
 struct Line {
@@ -107,9 +109,7 @@ jlong DeathLinks() {
 
 // A mapped file, so that the lines outlast a process that ends in the middle of a call.
 SOAK(jboolean, keepLog)(JNIEnv* env, jclass, jstring path) {
-    const char* name = env->GetStringUTFChars(path, nullptr);
-    const int file = open(name, O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    env->ReleaseStringUTFChars(path, name);
+    const int file = open(Text(env, path).c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     if (file < 0) return JNI_FALSE;
     void* ring = MAP_FAILED;
     if (ftruncate(file, kLines * sizeof(Line)) == 0) {
@@ -127,10 +127,7 @@ SOAK(void, freezeLog)(JNIEnv*, jclass) {
 }
 
 SOAK(jboolean, groupProcesses)(JNIEnv* env, jclass, jstring grouping) {
-    const char* name = env->GetStringUTFChars(grouping, nullptr);
-    const bool known = Device::Get().GroupProcesses(name);
-    env->ReleaseStringUTFChars(grouping, name);
-    return known ? JNI_TRUE : JNI_FALSE;
+    return Device::Get().GroupProcesses(Text(env, grouping)) ? JNI_TRUE : JNI_FALSE;
 }
 
 // In the order of a sample.
