@@ -64,7 +64,7 @@ TEST_F(ConnectionsTest, EveryServiceHasARow) {
     }
     EXPECT_EQ(Device::Services(), rows)
             << "kServices in tests/every_service.h has to have a row for each of "
-               "Device::Services() in host/device/device.cpp, in the same order.";
+               "Device::Services() in simulator/device.cpp, in the same order.";
 }
 
 TEST_F(ConnectionsTest, EachServiceIsDecidedSeparatelyAndInOrder) {

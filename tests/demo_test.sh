@@ -8,7 +8,7 @@ build=$2
 device=$3
 
 # services BACKEND: how many the simulated device has over it, whatever their revisions.
-services() { grep -cE '^ *services\["[a-z_]+"\] =' "$source/host/device/$1_services.cpp"; }
+services() { grep -cE '^ *services\["[a-z_]+"\] =' "$source/simulator/$1_services.cpp"; }
 all=$(services aidl)
 hidl=$(services hidl)
 declare -A connected=(
@@ -24,7 +24,7 @@ declare -A reconnections=([aidl]=2 [hidl]=2 [mixed]=3 [bare]=0)
 # play BUILD_DIR: into $work/shown, and as one line without line breaks into $text
 play() {
     local status=0
-    "$source/host/demo/run.sh" "$1" "$device" >"$work/shown" 2>&1 || status=$?
+    "$source/tools/demo/run.sh" "$1" "$device" >"$work/shown" 2>&1 || status=$?
     text=$(tr -s ' \n' ' ' <"$work/shown")
     return "$status"
 }

@@ -175,10 +175,10 @@ check_include_lines() {
 
 # What they reach in the end, in the project and its build tree: the device code, the generated
 # interfaces, and the host's headers in place of such as every device has.
-stand_ins='host/binder_ndk/include/android/
+stand_ins='platform/binder_ndk/include/android/
 binder_(auto_utils|ibinder|interface_utils|manager|parcel|parcel_utils|status)\.h
-|host/binder/include/binder/(IInterface|Parcel)\.h
-|host/hidl/include/hidl/(HidlSupport|MQDescriptor|Status)\.h'
+|platform/binder/include/binder/(IInterface|Parcel)\.h
+|platform/hidl/include/hidl/(HidlSupport|MQDescriptor|Status)\.h'
 
 check_include_closure() {
     local deps unknown headers own others
@@ -191,7 +191,7 @@ check_include_closure() {
     own=$(find_lines -cxE "SOURCE/(aidl|hidl)/services\.h" <<<"$headers")
     expect_same "The backends' own headers, of which there are two" 2 "$own"
     others=$(find_lines -E "^(SOURCE|BUILD)/" <<<"$headers" |
-        any_but "BUILD/host/[a-z]+/gen/.*|SOURCE/build/arm-tree/.*|SOURCE/(aidl|common|hidl|jni)/.*|SOURCE/($stand_ins)")
+        any_but "BUILD/platform/[a-z]+/gen/.*|SOURCE/build/arm-tree/.*|SOURCE/(aidl|common|hidl|jni)/.*|SOURCE/($stand_ins)")
     expect_none "The device code reaches" "$others"
 }
 

@@ -1,5 +1,5 @@
 // The simulated device: its processes, and what its services do to a caller.
-#include "device/device.h"
+#include "simulator/device.h"
 
 #include <binder/IServiceManager.h>
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@
 #include <thread>
 
 #include "asleep.h"
-#include "device/objects.h"
+#include "simulator/objects.h"
 
 using android::IBinder;
 using android::sp;

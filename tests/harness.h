@@ -10,7 +10,7 @@
 #include <variant>
 #include <vector>
 
-#include "device/device.h"
+#include "simulator/device.h"
 
 /** A Java virtual machine in this process, started on first use with -Xcheck:jni. */
 namespace java {

@@ -354,7 +354,7 @@ check_without() {
 
 # The stand-in for logcat shows what it is asked for, and refuses what it does not know.
 check_logcat() {
-    local logcat=$source/host/android/logcat
+    local logcat=$source/platform/android/logcat
     cat >log <<'END'
 01-01 00:00:00.000    11    12 D KalvornNative: debug
 01-01 00:00:00.000   111    12 I KalvornNative: of another process

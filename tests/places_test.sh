@@ -7,9 +7,9 @@ export LC_ALL=C
 failed=0
 
 java=java/com/quorvin/kalvornii/KvNativeInterface.java
-demo=host/demo/com/quorvin/kalvornii/demo/RunningTest.java
+demo=tools/demo/com/quorvin/kalvornii/demo/RunningTest.java
 table=ctl/com/quorvin/kalvornii/ctl/Services.java
-soak=host/soak/com/quorvin/kalvornii/soak/Calls.java
+soak=tools/soak/com/quorvin/kalvornii/soak/Calls.java
 
 # every NAMES PLACE WHAT: each of these names is in that place's.
 every() {
@@ -45,24 +45,24 @@ check_methods() {
     every "$declared" "$cases" "No case in the test of its topic, tests/*_test.cpp, calls"
     every "$declared" "$called" "The demo never calls; the place is $demo"
     every "$declared" "$(names '^[A-Za-z0-9]+' ctl/every_method.calls)" "ctl/every_method.calls does not call"
-    every "$asking" "$(names '^ +\{"[A-Za-z0-9]+"' benchmarks/aidl_calls.cpp)" \
-        "benchmarks/aidl_calls.cpp has no row for"
-    every "$on_both" "$(names '^ +\{"[A-Za-z0-9]+"' benchmarks/hidl_calls.cpp)" \
-        "benchmarks/hidl_calls.cpp has no row for"
+    every "$asking" "$(names '^ +\{"[A-Za-z0-9]+"' tools/bench/aidl_calls.cpp)" \
+        "tools/bench/aidl_calls.cpp has no row for"
+    every "$on_both" "$(names '^ +\{"[A-Za-z0-9]+"' tools/bench/hidl_calls.cpp)" \
+        "tools/bench/hidl_calls.cpp has no row for"
     every "$declared" "$soaked" "The soak never calls; the place is $soak"
 }
 
 check_services() {
     local services
-    services=$(sed -n '/Device::Services() {/,/^}/p' host/device/device.cpp | names '"[a-z_]+"')
-    every "$services" "$(names '^ *services\["[a-z_]+"' host/device/aidl_services.cpp)" \
-        "AidlServices() in host/device/aidl_services.cpp does not make"
+    services=$(sed -n '/Device::Services() {/,/^}/p' simulator/device.cpp | names '"[a-z_]+"')
+    every "$services" "$(names '^ *services\["[a-z_]+"' simulator/aidl_services.cpp)" \
+        "AidlServices() in simulator/aidl_services.cpp does not make"
     every "$services" "$(names '^ +\{"[a-z_]+"' tests/every_service.h)" \
         "kServices in tests/every_service.h has no row for"
     every "$services" "$(names 'Map\.entry\("[a-z_]+"' "$demo")" "SERVES in $demo does not tell of"
     every "$services" "$(names '^        add\("[a-z_]+"' "$table")" "The table in $table has no"
-    every "$(names '^ *services\["[a-z_]+"' host/device/aidl_services.cpp)" "$services" \
-        "Device::Services() in host/device/device.cpp has no"
+    every "$(names '^ *services\["[a-z_]+"' simulator/aidl_services.cpp)" "$services" \
+        "Device::Services() in simulator/device.cpp has no"
 }
 
 check_connectors() {

@@ -91,7 +91,7 @@ await '^[0-9-]+ [0-9:.]+ +[0-9]+ +[0-9]+ I KalvornNative: JNI_OnLoad$' 1
 
 # The example, compiled and run as its page says, and the tests of SimulatedDevice itself.
 export CLASSPATH=$junit:$work/out:$classes
-"$source/simulate" javac -d out "$source/host/simulated/example/BurnInTest.java"
+"$source/simulate" javac -d out "$source/simulator/example/BurnInTest.java"
 for class in BurnInTest com.quorvin.kalvornii.simulated.SimulatedDeviceTest; do
     "$source/simulate" java org.junit.platform.console.ConsoleLauncher --disable-banner \
         --select-class "$class" >report 2>&1 || { cat report; failed=1; }

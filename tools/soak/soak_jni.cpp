@@ -16,8 +16,8 @@
 #include <fstream>
 #include <string>
 
-#include "device/device.h"
-#include "java_text.h"
+#include "platform/android/java_text.h"
+#include "simulator/device.h"
 
 namespace {
 

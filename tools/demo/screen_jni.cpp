@@ -14,8 +14,8 @@
 #include <thread>
 #include <vector>
 
-#include "java_text.h"
-#include "priority_letter.h"
+#include "platform/android/java_text.h"
+#include "platform/android/priority_letter.h"
 
 using kalvorn::host::PriorityLetter;
 using kalvorn::host::Text;

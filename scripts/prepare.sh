@@ -6,5 +6,5 @@ cd "$(dirname "$0")/.."
 if [ ! -e "build/host/lib_kalvorn.so" ]; then
     echo "Installing what is missing and building; this takes a few minutes." >&2
 fi
-host/install.sh demo "${@:2}" >&2
-host/build.sh host "$1" >&2
+scripts/install.sh demo "${@:2}" >&2
+scripts/build.sh host "$1" >&2

@@ -2,7 +2,7 @@
 #include <android/log.h>
 #include <jni.h>
 
-#include "java_text.h"
+#include "platform/android/java_text.h"
 
 using kalvorn::host::Text;
 

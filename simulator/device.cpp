@@ -1,4 +1,4 @@
-#include "device/device.h"
+#include "simulator/device.h"
 
 #include <binder_host.h>
 #include <hidl/hidl_host.h>
@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "device/objects.h"
+#include "simulator/objects.h"
 
 namespace kalvorn::device {
 

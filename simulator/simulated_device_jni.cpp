@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "device/device.h"
-#include "java_text.h"
-#include "simulated/device_start.h"
+#include "platform/android/java_text.h"
+#include "simulator/device.h"
+#include "simulator/device_start.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "device/device.h"
-#include "device/objects.h"
+#include "simulator/device.h"
+#include "simulator/objects.h"
 
 namespace kalvorn::device {
 

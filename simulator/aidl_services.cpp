@@ -17,9 +17,9 @@
 #include <vendor/zantor/hardware/ztchipsrvsat/BnZtChipSrvSat.h>
 #include <vendor/zantor/hardware/ztsimradio/BnZtsimradio.h>
 
-#include "device/big_data_text.h"
-#include "device/device.h"
-#include "device/objects.h"
+#include "simulator/big_data_text.h"
+#include "simulator/device.h"
+#include "simulator/objects.h"
 
 namespace kalvorn::device {
 

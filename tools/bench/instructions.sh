@@ -44,7 +44,7 @@ count_with_callgrind() {
 # The emulator tells of each instruction within the ranges, a line each. It loads everything at the same
 # places each time; the second run says its ranges too.
 count_with_emulator() {
-    local emulate=$here/../host/arm/emulate.sh ranges counting
+    local emulate=$here/../../scripts/arm/emulate.sh ranges counting
     "$emulate" ./kalvorn_instructions where >"$work/ranges"
     ranges=$(awk '{ printf "%s%s", comma, $3; comma = "," }' "$work/ranges")
     mkfifo "$work/trace"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "device/device.h"
+#include "simulator/device.h"
 
 /** The measured methods, and what each call is given, the same in Calls.java. */
 namespace bench {

@@ -221,7 +221,7 @@ Trace TraceOf(const Run& run) {
 
 /** Only what does the same is compared. */
 std::string FaultOf(const Run& java, const Run& proxy, const Run& floor) {
-    if (java == nullptr || proxy == nullptr) return "HAS NO PROXY IN benchmarks/";
+    if (java == nullptr || proxy == nullptr) return "HAS NO PROXY IN tools/bench/";
     const Trace trace = TraceOf(java);
     if (trace.calls.empty()) return "ASKS NO SERVICE";
     if (TraceOf(proxy).calls != trace.calls) return "ITS PROXY IS ASKED OTHERWISE";

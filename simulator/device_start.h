@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "device/device.h"
+#include "simulator/device.h"
 
 /** The one simulated device of a process that is not a test: it starts by itself. */
 namespace kalvorn::simulated {

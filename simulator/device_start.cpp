@@ -1,4 +1,4 @@
-#include "simulated/device_start.h"
+#include "simulator/device_start.h"
 
 #include <android/log.h>
 #include <stdlib.h>
@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "device/device.h"
+#include "simulator/device.h"
 
 namespace kalvorn::simulated {
 

@@ -13,9 +13,9 @@
 
 #include <stdexcept>
 
-#include "device/big_data_text.h"
-#include "device/device.h"
-#include "device/objects.h"
+#include "simulator/big_data_text.h"
+#include "simulator/device.h"
+#include "simulator/objects.h"
 
 namespace kalvorn::device {
 

@@ -10,7 +10,7 @@
 #include <sstream>
 #include <string>
 
-#include "priority_letter.h"
+#include "platform/android/priority_letter.h"
 
 namespace {
 

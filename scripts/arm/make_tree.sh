@@ -20,7 +20,7 @@ packages=(
 
 tree=$PWD/build/arm-tree
 stamp=$tree/.made_by
-sum=$(sha256sum <host/arm/make_tree.sh)
+sum=$(sha256sum <scripts/arm/make_tree.sh)
 [ "$(cat "$stamp" 2>/dev/null)" = "$sum" ] && exit 0
 
 mkdir -p build
