@@ -10,7 +10,9 @@ import org.junit.jupiter.api.AfterEach;
 import org.junit.jupiter.api.BeforeAll;
 import org.junit.jupiter.api.Test;
 
-/** How an application's reaction to absent, dying and failing services is tested without a device. */
+/**
+ * How an application's reaction to absent, dying and failing services is tested without a device.
+ */
 class BurnInTest {
     /** The application: a step of its run-in. */
     private static final class BurnIn {

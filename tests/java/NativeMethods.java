@@ -1,5 +1,4 @@
 import com.quorvin.kalvornii.KvNativeInterface;
-
 import java.lang.invoke.MethodType;
 import java.lang.reflect.Method;
 import java.lang.reflect.Modifier;

@@ -588,7 +588,8 @@ public class KvNativeInterface {
     public native int nativeSendCommandMcu(int first, int second, byte[] data);
 
     /**
-     * Only logs the first number and a reference to this object; the second number is not looked at.
+     * Only logs the first number and a reference to this object; the second number is not looked
+     * at.
      *
      * @param result a number to log
      * @param serviceId not used

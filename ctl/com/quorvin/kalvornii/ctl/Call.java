@@ -30,11 +30,12 @@ final class Call {
 
     boolean isAbsent() {
         if (result instanceof int[]) {
-            return Arrays.stream((int[]) result).allMatch(
-                    code -> code == KvNativeInterface.SERVICE_ABSENT);
+            return Arrays.stream((int[]) result)
+                    .allMatch(code -> code == KvNativeInterface.SERVICE_ABSENT);
         }
-        return result != null && (result.equals(KvNativeInterface.SERVICE_ABSENT)
-                || result.equals(KvNativeInterface.INVALID_SERVICE));
+        return result != null
+                && (result.equals(KvNativeInterface.SERVICE_ABSENT)
+                        || result.equals(KvNativeInterface.INVALID_SERVICE));
     }
 
     /** The backend that the call took; null for none, and when neither contract nor log tells. */
@@ -48,8 +49,10 @@ final class Call {
 
     /** As a line that "run" takes. */
     String line() {
-        return method.name + Arrays.stream(arguments)
-                .map(argument -> " " + Values.words(argument)).collect(Collectors.joining())
+        return method.name
+                + Arrays.stream(arguments)
+                          .map(argument -> " " + Values.words(argument))
+                          .collect(Collectors.joining())
                 + " = " + Values.words(result);
     }
 
@@ -62,8 +65,9 @@ final class Call {
         members.putAll(fields);
         members.put("milliseconds", Math.round(milliseconds * 1000) / 1000.0);
         members.put("backend", backend());
-        members.put("log", log == null ? null
-                : log.stream().map(LogLine::toString).collect(Collectors.toList()));
+        members.put("log",
+                log == null ? null
+                            : log.stream().map(LogLine::toString).collect(Collectors.toList()));
         return members;
     }
 }

@@ -24,8 +24,8 @@ final class CallCommand {
             console.out.println(Json.of(call.members()));
         } else {
             console.out.println(Values.show(call.result));
-            call.fields.forEach((name, text) ->
-                    console.out.println(name + ": " + Values.show(text)));
+            call.fields.forEach(
+                    (name, text) -> console.out.println(name + ": " + Values.show(text)));
         }
         if (options.has("-v")) showLog(call, library.log);
         if (!call.isAbsent()) return Main.DONE;
@@ -70,16 +70,19 @@ final class CallCommand {
 
     void tellOfAbsence(Call call, Library library) {
         boolean isNull = Arrays.stream(call.arguments).anyMatch(CallCommand::hasNull);
-        console.tell(call.method.name + ": " + (isNull
-                ? "an argument is null, or the " + call.method.service + " service is absent; for "
-                        + "the word itself write '\\null'"
-                : "the " + call.method.service + " service is absent"));
+        console.tell(call.method.name + ": "
+                + (isNull ? "an argument is null, or the " + call.method.service
+                                        + " service is absent; for "
+                                        + "the word itself write '\\null'"
+                          : "the " + call.method.service + " service is absent"));
         if (!isNull) library.tellOfAbsence();
     }
 
     private static boolean hasNull(Object argument) {
-        return argument == null || (Values.isRecord(argument.getClass())
-                && Values.fields(argument.getClass()).stream()
-                        .anyMatch(field -> Values.valueOf(field, argument) == null));
+        return argument == null
+                || (Values.isRecord(argument.getClass())
+                        && Values.fields(argument.getClass())
+                                   .stream()
+                                   .anyMatch(field -> Values.valueOf(field, argument) == null));
     }
 }

@@ -11,8 +11,8 @@ import java.io.PrintStream;
 import java.io.UnsupportedEncodingException;
 
 /**
- * Where the command writes and reads, in UTF-8 whatever the locale. The scripts that start it tell of
- * the terminal: KALVORN_COLUMNS is its width when standard output is one, and KALVORN_ASK is set
+ * Where the command writes and reads, in UTF-8 whatever the locale. The scripts that start it tell
+ * of the terminal: KALVORN_COLUMNS is its width when standard output is one, and KALVORN_ASK is set
  * when standard input is one.
  */
 final class Console {

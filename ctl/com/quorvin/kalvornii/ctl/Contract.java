@@ -14,10 +14,9 @@ import java.util.stream.Collectors;
 final class Contract {
     private static final String SOURCE = "/com/quorvin/kalvornii/KvNativeInterface.java";
 
-    private static final Pattern PART = Pattern.compile(
-            "^    // (?<section>.*)$"
-            + "|^    /\\*\\*(?<doc>(?s:.*?))\\*/"
-            + "|^    public native (?<result>\\S+) (?<name>\\w+)\\((?<parameters>[^)]*)\\);",
+    private static final Pattern PART = Pattern.compile("^    // (?<section>.*)$"
+                    + "|^    /\\*\\*(?<doc>(?s:.*?))\\*/"
+                    + "|^    public native (?<result>\\S+) (?<name>\\w+)\\((?<parameters>[^)]*)\\);",
             Pattern.MULTILINE);
     private static final Pattern SERVICE = Pattern.compile("\\((\\w+) service\\b");
     private static final Pattern FIELD = Pattern.compile("\\{@link\\s+#(currentValue|i2cInfo)\\}");
@@ -57,9 +56,10 @@ final class Contract {
 
         /** As Java declares it. */
         String declaration() {
-            return result + " " + name + parameters.stream()
-                    .map(parameter -> parameter.type + " " + parameter.name)
-                    .collect(Collectors.joining(", ", "(", ")"));
+            return result + " " + name
+                    + parameters.stream()
+                              .map(parameter -> parameter.type + " " + parameter.name)
+                              .collect(Collectors.joining(", ", "(", ")"));
         }
 
         /** The first sentence of the doc comment. */
@@ -88,8 +88,9 @@ final class Contract {
         while (part.find()) {
             if (part.group("section") != null) {
                 Matcher named = SERVICE.matcher(part.group("section"));
-                if (!named.find()) throw new IllegalStateException(
-                        "The section \"" + part.group("section") + "\" names no service.");
+                if (!named.find())
+                    throw new IllegalStateException(
+                            "The section \"" + part.group("section") + "\" names no service.");
                 service = named.group(1).equals("no") ? null : named.group(1);
             } else if (part.group("doc") != null) {
                 comment = part.group("doc");
@@ -124,8 +125,10 @@ final class Contract {
                     + "list\" shows them");
         }
         throw new UsageException("\"" + word + "\" is in the names of " + candidates.size()
-                + " methods:" + candidates.stream()
-                .map(method -> "\n  " + method.declaration()).collect(Collectors.joining()));
+                + " methods:"
+                + candidates.stream()
+                          .map(method -> "\n  " + method.declaration())
+                          .collect(Collectors.joining()));
     }
 
     private static String key(String name) {

@@ -31,7 +31,8 @@ final class Json {
     }
 
     private static String object(Map<?, ?> members) {
-        return members.entrySet().stream()
+        return members.entrySet()
+                .stream()
                 .map(member -> text(member.getKey().toString()) + ":" + of(member.getValue()))
                 .collect(Collectors.joining(",", "{", "}"));
     }

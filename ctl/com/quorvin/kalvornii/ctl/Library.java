@@ -63,17 +63,20 @@ final class Library {
                     + "which would name it, cannot be read: " + log.trouble();
         }
         String service = services.lookedFor();
-        return service == null ? "the library still loads, and has logged nothing yet"
+        return service == null
+                ? "the library still loads, and has logged nothing yet"
                 : "the load waits for " + service + ", which is declared and has not started";
     }
 
     private String reason(List<LogLine> lines) {
-        String logged = lines.stream().map(line -> line.text)
-                .filter(text -> text.matches("(ERROR|Native registration|Register).*"))
-                .map(text -> "\n  log: " + text).collect(Collectors.joining());
+        String logged =
+                lines.stream()
+                        .map(line -> line.text)
+                        .filter(text -> text.matches("(ERROR|Native registration|Register).*"))
+                        .map(text -> "\n  log: " + text)
+                        .collect(Collectors.joining());
         return "the library did not load: " + failure.getMessage() + logged
-                + "\n  lib_kalvorn.so is looked for in: "
-                + System.getProperty("java.library.path");
+                + "\n  lib_kalvorn.so is looked for in: " + System.getProperty("java.library.path");
     }
 
     /** Calls a method, with the log of the call while the log is open. */
@@ -85,8 +88,10 @@ final class Library {
         double milliseconds = (System.nanoTime() - start) / 1e6;
         List<LogLine> lines = null;
         if (withLog) {
-            lines = log.upToNow().stream().filter(line -> line.tid == thread)
-                    .collect(Collectors.toList());
+            lines = log.upToNow()
+                            .stream()
+                            .filter(line -> line.tid == thread)
+                            .collect(Collectors.toList());
             if (log.trouble() != null) lines = null;
         }
         return new Call(method, arguments, result, fields(method), milliseconds, lines);
@@ -95,7 +100,8 @@ final class Library {
     private static Object invoke(Contract.Method method, Object[] arguments) throws LoadException {
         try {
             Class<?>[] types = method.parameters.stream()
-                    .map(parameter -> Values.typeOf(parameter.type)).toArray(Class<?>[]::new);
+                                       .map(parameter -> Values.typeOf(parameter.type))
+                                       .toArray(Class<?>[] ::new);
             return KvNativeInterface.class.getMethod(method.name, types)
                     .invoke(new KvNativeInterface(), arguments);
         } catch (InvocationTargetException e) {
@@ -121,11 +127,14 @@ final class Library {
     /** Looks for denials, and tells what a missing service may be due to on a device. */
     void tellOfAbsence() {
         if (isSimulated()) return;
-        services.takeDenials(
-                LogReader.dump("SELinux", "auditd", "servicemanager", "hwservicemanager",
-                        "ServiceManagerCppClient"), Process.myPid());
-        String denied = services.all().stream().filter(Services.Service::isDenied)
-                .map(service -> service.name).collect(Collectors.joining(", "));
+        services.takeDenials(LogReader.dump("SELinux", "auditd", "servicemanager",
+                                     "hwservicemanager", "ServiceManagerCppClient"),
+                Process.myPid());
+        String denied = services.all()
+                                .stream()
+                                .filter(Services.Service::isDenied)
+                                .map(service -> service.name)
+                                .collect(Collectors.joining(", "));
         if (!denied.isEmpty()) {
             console.tell("SELinux denies this process: " + denied + ". A root shell or a policy of "
                     + "its own is needed.");

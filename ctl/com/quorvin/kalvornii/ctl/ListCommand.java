@@ -18,8 +18,8 @@ final class ListCommand {
         String word = options.words.isEmpty() ? "" : options.words.get(0).toLowerCase(Locale.ROOT);
         int shown = 0;
         for (Contract.Method method : contract.methods()) {
-            String line = String.join("\t",
-                    method.declaration(), method.serviceName(), method.summary());
+            String line =
+                    String.join("\t", method.declaration(), method.serviceName(), method.summary());
             if (!line.toLowerCase(Locale.ROOT).contains(word)) continue;
             shown++;
             if (console.isTerminal()) {
@@ -58,9 +58,10 @@ final class ListCommand {
             Class<?> type = Values.typeOf(parameter.type);
             if (!Values.isRecord(type)) continue;
             console.out.println("\nThe fields of " + parameter.name + ": "
-                    + Values.fields(type).stream()
-                            .map(field -> field.getType().getSimpleName() + " " + field.getName())
-                            .collect(Collectors.joining(", ")));
+                    + Values.fields(type)
+                              .stream()
+                              .map(field -> field.getType().getSimpleName() + " " + field.getName())
+                              .collect(Collectors.joining(", ")));
         }
         return Main.DONE;
     }

@@ -31,7 +31,8 @@ final class LogReader implements Closeable {
     static LogReader start() {
         LogReader reader = new LogReader();
         try {
-            reader.logcat = logcat("--pid=" + Process.myPid(), "-s", LogLine.LIBRARY + ":V", TAG + ":V");
+            reader.logcat =
+                    logcat("--pid=" + Process.myPid(), "-s", LogLine.LIBRARY + ":V", TAG + ":V");
         } catch (IOException e) {
             reader.trouble = e.getMessage();
             return reader;

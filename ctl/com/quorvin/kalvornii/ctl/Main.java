@@ -41,18 +41,25 @@ public final class Main {
     private static int run(Options options, Console console)
             throws UsageException, LoadException, IOException {
         if (options.has("--help")) return help(console);
-        if (options.command == null) throw new UsageException("a command is expected; --help tells which");
+        if (options.command == null)
+            throw new UsageException("a command is expected; --help tells which");
         switch (options.command) {
-            case "list": return new ListCommand(console).list(options);
+            case "list":
+                return new ListCommand(console).list(options);
             case "help":
                 return options.words.isEmpty() ? help(console)
-                        : new ListCommand(console).help(options);
-            case "status": return new StatusCommand(console).status(options);
-            case "call": return new CallCommand(console).call(options);
-            case "run": return new RunCommand(console).run(options);
-            case "watch": return new StatusCommand(console).watch(options);
-            default: throw new UsageException("no command \"" + options.command
-                    + "\"; --help tells which");
+                                               : new ListCommand(console).help(options);
+            case "status":
+                return new StatusCommand(console).status(options);
+            case "call":
+                return new CallCommand(console).call(options);
+            case "run":
+                return new RunCommand(console).run(options);
+            case "watch":
+                return new StatusCommand(console).watch(options);
+            default:
+                throw new UsageException(
+                        "no command \"" + options.command + "\"; --help tells which");
         }
     }
 

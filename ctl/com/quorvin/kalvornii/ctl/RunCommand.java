@@ -128,8 +128,8 @@ final class RunCommand {
             List<String> notes = new ArrayList<>();
             call.fields.forEach((name, text) -> notes.add(name + ": " + Values.words(text)));
             if (differs) notes.add("expected: " + Values.words(wanted));
-            console.out.println(call.line()
-                    + (notes.isEmpty() ? "" : "  # " + String.join(", ", notes)));
+            console.out.println(
+                    call.line() + (notes.isEmpty() ? "" : "  # " + String.join(", ", notes)));
         }
         if (options.has("-v")) calls.showLog(call, library.log);
     }

@@ -18,8 +18,8 @@ final class Services {
             ".*( linkToDeath|is null|is not Declared)|Could not connect to declared .*");
     private static final Pattern DENIAL = Pattern.compile(
             "avc: +denied +\\{ find \\} for (?=.*\\bpid=(\\d+)).*\\b(?:name|interface)=(\\S+)");
-    private static final Pattern OWN_DENIAL = Pattern.compile(
-            "Failed to get isDeclared for (\\S+): .*SELinux denied");
+    private static final Pattern OWN_DENIAL =
+            Pattern.compile("Failed to get isDeclared for (\\S+): .*SELinux denied");
 
     /** A service over one backend. */
     static final class Link {
@@ -88,41 +88,31 @@ final class Services {
     private Link last;
 
     Services() {
-        add("factory",
-                "InitAidlFactoryInterface",
+        add("factory", "InitAidlFactoryInterface",
                 "qxfactoryinterface.IQxFactoryInterface/qxfactoryinterface_hal",
                 "InitHidlFactoryInterface",
                 "qxfactoryinterface@1.0::IQxFactoryInterface/qxfactoryinterface_hal");
-        add("display",
-                "InitAidlDisplayService", "qxdisplay.IDisplay/default",
+        add("display", "InitAidlDisplayService", "qxdisplay.IDisplay/default",
                 "InitHidlDisplayService", "qxdisplay@1.0::IDisplay/default");
-        add("touch",
-                "InitAidlTouchscreen", "tp.ITouchscreen/default",
-                "InitHidlTouchScreen", "tp@1.0::ITouchscreen/default");
-        add("sensors",
-                "InitAidlSensors", "sensors.ISensors/default",
-                "InitHidlSensors", "sensors@1.2::ISensors/default");
-        add("power",
-                "InitAidlPower", "power.IQXPower/default",
-                "InitHidlPower", "power@1.0::IQXPower/default");
-        add("light",
-                "InitAidlLight", "light.ILight/default",
-                "InitHidlLight", "light@2.0::ILight/default");
-        add("camera",
-                "InitAidlCameraFactory", "camera.factory.ICameraFactory/default",
+        add("touch", "InitAidlTouchscreen", "tp.ITouchscreen/default", "InitHidlTouchScreen",
+                "tp@1.0::ITouchscreen/default");
+        add("sensors", "InitAidlSensors", "sensors.ISensors/default", "InitHidlSensors",
+                "sensors@1.2::ISensors/default");
+        add("power", "InitAidlPower", "power.IQXPower/default", "InitHidlPower",
+                "power@1.0::IQXPower/default");
+        add("light", "InitAidlLight", "light.ILight/default", "InitHidlLight",
+                "light@2.0::ILight/default");
+        add("camera", "InitAidlCameraFactory", "camera.factory.ICameraFactory/default",
                 "InitHidlCameraFactory", "camera.factory@1.0::ICameraFactory/default");
-        add("radio",
-                "InitAidlRadioEnhance", "radioenhance.IRadioenhance/default",
+        add("radio", "InitAidlRadioEnhance", "radioenhance.IRadioenhance/default",
                 "InitHidlRadioEnhance", "radioenhance@1.0::IRadioenhance/default");
-        add("display_factory",
-                "InitAidlDisplayFactory", "qxdisplay.displayfactory.IDisplayFactory/default",
-                "InitHidlDisplayFactory", "qxdisplay.displayfactory@1.0::IDisplayFactory/default");
-        add("fingerprint",
-                "InitAidlFingerprintService", "biometrics.fingerprint.IFingerprint/default",
-                "InitHidlFingerprintService",
+        add("display_factory", "InitAidlDisplayFactory",
+                "qxdisplay.displayfactory.IDisplayFactory/default", "InitHidlDisplayFactory",
+                "qxdisplay.displayfactory@1.0::IDisplayFactory/default");
+        add("fingerprint", "InitAidlFingerprintService",
+                "biometrics.fingerprint.IFingerprint/default", "InitHidlFingerprintService",
                 "biometrics.fingerprint@2.2::IExtBiometricsFingerprint/default");
-        add("chip",
-                "InitAidlChipSrvInterface", "ztchipsrvhertz.IZtChipSrvHertz/ztchipsrv_hertz",
+        add("chip", "InitAidlChipSrvInterface", "ztchipsrvhertz.IZtChipSrvHertz/ztchipsrv_hertz",
                 "InitHidlChipSrvInterface", "ztchipsrv@1.0::IZtChipSrvInterface/ztchipsrv_hal");
         add("sim", "InitSimInterface", "ztsimradio.IZtsimradio/slot1");
         add("satellite", "InitChipSrvSat", "ztchipsrvsat.IZtChipSrvSat/ztchipsrv_sat");
@@ -134,8 +124,8 @@ final class Services {
 
     private void add(String name, String aidlStart, String aidlInstance, String hidlStart,
             String hidlInstance) {
-        all.add(new Service(name, new Link(aidlStart, aidlInstance),
-                new Link(hidlStart, hidlInstance)));
+        all.add(new Service(
+                name, new Link(aidlStart, aidlInstance), new Link(hidlStart, hidlInstance)));
     }
 
     /** In the order of connection. */

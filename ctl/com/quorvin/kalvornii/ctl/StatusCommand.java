@@ -41,12 +41,13 @@ final class StatusCommand {
     /** On a narrow terminal a line for each part that would not fit beside the others. */
     private List<String> rows(Services.Service service) {
         List<String> rows = new ArrayList<>();
-        String row = String.format(ROW, service.name, service.backend(), service.instance(),
-                service.said());
+        String row = String.format(
+                ROW, service.name, service.backend(), service.instance(), service.said());
         if (!console.isTerminal() || row.length() <= console.columns()) {
             rows.add(row);
         } else {
-            rows.add(String.format(NARROW_ROW, service.name, service.backend(), service.instance()));
+            rows.add(
+                    String.format(NARROW_ROW, service.name, service.backend(), service.instance()));
             rows.add(String.format(NARROW_ROW, "", "", service.said()));
         }
         return rows;
@@ -98,8 +99,9 @@ final class StatusCommand {
         for (;;) {
             StringBuilder screen = new StringBuilder("\033[H\033[J");
             for (Services.Service service : library.services.all()) {
-                screen.append(cut(String.format(NARROW_ROW, service.name, service.backend(),
-                        service.said()))).append('\n');
+                screen.append(cut(String.format(
+                                      NARROW_ROW, service.name, service.backend(), service.said())))
+                        .append('\n');
             }
             screen.append('\n');
             for (String event : events) screen.append(cut(event)).append('\n');

@@ -9,9 +9,9 @@ import java.util.List;
 import java.util.stream.Collectors;
 
 /**
- * Java's values as a person writes and reads them: a number in decimal or 0x, a text as it is, bytes
- * as hexadecimal digits, a record as "field=value" words. The word null is null, and \null the text
- * "null"; of more backslashes before it one is taken off likewise.
+ * Java's values as a person writes and reads them: a number in decimal or 0x, a text as it is,
+ * bytes as hexadecimal digits, a record as "field=value" words. The word null is null, and \null
+ * the text "null"; of more backslashes before it one is taken off likewise.
  */
 final class Values {
     private static final String NUMBER = "-?(0[xX][0-9a-fA-F]{1,8}|[0-9]{1,10})";
@@ -21,13 +21,20 @@ final class Values {
 
     static Class<?> typeOf(String name) {
         switch (name) {
-            case "int": return int.class;
-            case "int[]": return int[].class;
-            case "byte[]": return byte[].class;
-            case "String": return String.class;
-            case "BigDataOperation": return BigDataOperation.class;
-            case "BigDataValue": return BigDataValue.class;
-            default: throw new IllegalStateException("The contract has an unknown type, " + name);
+            case "int":
+                return int.class;
+            case "int[]":
+                return int[].class;
+            case "byte[]":
+                return byte[].class;
+            case "String":
+                return String.class;
+            case "BigDataOperation":
+                return BigDataOperation.class;
+            case "BigDataValue":
+                return BigDataValue.class;
+            default:
+                throw new IllegalStateException("The contract has an unknown type, " + name);
         }
     }
 
@@ -86,7 +93,8 @@ final class Values {
                 return (int) value;
             }
         }
-        throw new UsageException("a 32-bit number, decimal or 0x, is expected, not \"" + word + "\"");
+        throw new UsageException(
+                "a 32-bit number, decimal or 0x, is expected, not \"" + word + "\"");
     }
 
     /** A record of the given fields; the others are 0 or "". */
@@ -118,8 +126,10 @@ final class Values {
             }
         }
         throw new UsageException("field=value is expected, not \"" + word + "\"; the fields are "
-                + fields(record.getClass()).stream().map(Field::getName)
-                        .collect(Collectors.joining(", ")));
+                + fields(record.getClass())
+                          .stream()
+                          .map(Field::getName)
+                          .collect(Collectors.joining(", ")));
     }
 
     /** The fields of a record, those of numbers first. */
@@ -137,11 +147,14 @@ final class Values {
         }
     }
 
-    /** A result or an argument that is no record, as parse() takes it; arrays with blanks between. */
+    /**
+     * A result or an argument that is no record, as parse() takes it; arrays with blanks between.
+     */
     static String show(Object value) {
         if (value instanceof byte[]) return HexText.of((byte[]) value);
         if (value instanceof int[]) {
-            return Arrays.stream((int[]) value).mapToObj(Integer::toString)
+            return Arrays.stream((int[]) value)
+                    .mapToObj(Integer::toString)
                     .collect(Collectors.joining(" "));
         }
         if (value == null) return "null";
@@ -153,7 +166,8 @@ final class Values {
     static String words(Object value) {
         if (value instanceof int[]) return show(value);
         if (value == null || !isRecord(value.getClass())) return Words.quote(show(value));
-        return fields(value.getClass()).stream()
+        return fields(value.getClass())
+                .stream()
                 .map(field -> Words.quote(field.getName() + "=" + show(valueOf(field, value))))
                 .collect(Collectors.joining(" "));
     }

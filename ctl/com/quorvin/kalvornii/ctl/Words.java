@@ -90,7 +90,8 @@ final class Words {
         } else if (c == 'u') {
             text.append((char) hex(4));
         } else {
-            throw new UsageException("\\" + c + " is not known in $'...': \\n, \\t, \\r, \\\\, \\', "
+            throw new UsageException("\\" + c
+                    + " is not known in $'...': \\n, \\t, \\r, \\\\, \\', "
                     + "\\\", \\xHH and \\uHHHH are");
         }
     }
@@ -99,8 +100,9 @@ final class Words {
         int value = 0;
         for (int i = 0; i < digits; i++) {
             int digit = HexText.digit(next("a quote is not closed"));
-            if (digit < 0) throw new UsageException("$'...' has \\x or \\u without its " + digits
-                    + " hexadecimal digits");
+            if (digit < 0)
+                throw new UsageException(
+                        "$'...' has \\x or \\u without its " + digits + " hexadecimal digits");
             value = 16 * value + digit;
         }
         return value;
@@ -114,7 +116,8 @@ final class Words {
     /** The text as one word of a line. */
     static String quote(String text) {
         if (text.chars().anyMatch(c -> c < ' ' || c == 0x7f)) return "$'" + escaped(text) + "'";
-        boolean plain = !text.isEmpty() && !text.equals("=") && text.chars().allMatch(Words::isPlain);
+        boolean plain =
+                !text.isEmpty() && !text.equals("=") && text.chars().allMatch(Words::isPlain);
         return plain ? text : "'" + text.replace("'", "'\\''") + "'";
     }
 

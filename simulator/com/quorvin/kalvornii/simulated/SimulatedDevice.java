@@ -18,10 +18,7 @@ import java.util.stream.Collectors;
  */
 public final class SimulatedDevice {
     /** The two ways to a service. */
-    public enum Backend {
-        AIDL,
-        HIDL
-    }
+    public enum Backend { AIDL, HIDL }
 
     private static final int PATIENCE_MS = 5000;
     private static final int MOST_BYTES = 1000 * 1000;
@@ -118,7 +115,9 @@ public final class SimulatedDevice {
         declare(backend.ordinal(), service);
     }
 
-    /** Lets the process of a service die, with all services in it, as {@link #kill} does with one. */
+    /**
+     * Lets the process of a service die, with all services in it, as {@link #kill} does with one.
+     */
     public static void killProcess(String service) {
         check(service, services(), "service");
         killProcessOf(service);

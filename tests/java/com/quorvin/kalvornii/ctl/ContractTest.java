@@ -26,24 +26,35 @@ class ContractTest {
     @Test
     void hasTheMethodsOfTheClass() {
         List<String> declared = Arrays.stream(KvNativeInterface.class.getDeclaredMethods())
-                .filter(method -> Modifier.isNative(method.getModifiers()))
-                .map(method -> signature(method.getReturnType().getSimpleName(), method.getName(),
-                        Arrays.stream(method.getParameterTypes()).map(Class::getSimpleName)))
-                .sorted().collect(Collectors.toList());
-        List<String> read = contract.methods().stream()
-                .map(method -> signature(method.result, method.name,
-                        method.parameters.stream().map(parameter -> parameter.type)))
-                .sorted().collect(Collectors.toList());
+                                        .filter(method -> Modifier.isNative(method.getModifiers()))
+                                        .map(method
+                                                -> signature(method.getReturnType().getSimpleName(),
+                                                        method.getName(),
+                                                        Arrays.stream(method.getParameterTypes())
+                                                                .map(Class::getSimpleName)))
+                                        .sorted()
+                                        .collect(Collectors.toList());
+        List<String> read = contract.methods()
+                                    .stream()
+                                    .map(method
+                                            -> signature(method.result, method.name,
+                                                    method.parameters.stream().map(
+                                                            parameter -> parameter.type)))
+                                    .sorted()
+                                    .collect(Collectors.toList());
         assertEquals(declared, read);
     }
 
     @Test
     void describesEveryMethodAndArgument() {
         for (Contract.Method method : contract.methods()) {
-            List<String> described = Source.matches("(?m)^@param (\\w+) ", method.doc).stream()
-                    .map(groups -> groups.get(0)).collect(Collectors.toList());
+            List<String> described = Source.matches("(?m)^@param (\\w+) ", method.doc)
+                                             .stream()
+                                             .map(groups -> groups.get(0))
+                                             .collect(Collectors.toList());
             List<String> names = method.parameters.stream()
-                    .map(parameter -> parameter.name).collect(Collectors.toList());
+                                         .map(parameter -> parameter.name)
+                                         .collect(Collectors.toList());
             assertEquals(names, described, method.name);
             assertTrue(method.summary().matches("[A-Z][^@{}*]*\\."), method.summary());
         }
@@ -53,7 +64,7 @@ class ContractTest {
     void namesTheServiceThatIsAsked() throws IOException {
         Map<String, String> asked = new TreeMap<>();
         for (List<String> row : Source.matches("(?m)^    \\{\"([a-z_]+)\", \"(\\w+)\"",
-                Source.read("tests/every_method_test.cpp"))) {
+                     Source.read("tests/every_method_test.cpp"))) {
             asked.put(row.get(1), row.get(0));
         }
         assertFalse(asked.isEmpty());
@@ -70,18 +81,18 @@ class ContractTest {
         for (Contract.Method method : contract.methods()) {
             if (!method.fields.isEmpty()) written.put(method.name, method.fields);
         }
-        assertEquals(Map.of(
-                "nativeStorageJoblessTest", List.of("currentValue"),
-                "nativeStorageTestJudge", List.of("currentValue"),
-                "nativePowerTest", List.of("currentValue"),
-                "nativeI2cTest", List.of("i2cInfo")), written);
+        assertEquals(Map.of("nativeStorageJoblessTest", List.of("currentValue"),
+                             "nativeStorageTestJudge", List.of("currentValue"), "nativePowerTest",
+                             List.of("currentValue"), "nativeI2cTest", List.of("i2cInfo")),
+                written);
     }
 
     @Test
     void findsAMethodByWhatAPersonTypes() throws UsageException {
         assertEquals("nativeGetBoardName", contract.find("NATIVEGETBOARDNAME").name);
         assertEquals("nativeGetBoardName", contract.find("boardn").name);
-        assertEquals("sendCmdToFingerprintHalNative", contract.find("sendcmdtofingerprinthal").name);
+        assertEquals(
+                "sendCmdToFingerprintHalNative", contract.find("sendcmdtofingerprinthal").name);
         Contract twins = new Contract("    // x (no service)\n"
                 + "    public native int nativeRunAll();\n    public native int nativeRun();\n");
         assertEquals("nativeRun", twins.find("run").name);
@@ -89,12 +100,13 @@ class ContractTest {
 
     @Test
     void namesTheCandidatesOfAnAmbiguousPart() {
-        String message = assertThrows(UsageException.class, () -> contract.find("Hertz"))
-                .getMessage();
+        String message =
+                assertThrows(UsageException.class, () -> contract.find("Hertz")).getMessage();
         assertTrue(message.endsWith("3 methods:"
-                + "\n  String nativeStartHertzTest()"
-                + "\n  int nativeStopHertzTest()"
-                + "\n  int nativeGetHertzTestResult()"), message);
+                           + "\n  String nativeStartHertzTest()"
+                           + "\n  int nativeStopHertzTest()"
+                           + "\n  int nativeGetHertzTestResult()"),
+                message);
         assertThrows(UsageException.class, () -> contract.find("native"));
         assertThrows(UsageException.class, () -> contract.find("hertzz"));
     }

@@ -35,9 +35,9 @@ class ServicesTest {
             types.put(global.get(1), used(header).get(global.get(0)));
         }
         Map<String, String> instances = new HashMap<>();
-        for (List<String> row : Source.matches(
-                "Describe\\(\\s*&(\\w+),\\s*\"(\\w+)\",(?:\\s*\\d+,)?\\s*\"(\\w+)\"",
-                Source.read(folder + "/connections.cpp"))) {
+        for (List<String> row :
+                Source.matches("Describe\\(\\s*&(\\w+),\\s*\"(\\w+)\",(?:\\s*\\d+,)?\\s*\"(\\w+)\"",
+                        Source.read(folder + "/connections.cpp"))) {
             instances.put(row.get(2), types.get(row.get(0)) + "/" + row.get(1));
         }
         assertFalse(instances.isEmpty());
@@ -51,8 +51,8 @@ class ServicesTest {
         Map<String, String> hidl = connectors("hidl");
         List<String> expected = new ArrayList<>();
         for (List<String> row : Source.matches("\\{\"([a-z_]+)\", native_aidl::\\w+, \\d+,\\s*"
-                + "\"I (\\w+)\",(?:\\s*\"[^\"]*\",){2}\\s*(?:\"D (\\w+)\"|nullptr)",
-                Source.read("tests/every_service.h"))) {
+                             + "\"I (\\w+)\",(?:\\s*\"[^\"]*\",){2}\\s*(?:\"D (\\w+)\"|nullptr)",
+                     Source.read("tests/every_service.h"))) {
             expected.add(row.get(0) + " " + aidl.remove(row.get(1)) + " "
                     + (row.get(2) == null ? "null" : hidl.remove(row.get(2))));
         }
@@ -60,14 +60,17 @@ class ServicesTest {
         assertEquals(Map.of(), hidl);
         List<String> found = new ArrayList<>();
         for (Services.Service service : services.all()) {
-            found.add(service.name + " " + service.aidl.instance + " " + (service.hidl == null
-                    ? "null" : service.hidl.instance.replaceFirst("@(\\d)\\.(\\d)::", ".V$1_$2.")));
+            found.add(service.name + " " + service.aidl.instance + " "
+                    + (service.hidl == null ? "null"
+                                            : service.hidl.instance.replaceFirst(
+                                                    "@(\\d)\\.(\\d)::", ".V$1_$2.")));
         }
         assertEquals(expected, found);
     }
 
     private static LogLine line(int tid, String text) {
-        LogLine line = LogLine.parse("11-21 15:56:18.123  4157 " + tid + " I KalvornNative: " + text);
+        LogLine line =
+                LogLine.parse("11-21 15:56:18.123  4157 " + tid + " I KalvornNative: " + text);
         assertNotNull(line, text);
         return line;
     }
@@ -95,8 +98,7 @@ class ServicesTest {
                 "1 g_qxFingerprint is null", "1 InitChipSrvSat");
         expect("factory", "AIDL", "g_aidlFactory linkToDeath");
         expect("sensors", "HIDL", "aidlSensors is null; g_sensors linkToDeath");
-        expect("fingerprint", "none",
-                FINGERPRINT + " is not Declared; g_qxFingerprint is null");
+        expect("fingerprint", "none", FINGERPRINT + " is not Declared; g_qxFingerprint is null");
         expect("satellite", "none", "");
         assertEquals("vendor.zantor.hardware.ztchipsrvsat.IZtChipSrvSat/ztchipsrv_sat",
                 services.lookedFor());
@@ -127,23 +129,35 @@ class ServicesTest {
     @Test
     void tellADenialFromAnAbsence() {
         log("1 InitAidlPower", "1 aidlPower is null", "1 InitHidlPower", "1 g_Power is null");
-        String[][] lines = {  // who logs it, what, and whether it concerns us
-            {"99 99 E SELinux ", "avc:  denied  { find } for pid=4157 uid=1000 name=vendor.zantor"
-                    + ".hardware.light.ILight/default scontext=u:r:shell:s0 tcontext=u:object_r:x:s0 "
-                    + "tclass=service_manager permissive=0", "light"},
-            {"99 99 E SELinux ", "avc:  denied  { find } for interface=vendor.zantor.hardware.power"
-                    + "::IQXPower sid=u:r:shell:s0 pid=4157 scontext=u:r:shell:s0 "
-                    + "tclass=hwservice_manager permissive=0", "power"},
-            {"4157 9 W ServiceManagerCppClient", "Failed to get isDeclared for vendor.zantor"
-                    + ".hardware.ztsimradio.IZtsimradio/slot1: Status(-1, EX_SECURITY): "
-                    + "'SELinux denied.'", "sim"},
-            {"99 99 E SELinux ", "avc:  denied  { find } for pid=41570 uid=1000 name=vendor.zantor"
-                    + ".hardware.tp.ITouchscreen/default scontext=x permissive=0", ""},
-            {"99 99 E SELinux ", "avc:  denied  { find } for pid=4157 uid=1000 name=vendor.zantor"
-                    + ".hardware.tp.ITouchscreen/default scontext=x permissive=1", ""},
-            {"98 9 W ServiceManagerCppClient", "Failed to get isDeclared for vendor.zantor"
-                    + ".hardware.tp.ITouchscreen/default: Status(-1, EX_SECURITY): "
-                    + "'SELinux denied.'", ""}};
+        String[][] lines = {// who logs it, what, and whether it concerns us
+                {"99 99 E SELinux ",
+                        "avc:  denied  { find } for pid=4157 uid=1000 name=vendor.zantor"
+                                + ".hardware.light.ILight/default scontext=u:r:shell:s0 tcontext=u:object_r:x:s0 "
+                                + "tclass=service_manager permissive=0",
+                        "light"},
+                {"99 99 E SELinux ",
+                        "avc:  denied  { find } for interface=vendor.zantor.hardware.power"
+                                + "::IQXPower sid=u:r:shell:s0 pid=4157 scontext=u:r:shell:s0 "
+                                + "tclass=hwservice_manager permissive=0",
+                        "power"},
+                {"4157 9 W ServiceManagerCppClient",
+                        "Failed to get isDeclared for vendor.zantor"
+                                + ".hardware.ztsimradio.IZtsimradio/slot1: Status(-1, EX_SECURITY): "
+                                + "'SELinux denied.'",
+                        "sim"},
+                {"99 99 E SELinux ",
+                        "avc:  denied  { find } for pid=41570 uid=1000 name=vendor.zantor"
+                                + ".hardware.tp.ITouchscreen/default scontext=x permissive=0",
+                        ""},
+                {"99 99 E SELinux ",
+                        "avc:  denied  { find } for pid=4157 uid=1000 name=vendor.zantor"
+                                + ".hardware.tp.ITouchscreen/default scontext=x permissive=1",
+                        ""},
+                {"98 9 W ServiceManagerCppClient",
+                        "Failed to get isDeclared for vendor.zantor"
+                                + ".hardware.tp.ITouchscreen/default: Status(-1, EX_SECURITY): "
+                                + "'SELinux denied.'",
+                        ""}};
         for (String[] line : lines) {
             LogLine parsed = LogLine.parse("11-21 15:56:18.123 " + line[0] + ": " + line[1]);
             assertNotNull(parsed);

@@ -13,9 +13,9 @@ import org.junit.jupiter.api.Test;
 
 /** Arguments and results, as words of a line and as values. */
 class ValuesTest {
-    private static final String[] TEXTS = {
-        "", " ", "plain", "two words", "'", "\"", "\\", "$HOME `x`", "#", "=", "a=b", "-v", "null",
-        "\\null", "\\\\null", "Null", "nullable", "é 測試 💡", "a\nb\t\r\u0001\u007f'\\", "a'b\"c"};
+    private static final String[] TEXTS = {"", " ", "plain", "two words", "'", "\"", "\\",
+            "$HOME `x`", "#", "=", "a=b", "-v", "null", "\\null", "\\\\null", "Null", "nullable",
+            "é 測試 💡", "a\nb\t\r\u0001\u007f'\\", "a'b\"c"};
 
     private static List<String> words(String line) throws UsageException {
         return Words.of(line).stream().map(word -> word.text).collect(Collectors.toList());
@@ -56,23 +56,22 @@ class ValuesTest {
 
     @Test
     void takesNumbersAsAPersonWritesThem() throws UsageException {
-        Object[][] numbers = {
-            {"0", 0}, {"-0", 0}, {"010", 10}, {"2147483647", Integer.MAX_VALUE},
-            {"-2147483648", Integer.MIN_VALUE}, {"0x10", 16}, {"-0X1f", -31}, {"0xffffffff", -1},
-            {"-0x80000000", Integer.MIN_VALUE}};
+        Object[][] numbers = {{"0", 0}, {"-0", 0}, {"010", 10}, {"2147483647", Integer.MAX_VALUE},
+                {"-2147483648", Integer.MIN_VALUE}, {"0x10", 16}, {"-0X1f", -31},
+                {"0xffffffff", -1}, {"-0x80000000", Integer.MIN_VALUE}};
         for (Object[] number : numbers) {
             assertEquals(number[1], Values.parse(int.class, (String) number[0]));
         }
         for (String word : List.of("", "-", "x", "1x", "0x", "1.0", "2147483648", "-2147483649",
-                "0x100000000", "-0x80000001", "null", "+1", " 1", "\u0663")) {
+                     "0x100000000", "-0x80000001", "null", "+1", " 1", "\u0663")) {
             assertThrows(UsageException.class, () -> Values.parse(int.class, word), word);
         }
     }
 
     @Test
     void takesBytesAsHexadecimalDigits() throws UsageException {
-        assertArrayEquals(new byte[] {0x0a, (byte) 0xff},
-                (byte[]) Values.parse(byte[].class, "0aFf"));
+        assertArrayEquals(
+                new byte[] {0x0a, (byte) 0xff}, (byte[]) Values.parse(byte[].class, "0aFf"));
         assertArrayEquals(new byte[0], (byte[]) Values.parse(byte[].class, ""));
         assertNull(Values.parse(byte[].class, "null"));
         for (String word : List.of("a", "0af", "0x0a", "zz", "-1", "\u0663\u0663")) {
@@ -120,7 +119,8 @@ class ValuesTest {
 
     @Test
     void writesJson() {
-        assertEquals("[null,1,\"a\\\"\\\\\\u000a\\u001fé\",\"0aff\",[1,-2],[]]", Json.of(new Object[] {
-            null, 1, "a\"\\\n\u001fé", new byte[] {10, -1}, new int[] {1, -2}, new Object[0]}));
+        assertEquals("[null,1,\"a\\\"\\\\\\u000a\\u001fé\",\"0aff\",[1,-2],[]]",
+                Json.of(new Object[] {null, 1, "a\"\\\n\u001fé", new byte[] {10, -1},
+                        new int[] {1, -2}, new Object[0]}));
     }
 }

@@ -22,8 +22,7 @@ class SimulatedDeviceTest {
     }
 
     private static void refused(String naming, Runnable call) {
-        String message =
-                assertThrows(IllegalArgumentException.class, call::run).getMessage();
+        String message = assertThrows(IllegalArgumentException.class, call::run).getMessage();
         assertTrue(message.contains(naming), message);
     }
 
@@ -101,7 +100,8 @@ class SimulatedDeviceTest {
         assertEquals("bus9", KvNativeInterface.i2cInfo);
         assertEquals(-1, kv.nativeSetTestResult("ä", 7));
         assertEquals(List.of("aidl factory.readNv(7)", "aidl factory.i2cTest(1024)",
-                "aidl factory.setTestResult(7, \"ä\")"), SimulatedDevice.received());
+                             "aidl factory.setTestResult(7, \"ä\")"),
+                SimulatedDevice.received());
     }
 
     @Test

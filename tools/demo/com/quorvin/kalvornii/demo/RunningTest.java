@@ -73,19 +73,19 @@ public final class RunningTest {
         if (!new RunningTest(new Session()).play()) System.exit(1);
     }
 
-    private static final Map<String, String> DEVICES = Map.of(
-            "aidl", "every service over AIDL",
-            "hidl", "every service that HIDL has",
-            "mixed", "sensors, light and touch over HIDL, no satellite chip, the rest over AIDL",
-            "bare", "no service at all");
+    private static final Map<String, String> DEVICES = Map.of("aidl", "every service over AIDL",
+            "hidl", "every service that HIDL has", "mixed",
+            "sensors, light and touch over HIDL, no satellite chip, the rest over AIDL", "bare",
+            "no service at all");
 
     private static void legend(String device) {
-        Screen.print("", "Running test on the device \"" + device + "\": "
-                + DEVICES.get(device), Session.BOLD);
+        Screen.print("", "Running test on the device \"" + device + "\": " + DEVICES.get(device),
+                Session.BOLD);
         Session.blank();
         Screen.print("seconds  ", Session.beside("call(arguments)", "result"), "");
-        note("    I  ", "what the library logs during the call: Debug, Info, Warning or Error; "
-                + "much is logged at error priority that is none");
+        note("    I  ",
+                "what the library logs during the call: Debug, Info, Warning or Error; "
+                        + "much is logged at error priority that is none");
         note("  ~ W  ", "what it logs on another thread than the test's");
         note("    -> ", "what reached the service, where that says more than the call");
         note("  ** ", "what happens to the device, and what the library made of it");
@@ -120,12 +120,10 @@ public final class RunningTest {
             Map.entry("sensors", "sensor self-tests and parameters"),
             Map.entry("power", "power test and power states"),
             Map.entry("light", "brightness and always-on lights"),
-            Map.entry("camera", "flash light and OIS ageing"),
-            Map.entry("radio", "modem log"),
+            Map.entry("camera", "flash light and OIS ageing"), Map.entry("radio", "modem log"),
             Map.entry("display_factory", "general and low-voltage panel scenes"),
             Map.entry("fingerprint", "fingerprint commands"),
-            Map.entry("chip", "refresh-rate test"),
-            Map.entry("sim", "SIM power (AIDL only)"),
+            Map.entry("chip", "refresh-rate test"), Map.entry("sim", "SIM power (AIDL only)"),
             Map.entry("satellite", "satellite-chip tests (AIDL only)"));
 
     private void services() {
@@ -143,8 +141,7 @@ public final class RunningTest {
         for (String service : SimulatedDevice.services()) {
             session.check("SERVES in RunningTest.java tells of " + service, true,
                     SERVES.containsKey(service));
-            Session.row(service, Session.holder(service),
-                    SERVES.getOrDefault(service, ""));
+            Session.row(service, Session.holder(service), SERVES.getOrDefault(service, ""));
         }
         Session.blank();
         Session.say("The services: " + Session.holders() + ".");
@@ -216,8 +213,10 @@ public final class RunningTest {
                                 "getstate")),
                 item("DDR mapper", 0, "nativeDdrMapperTest", "check"),
                 answered(1, "emmcTest",
-                        new Item("eMMC", "success", () -> factory.call(
-                                "failed", "nativeEmmcTest", "emmc_rw", "size=1G", "start"))),
+                        new Item("eMMC", "success",
+                                ()
+                                        -> factory.call("failed", "nativeEmmcTest", "emmc_rw",
+                                                "size=1G", "start"))),
                 item("eMMC, again", "success", "nativeEmmcTest", "emmc_rw", "size=1G", "start"),
                 showing("currentValue", "idle 0.8 W",
                         item("storage, idle", 0, "nativeStorageJoblessTest", "idle", "sec=1")),
@@ -470,8 +469,8 @@ public final class RunningTest {
         Session.chapter("Done");
         session.check("methods that RunningTest.java never calls", Set.of(), session.unused());
         Session.say(String.format("%d calls of the %d native methods; %d of them met a service "
-                + "that was not there.", session.calls(), Session.natives().size(),
-                session.unanswered()));
+                        + "that was not there.",
+                session.calls(), Session.natives().size(), session.unanswered()));
         List<String> faults = session.faults();
         Session.say(faults.isEmpty() ? "Everything came as expected." : "Not as expected:");
         for (String fault : faults) Session.fault(fault);

@@ -147,8 +147,8 @@ final class Session {
     }
 
     static boolean anyHolds(Backend backend) {
-        return SimulatedDevice.services().stream()
-                .anyMatch(service -> SimulatedDevice.holder(service) == backend);
+        return SimulatedDevice.services().stream().anyMatch(
+                service -> SimulatedDevice.holder(service) == backend);
     }
 
     static void chapter(String title) {
@@ -207,80 +207,82 @@ final class Session {
         String[] shown = Arrays.stream(arguments).map(Session::show).toArray(String[]::new);
         showCall(time, name + "(" + String.join(", ", shown) + ")", show(result),
                 isAbsent(result) ? RED : BOLD);
-        Screen.showLog();
-        return result;
-    }
-
-    private static void showCall(String time, String call, String result, String style) {
-        String together = call + " = " + result;
-        if (beside(call, result).length() <= WIDTH) together = beside(call, result);
-        if (together.length() <= WIDTH) {
-            Screen.print(time, together, style);
-        } else {
-            Screen.print(time, call, style);
-            Screen.print(NO_TIME, "    = " + result, style);
+                Screen.showLog();
+                return result;
         }
-    }
 
-    /** The verdict on item number {@code done} of {@code total}. */
-    static void progress(int done, int total, String item, Object result, Object expected) {
-        boolean pass = expected.equals(result);
-        int length = Math.min(total, WIDTH - 42);  // for what stands beside the bar
-        int filled = done * length / total;
-        String bar = "#".repeat(filled) + ".".repeat(length - filled);
-        String verdict = pass ? "PASS" : isAbsent(result) ? "no service" : "FAIL";
-        Screen.print(NO_TIME,
-                String.format("[%2d/%d] %s  %-21s %s", done, total, bar, item, verdict),
-                pass ? GREEN : RED);
-    }
-
-    int calls() {
-        return calls;
-    }
-
-    int unanswered() {
-        return unanswered;
-    }
-
-    /** The natives that have not been called yet. */
-    Set<String> unused() {
-        return unused;
-    }
-
-    List<String> faults() {
-        return faults;
-    }
-
-    private static Method method(String name) {
-        for (Method method : KvNativeInterface.class.getDeclaredMethods()) {
-            if (method.getName().equals(name)) return method;
-        }
-        throw new IllegalArgumentException("no native " + name);
-    }
-
-    private static boolean isAbsent(Object result) {
-        if (result instanceof int[] results) return results[0] == KvNativeInterface.SERVICE_ABSENT;
-        return result != null && (result.equals(KvNativeInterface.SERVICE_ABSENT)
-                || result.equals(KvNativeInterface.INVALID_SERVICE));
-    }
-
-    private static String show(Object value) {
-        if (value instanceof String) return '"' + value.toString() + '"';
-        if (value instanceof byte[] bytes) return "[" + HexFormat.of().formatHex(bytes) + "]";
-        if (value instanceof int[] numbers) return Arrays.toString(numbers);
-        boolean isRecord = value instanceof BigDataOperation || value instanceof BigDataValue;
-        return isRecord ? showFields(value) : String.valueOf(value);
-    }
-
-    private static String showFields(Object record) {
-        List<String> fields = new ArrayList<>();
-        for (Field field : record.getClass().getFields()) {
-            try {
-                fields.add(field.getName() + "=" + show(field.get(record)));
-            } catch (IllegalAccessException e) {
-                throw new IllegalStateException(e);
+        private static void showCall(String time, String call, String result, String style) {
+            String together = call + " = " + result;
+            if (beside(call, result).length() <= WIDTH) together = beside(call, result);
+            if (together.length() <= WIDTH) {
+                Screen.print(time, together, style);
+            } else {
+                Screen.print(time, call, style);
+                Screen.print(NO_TIME, "    = " + result, style);
             }
         }
-        return record.getClass().getSimpleName() + "{" + String.join(", ", fields) + "}";
+
+        /** The verdict on item number {@code done} of {@code total}. */
+        static void progress(int done, int total, String item, Object result, Object expected) {
+            boolean pass = expected.equals(result);
+            int length = Math.min(total, WIDTH - 42);  // for what stands beside the bar
+            int filled = done * length / total;
+            String bar = "#".repeat(filled) + ".".repeat(length - filled);
+            String verdict = pass ? "PASS" : isAbsent(result) ? "no service" : "FAIL";
+            Screen.print(NO_TIME,
+                    String.format("[%2d/%d] %s  %-21s %s", done, total, bar, item, verdict),
+                    pass ? GREEN : RED);
+        }
+
+        int calls() {
+            return calls;
+        }
+
+        int unanswered() {
+            return unanswered;
+        }
+
+        /** The natives that have not been called yet. */
+        Set<String> unused() {
+            return unused;
+        }
+
+        List<String> faults() {
+            return faults;
+        }
+
+        private static Method method(String name) {
+            for (Method method : KvNativeInterface.class.getDeclaredMethods()) {
+                if (method.getName().equals(name)) return method;
+            }
+            throw new IllegalArgumentException("no native " + name);
+        }
+
+        private static boolean isAbsent(Object result) {
+            if (result instanceof int[] results)
+                return results[0] == KvNativeInterface.SERVICE_ABSENT;
+            return result != null
+                    && (result.equals(KvNativeInterface.SERVICE_ABSENT)
+                            || result.equals(KvNativeInterface.INVALID_SERVICE));
+        }
+
+        private static String show(Object value) {
+            if (value instanceof String) return '"' + value.toString() + '"';
+            if (value instanceof byte[] bytes) return "[" + HexFormat.of().formatHex(bytes) + "]";
+            if (value instanceof int[] numbers) return Arrays.toString(numbers);
+            boolean isRecord = value instanceof BigDataOperation || value instanceof BigDataValue;
+            return isRecord ? showFields(value) : String.valueOf(value);
+        }
+
+        private static String showFields(Object record) {
+            List<String> fields = new ArrayList<>();
+            for (Field field : record.getClass().getFields()) {
+                try {
+                    fields.add(field.getName() + "=" + show(field.get(record)));
+                } catch (IllegalAccessException e) {
+                    throw new IllegalStateException(e);
+                }
+            }
+            return record.getClass().getSimpleName() + "{" + String.join(", ", fields) + "}";
+        }
     }
-}

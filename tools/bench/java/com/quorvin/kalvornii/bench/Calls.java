@@ -15,8 +15,8 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * The measured calls, driven from here: the way into Java is gone once for many calls, and each call
- * comes, as an application's does, from compiled Java. The arguments are those of arguments.h.
+ * The measured calls, driven from here: the way into Java is gone once for many calls, and each
+ * call comes, as an application's does, from compiled Java. The arguments are those of arguments.h.
  */
 final class Calls {
     private Calls() {}
@@ -28,11 +28,10 @@ final class Calls {
     private static final MethodHandles.Lookup LOOKUP = MethodHandles.lookup();
     private static final String TEXT = "rear-camera-calibration";
     private static final byte[] BYTES = {
-        0x4b, 0x56, 0x01, 0x02, -97, 0, -1, 0x10, 0x4b, 0x56, 0x01, 0x02, -97, 0, -1, 0x10
-    };
-    private static final Map<Class<?>, Object> ARGUMENTS = Map.of(int.class, 1, String.class, TEXT,
-            byte[].class, BYTES, BigDataOperation.class, filled(new BigDataOperation()),
-            BigDataValue.class, filled(new BigDataValue()));
+            0x4b, 0x56, 0x01, 0x02, -97, 0, -1, 0x10, 0x4b, 0x56, 0x01, 0x02, -97, 0, -1, 0x10};
+    private static final Map<Class<?>, Object> ARGUMENTS =
+            Map.of(int.class, 1, String.class, TEXT, byte[].class, BYTES, BigDataOperation.class,
+                    filled(new BigDataOperation()), BigDataValue.class, filled(new BigDataValue()));
     /** In place of the text, which is no scene. */
     private static final Map<String, String> SCENES =
             Map.of("nativeDisplayTest", "white", "nativeDisplayGeneralTest", "lcd_general");
@@ -73,7 +72,8 @@ final class Calls {
         return (Call) LambdaMetafactory
                 .metafactory(LOOKUP, "call", direct.type().changeReturnType(Call.class),
                         methodType(void.class), direct, methodType(void.class))
-                .getTarget().invokeWithArguments(captured);
+                .getTarget()
+                .invokeWithArguments(captured);
     }
 
     private static <T> T filled(T record) {
