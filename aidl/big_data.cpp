@@ -18,7 +18,7 @@ void Set(const char* text, std::string* field) {
 
 }  // namespace
 
-int native_aidl::KvSendFmdOperation(JNIEnv* env, jobject, jobject operation) {
+int native_aidl::KvSendFmdOperation(JNIEnv* env, jobject, JavaBigDataOperation* operation) {
     const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     int32_t result = 0;
@@ -34,7 +34,7 @@ int native_aidl::KvSendFmdOperation(JNIEnv* env, jobject, jobject operation) {
     return result;
 }
 
-int native_aidl::KvSendFmdData(JNIEnv* env, jobject, jobject value) {
+int native_aidl::KvSendFmdData(JNIEnv* env, jobject, JavaBigDataValue* value) {
     const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     int32_t result = 0;

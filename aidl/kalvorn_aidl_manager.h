@@ -2,6 +2,8 @@
 
 #include <jni.h>
 
+#include "common/native_method.h"
+
 /**
  * The AIDL backend: thirteen services, each held by one strong pointer, and the operations on them.
  *
@@ -53,13 +55,10 @@ bool IsChipSrvSatAidlVersion();
  */
 void ExitKvManager();
 
-#include "common/backend_operations.inc"
-
-// The operations that no device offers over HIDL; otherwise as above.
-int SetSimPowerState(JNIEnv* env, jobject obj, int state);
-jstring ChipTtTestCp(JNIEnv* env, jobject obj, jstring scene);
-jstring ChipTtRssiTest(JNIEnv* env, jobject obj, jstring scene);
-jstring ChipTtTestPa(JNIEnv* env, jobject obj, jstring scene);
-jstring ChipTtTestPdet(JNIEnv* env, jobject obj, jstring scene);
+// The operations on them, with the contract that stands there.
+#define TWO_BACKENDS(javaName, name, service, priority, signature) \
+    kalvorn::NativeMethod<signature> name;
+#define AIDL_ONLY(javaName, name, signature) kalvorn::NativeMethod<signature> name;
+#include "jni/methods.inc"
 
 }  // namespace native_aidl

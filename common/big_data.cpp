@@ -43,7 +43,7 @@ jstring StringAt(JNIEnv* env, jobject object, jfieldID field) {
 
 }  // namespace
 
-bool ReadBigData(JNIEnv* env, jobject operation, BigDataOperation* record) {
+bool ReadBigData(JNIEnv* env, JavaBigDataOperation* operation, BigDataOperation* record) {
     if (operation == nullptr) {
         KV_LOGE("operation is null");
         return false;
@@ -70,7 +70,7 @@ bool ReadBigData(JNIEnv* env, jobject operation, BigDataOperation* record) {
     return record->bsn != nullptr;
 }
 
-bool ReadBigData(JNIEnv* env, jobject value, BigDataValue* record) {
+bool ReadBigData(JNIEnv* env, JavaBigDataValue* value, BigDataValue* record) {
     if (value == nullptr) {
         KV_LOGE("value is null");
         return false;

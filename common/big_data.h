@@ -2,6 +2,8 @@
 
 #include <jni.h>
 
+#include "common/native_method.h"
+
 namespace kalvorn {
 
 // The two Java big-data objects, read field by field. The texts are the JNI's own buffers and are
@@ -40,8 +42,8 @@ struct BigDataValue {
  * object or one of its strings is null ("<name> is null"), or its class lacks a field; the record
  * is not to be used then.
  */
-bool ReadBigData(JNIEnv* env, jobject operation, BigDataOperation* record);
-bool ReadBigData(JNIEnv* env, jobject value, BigDataValue* record);
+bool ReadBigData(JNIEnv* env, JavaBigDataOperation* operation, BigDataOperation* record);
+bool ReadBigData(JNIEnv* env, JavaBigDataValue* value, BigDataValue* record);
 
 /**
  * Fill a backend's record, whose other fields stay as they are; `set(text, &field)` puts a text

@@ -8,7 +8,7 @@ using vendor::zantor::hardware::qxfactoryinterface::V1_0::FmdMsg;
 
 // intended: neither operation logs its result, unlike AIDL.
 
-int native_hidl::KvSendFmdOperation(JNIEnv* env, jobject, jobject operation) {
+int native_hidl::KvSendFmdOperation(JNIEnv* env, jobject, JavaBigDataOperation* operation) {
     const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     BigDataOperation record;
@@ -21,7 +21,7 @@ int native_hidl::KvSendFmdOperation(JNIEnv* env, jobject, jobject operation) {
     return factory->sendBigDataOperation(data);
 }
 
-int native_hidl::KvSendFmdData(JNIEnv* env, jobject, jobject value) {
+int native_hidl::KvSendFmdData(JNIEnv* env, jobject, JavaBigDataValue* value) {
     const auto factory = HeldFactory();
     if (factory == nullptr) return kServiceAbsent;
     BigDataValue record;

@@ -2,6 +2,8 @@
 
 #include <jni.h>
 
+#include "common/native_method.h"
+
 /**
  * The HIDL backend: eleven services, each held by one strong pointer, and the operations on them.
  *
@@ -32,6 +34,9 @@ void InitChipSrvInterface();
 /** Unlinks and releases every service; the watcher stays, and can bring them back. */
 void ExitKvManager();
 
-#include "common/backend_operations.inc"
+// The operations on them, with the contract that stands there.
+#define TWO_BACKENDS(javaName, name, service, priority, signature) \
+    kalvorn::NativeMethod<signature> name;
+#include "jni/methods.inc"
 
 }  // namespace native_hidl

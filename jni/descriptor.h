@@ -1,13 +1,13 @@
 #pragma once
 
 #include <jni.h>
-#include <stddef.h>
 
+#include <array>
 #include <string_view>
 
-// Compares a JNI method descriptor with the C++ function it is registered for, at compile time. The
-// platform's own nativehelper/jni_macros.h takes neither unsigned int nor a function that ignores
-// its arguments, and brings a static initialiser with its <iostream>.
+#include "common/native_method.h"
+
+// JNI method descriptors, made of the C++ functions' types at compile time.
 namespace descriptor {
 
 template <typename T>
@@ -30,45 +30,36 @@ template <>
 struct Type<jintArray> {
     static constexpr std::string_view text = "[I";
 };
-
-/** Takes one type off the front of the descriptor; false when another type stands there. */
-template <typename T>
-constexpr bool Take(std::string_view* descriptor) {
-    constexpr std::string_view text = Type<T>::text;
-    if (descriptor->substr(0, text.size()) != text) return false;
-    descriptor->remove_prefix(text.size());
-    return true;
-}
-
-/** A plain jobject fits every class. */
 template <>
-constexpr bool Take<jobject>(std::string_view* descriptor) {
-    const size_t end = descriptor->find(';');
-    if (descriptor->empty() || descriptor->front() != 'L' || end == std::string_view::npos) {
-        return false;
+struct Type<kalvorn::JavaBigDataOperation*> {
+    static constexpr std::string_view text = "Lcom/quorvin/kalvornii/BigDataOperation;";
+};
+template <>
+struct Type<kalvorn::JavaBigDataValue*> {
+    static constexpr std::string_view text = "Lcom/quorvin/kalvornii/BigDataValue;";
+};
+
+template <typename Result, typename... Parameters>
+constexpr auto Join() {
+    constexpr size_t size = (Type<Parameters>::text.size() + ... + Type<Result>::text.size());
+    std::array<char, size + sizeof("()")> joined{};
+    char* end = joined.data();
+    for (std::string_view part : {std::string_view("("), Type<Parameters>::text...,
+                                  std::string_view(")"), Type<Result>::text}) {
+        for (char letter : part) *end++ = letter;
     }
-    descriptor->remove_prefix(end + 1);
-    return true;
+    return joined;
 }
 
-constexpr bool TakeMark(std::string_view* descriptor, char mark) {
-    if (descriptor->empty() || descriptor->front() != mark) return false;
-    descriptor->remove_prefix(1);
-    return true;
-}
-
-/** True when the descriptor is exactly that of the function's Java method. */
-template <typename Result, typename... Args>
-constexpr bool Fits(Result (*)(JNIEnv*, jobject, Args...), std::string_view descriptor) {
-    return TakeMark(&descriptor, '(') && (Take<Args>(&descriptor) && ...) &&
-           TakeMark(&descriptor, ')') && Take<Result>(&descriptor) && descriptor.empty();
-}
-
+/** Of<Function>::text is the descriptor of the Java method that the function implements. */
+template <typename Function>
+struct Of;
+template <typename Result, typename... Parameters>
+struct Of<Result(JNIEnv*, jobject, Parameters...)> {
+    static constexpr auto text = Join<Result, Parameters...>();
+};
 /** A function that ignores what the virtual machine passes fits a method without arguments. */
 template <typename Result>
-constexpr bool Fits(Result (*)(), std::string_view descriptor) {
-    return TakeMark(&descriptor, '(') && TakeMark(&descriptor, ')') && Take<Result>(&descriptor) &&
-           descriptor.empty();
-}
+struct Of<Result()> : Of<Result(JNIEnv*, jobject)> {};
 
 }  // namespace descriptor

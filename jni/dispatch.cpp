@@ -21,16 +21,14 @@ bool ServedByAidl(bool heldOverAidl, int priority, const char* name) {
     return heldOverAidl;
 }
 
-#define TWO_BACKENDS(javaName, name, query, priority, signature)   \
-    template <typename... Args>                                    \
-    auto name(JNIEnv* env, jobject obj, Args... args) {            \
-        return ServedByAidl(native_aidl::query(), priority, #name) \
-                       ? native_aidl::name(env, obj, args...)      \
-                       : native_hidl::name(env, obj, args...);     \
+#define TWO_BACKENDS(javaName, name, service, priority, signature)                           \
+    template <typename... Args>                                                              \
+    auto name(JNIEnv* env, jobject obj, Args... args) {                                      \
+        return ServedByAidl(native_aidl::Is##service##AidlVersion(), ANDROID_LOG_##priority, \
+                            #name)                                                           \
+                       ? native_aidl::name(env, obj, args...)                                \
+                       : native_hidl::name(env, obj, args...);                               \
     }
-#define AIDL_ONLY(javaName, name, signature)
-#define LOCAL(javaName, name, signature)
-#define DEVIATING(javaName, name, signature)
 #include "jni/methods.inc"
 
 // intended: the methods with the AIDL backend only are unalike in what they ask and log.
@@ -64,25 +62,18 @@ jstring ChipTtTestPdet(JNIEnv* env, jobject obj, jstring scene) {
     return native_aidl::ChipTtTestPdet(env, obj, scene);
 }
 
-template <bool fits>
-constexpr const char* Checked(const char* signature) {
-    static_assert(fits, "the signature in this row is not that of the function");
-    return signature;
-}
-
 }  // namespace
 
-#define ROW(javaName, signature, fits, function) \
-    {#javaName, Checked<fits>(signature), reinterpret_cast<void*>(function)},
-#define TWO_BACKENDS(javaName, name, query, priority, signature) \
-    ROW(javaName, signature,                                     \
-        descriptor::Fits(&native_aidl::name, signature) &&       \
-                descriptor::Fits(&native_hidl::name, signature), \
-        static_cast<decltype(&native_aidl::name)>(&name))
-#define AIDL_ONLY(javaName, name, signature) \
-    ROW(javaName, signature, descriptor::Fits(&name, signature), &name)
-#define LOCAL(javaName, name, signature) AIDL_ONLY(javaName, name, signature)
-#define DEVIATING(javaName, name, signature) ROW(javaName, signature, true, &name)
+// Of macros only: made by a function, the table would be filled when the library is loaded.
+#define ROW(javaName, function, type)              \
+    {#javaName, descriptor::Of<type>::text.data(), \
+     reinterpret_cast<void*>(static_cast<type*>(function))},
+#define TWO_BACKENDS(javaName, name, service, priority, signature) \
+    ROW(javaName, name, NativeMethod<signature>)
+#define AIDL_ONLY(javaName, name, signature) ROW(javaName, name, NativeMethod<signature>)
+#define LOCAL(javaName, name) ROW(javaName, native_local::name, decltype(native_local::name))
+#define DEVIATING(javaName, name, descriptor) \
+    {#javaName, descriptor, reinterpret_cast<void*>(native_local::name)},
 const JNINativeMethod kMethods[] = {
 #include "jni/methods.inc"
 };

@@ -35,18 +35,18 @@ jint Call(const char* entryPoint, const char* nameInLog, Args... args) {
 
 }  // namespace
 
-jint SetInperpolateFrameMode(JNIEnv*, jobject, jint first, jint second) {
+jint native_local::SetInperpolateFrameMode(JNIEnv*, jobject, jint first, jint second) {
     return Call("setModeTest", "setModeTest", first, second);
 }
 
-jint GetInperpolateFrameCurMode() {
+jint native_local::GetInperpolateFrameCurMode() {
     return Call("getCurrentMode", "getCurrentMode");
 }
 
-jint GetInperpolateFrameTestResult() {
+jint native_local::GetInperpolateFrameTestResult() {
     return Call("checkResult", "CheckResult");  // intended: capitalised in the log
 }
 
-jint RecoverFreshRate() {
+jint native_local::RecoverFreshRate() {
     return Call("recoverFreshRate", "CheckResult");  // intended: the test result's text
 }

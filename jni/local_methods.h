@@ -2,7 +2,8 @@
 
 #include <jni.h>
 
-// The methods that the library serves itself, whatever services the device has.
+/** The methods that the library serves itself, whatever services the device has. */
+namespace native_local {
 
 /**
  * Frame interpolation by the display chip's vendor library, which is loaded by the first call that
@@ -32,3 +33,5 @@ jint UnregisterCallback(JNIEnv* env, jint serviceId, jint result);
  * or -1 when the partition cannot be opened or takes less than the whole record.
  */
 jint WriteMiscToRecovery(JNIEnv* env, jobject obj);
+
+}  // namespace native_local

@@ -1,9 +1,9 @@
 #include "common/log.h"
 #include "jni/local_methods.h"
 
-JavaVM* g_javaVm = nullptr;
+JavaVM* native_local::g_javaVm = nullptr;
 
-jint SendCommandMcu(JNIEnv* env, jobject, jint first, jint second, jbyteArray data) {
+jint native_local::SendCommandMcu(JNIEnv* env, jobject, jint first, jint second, jbyteArray data) {
     env->GetJavaVM(&g_javaVm);
     if (data == nullptr) {
         KV_LOGE("data is null");
@@ -14,7 +14,7 @@ jint SendCommandMcu(JNIEnv* env, jobject, jint first, jint second, jbyteArray da
     return 0;
 }
 
-jint UnregisterCallback(JNIEnv*, jint serviceId, jint result) {
+jint native_local::UnregisterCallback(JNIEnv*, jint serviceId, jint result) {
     KV_LOGI("UnregisterCallback, result: %d , serviceId: %d", result, serviceId);
     return 0;
 }

@@ -19,7 +19,7 @@ struct MiscRecoveryRecord {
 
 }  // namespace
 
-jint WriteMiscToRecovery(JNIEnv*, jobject) {
+jint native_local::WriteMiscToRecovery(JNIEnv*, jobject) {
     MiscRecoveryRecord record;
     memset_s(record.bytes, sizeof(record.bytes), 0, sizeof(record.bytes));
     strcpy_s(record.bytes, sizeof(record.bytes), "boot-recovery");

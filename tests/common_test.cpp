@@ -9,7 +9,6 @@
 #include "common/modified_utf8.h"
 #include "fuzz/properties.h"
 #include "harness.h"
-#include "jni/descriptor.h"
 
 using namespace kalvorn;
 
@@ -140,14 +139,5 @@ TEST_F(CommonTest, FuzzSeeds) {
         EXPECT_LE(10u, seeds) << kind.folder;
     }
 }
-
-// The table's rows are checked when it is compiled; here, that the check can say no.
-constexpr jint (*kExample)(JNIEnv*, jobject, jstring, jbyteArray, jint) = nullptr;
-static_assert(descriptor::Fits(kExample, "(Ljava/lang/String;[BI)I"));
-static_assert(!descriptor::Fits(kExample, "(Ljava/lang/String;I[B)I"));
-static_assert(!descriptor::Fits(kExample, "(Ljava/lang/String;[BI)Ljava/lang/String;"));
-static_assert(!descriptor::Fits(kExample, "(Ljava/lang/String;[B)I"));
-static_assert(!descriptor::Fits(kExample, "(Ljava/lang/String;[BII)I"));
-static_assert(!descriptor::Fits(kExample, "(Ljava/lang/String;[BI)II"));
 
 }  // namespace

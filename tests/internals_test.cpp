@@ -48,15 +48,15 @@ TEST_F(InternalsTest, TheTableIsThatOfTheJavaClass) {
 TEST_F(InternalsTest, McuCommandsNoteTheVirtualMachine) {
     Load();
     for (const java::Arg& data : {java::Arg(java::Bytes(5)), java::Arg(nullptr)}) {
-        g_javaVm = nullptr;
+        native_local::g_javaVm = nullptr;
         EXPECT_EQ("0", java::Call("nativeSendCommandMcu", {1, 2, data}));
-        EXPECT_EQ(java::Vm(), g_javaVm);
+        EXPECT_EQ(java::Vm(), native_local::g_javaVm);
     }
 }
 
 // As the virtual machine calls it, by a known reference.
 TEST_F(InternalsTest, UnregisterCallbackTakesItsObjectForTheServiceId) {
-    UnregisterCallback(java::Env(), 4660, -7);
+    native_local::UnregisterCallback(java::Env(), 4660, -7);
     EXPECT_EQ(Lines{"I UnregisterCallback, result: -7 , serviceId: 4660"}, TakeLog());
 }
 

@@ -39,10 +39,8 @@ struct Method {
 };
 
 constexpr Method kMethods[] = {
-#define TWO_BACKENDS(javaName, name, query, priority, signature) {#javaName, true},
-#define AIDL_ONLY(javaName, name, signature) {#javaName, false},
-#define LOCAL(javaName, name, signature)
-#define DEVIATING(javaName, name, signature)
+#define TWO_BACKENDS(javaName, ...) {#javaName, true},
+#define AIDL_ONLY(javaName, ...) {#javaName, false},
 #include "jni/methods.inc"
 };
 
