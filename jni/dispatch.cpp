@@ -16,18 +16,13 @@ namespace {
 
 // The choice of a backend, afresh on every call: AIDL while that service is held over AIDL, HIDL
 // otherwise, whose operation then finds out for itself whether the service is there.
-bool ServedByAidl(bool heldOverAidl, int priority, const char* name) {
-    KV_LOG(priority, heldOverAidl ? "%sByAidl" : "%sByHidl", name);
-    return heldOverAidl;
-}
-
-#define TWO_BACKENDS(javaName, name, service, priority, signature)                           \
-    template <typename... Args>                                                              \
-    auto name(JNIEnv* env, jobject obj, Args... args) {                                      \
-        return ServedByAidl(native_aidl::Is##service##AidlVersion(), ANDROID_LOG_##priority, \
-                            #name)                                                           \
-                       ? native_aidl::name(env, obj, args...)                                \
-                       : native_hidl::name(env, obj, args...);                               \
+#define TWO_BACKENDS(javaName, name, service, priority, signature)                \
+    template <typename... Args>                                                   \
+    auto name(JNIEnv* env, jobject obj, Args... args) {                           \
+        const bool byAidl = native_aidl::Is##service##AidlVersion();              \
+        KV_LOG(ANDROID_LOG_##priority, byAidl ? #name "ByAidl" : #name "ByHidl"); \
+        return byAidl ? native_aidl::name(env, obj, args...)                      \
+                      : native_hidl::name(env, obj, args...);                     \
     }
 #include "jni/methods.inc"
 
