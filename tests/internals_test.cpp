@@ -3,10 +3,10 @@
 #include <set>
 
 #include "aidl/kalvorn_aidl_manager.h"
-#include "every_method.h"
 #include "hidl/kalvorn_hidl_manager.h"
 #include "jni/dispatch.h"
 #include "jni/local_methods.h"
+#include "samples.h"
 
 namespace {
 

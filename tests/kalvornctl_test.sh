@@ -7,7 +7,7 @@ source=$1
 classes=$2
 java=$source/build/host/java
 ctl=$source/kalvornctl
-calls=$source/ctl/every_method.calls
+calls=$source/samples/methods.samples
 main=com.quorvin.kalvornii.ctl.Main
 . "$(dirname "$0")/expect.sh"
 cd "$work"
@@ -48,21 +48,22 @@ check_first_use() {
 }
 
 check_every_method() {
-    local count
+    local count line
     ends 0 "$ctl" list
     expect "parts of a line of list" "3" "$(awk -F'\t' '{print NF}' out | sort -u)"
     cut -f1 out | grep -oE '\w+\(' | tr -d '(' | sort >listed
-    ends 0 "$ctl" run "$calls"
+    ends 0 "$ctl" --device aidl run "$calls"
     expect "methods called" "$(<listed)" "$(cut -d' ' -f1 out | sort)"
     count=$(wc -l <listed)
     expect "summary" "kalvornctl: $count calls, $count as expected" "$(<err)"
     cp out recorded
-    ends 0 "$ctl" run <recorded  # its output is what it takes
+    ends 0 "$ctl" --device aidl run <recorded  # its output is what it takes
     expect "the same again" "$(<recorded)" "$(<out)"
     ends 4 "$ctl" --device hidl run "$calls"
-    holds "a difference on hidl" 'nativeSetSimPowerState 1 = -9999  # expected: 0' out
-    expect "differences on hidl, all of absent services" "$(grep -c '  # expected: ' out)" \
-        "$(grep -cE ' = (-9999|INVALID_SERVICE)  # expected: ' out)"
+    line=$(grep -n '^nativeSetSimPowerState' "$calls" | cut -d: -f1)
+    holds "a difference on hidl" "nativeSetSimPowerState 1 = -9999  # $calls:$line expected: 0" out
+    expect "differences on hidl, all of absent services" "$(grep -c ' expected: ' out)" \
+        "$(grep -cE ' = (-9999|INVALID_SERVICE)  # [^ ]* expected: ' out)"
     expect "calls on hidl" "$count" "$(wc -l <out)"
     holds "summary on hidl" "kalvornctl: $count calls, " err
 }

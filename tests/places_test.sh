@@ -27,24 +27,19 @@ names() {
 }
 
 check_methods() {
-    local declared table asking on_both tested cases called soaked
+    local declared table asking on_both sampled called soaked
     declared=$(names '\bnative [^ ]+ [A-Za-z0-9]+\(' "$java")
     table=$(names '^[A-Z_]+\( *[A-Za-z0-9]+,' jni/methods.inc)
     asking=$(names '^(TWO_BACKENDS|AIDL_ONLY)\( *[A-Za-z0-9]+,' jni/methods.inc)
     on_both=$(names '^TWO_BACKENDS\( *[A-Za-z0-9]+,' jni/methods.inc)
-    tested=$(names '^    \{"[a-z_]+", "[A-Za-z0-9]+"' tests/every_method_test.cpp)
-    cases=$(find tests -name '*_test.cpp' ! -name every_method_test.cpp -exec cat {} + |
-        names '"[A-Za-z0-9]+"' | uniq)
+    sampled=$(names '^[A-Za-z0-9]+' samples/methods.samples)
     called=$(names '"[A-Za-z0-9]+"' "$demo" | uniq)
     soaked=$(names '"[A-Za-z0-9]+"' "$soak" | uniq)
 
     every "$declared" "$table" "$java declares, but jni/methods.inc has no row for"
     every "$table" "$declared" "jni/methods.inc has a row too many, or $java does not declare"
-    every "$asking" "$tested" "kRows in tests/every_method_test.cpp has no row for"
-    every "$tested" "$asking" "kRows in tests/every_method_test.cpp has a row too many for"
-    every "$declared" "$cases" "No case in the test of its topic, tests/*_test.cpp, calls"
+    every "$declared" "$sampled" "samples/methods.samples has no sample of"
     every "$declared" "$called" "The demo never calls; the place is $demo"
-    every "$declared" "$(names '^[A-Za-z0-9]+' ctl/every_method.calls)" "ctl/every_method.calls does not call"
     every "$asking" "$(names '^ +\{"[A-Za-z0-9]+"' tools/bench/aidl_calls.cpp)" \
         "tools/bench/aidl_calls.cpp has no row for"
     every "$on_both" "$(names '^ +\{"[A-Za-z0-9]+"' tools/bench/hidl_calls.cpp)" \

@@ -10,15 +10,21 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.Map;
 import java.util.Objects;
+import java.util.regex.Pattern;
 
 /**
  * "run": each line is called as it is read, so that another program can write them one by one. The
  * result goes to standard output as a line of the same kind.
  */
 final class RunCommand {
+    /** What a file of samples tells of the call above. */
+    private static final Pattern FACT = Pattern.compile(
+            "\\s+(\\||((aidl|hidl) )?(asks|returns|logs|broken|absent|fills|keeps)\\b).*");
+
     private final Console console;
     private final CallCommand calls;
     private Library library;  // loaded for the first call
+    private String where;  // the line
     private int made;
     private int refused;
     private int compared;
@@ -37,12 +43,13 @@ final class RunCommand {
             int number = 0;
             for (String line = lines.readLine(); line != null; line = lines.readLine()) {
                 number++;
+                if (FACT.matcher(line).matches()) continue;
+                where = (name.equals("-") ? "line " : name + ":") + number;
                 try {
                     take(line, options);
                 } catch (UsageException e) {
                     refused++;
-                    console.tell((name.equals("-") ? "line " : name + ":") + number + ": "
-                            + e.getMessage());
+                    console.tell(where + ": " + e.getMessage());
                     if (!options.has("--keep-going")) break;
                 }
                 if (console.out.checkError()) break;  // nobody would know what came of the rest
@@ -127,7 +134,7 @@ final class RunCommand {
         } else {
             List<String> notes = new ArrayList<>();
             call.fields.forEach((name, text) -> notes.add(name + ": " + Values.words(text)));
-            if (differs) notes.add("expected: " + Values.words(wanted));
+            if (differs) notes.add(where + " expected: " + Values.words(wanted));
             console.out.println(
                     call.line() + (notes.isEmpty() ? "" : "  # " + String.join(", ", notes)));
         }

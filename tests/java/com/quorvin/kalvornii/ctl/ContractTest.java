@@ -63,9 +63,9 @@ class ContractTest {
     @Test
     void namesTheServiceThatIsAsked() throws IOException {
         Map<String, String> asked = new TreeMap<>();
-        for (List<String> row : Source.matches("(?m)^    \\{\"([a-z_]+)\", \"(\\w+)\"",
-                     Source.read("tests/every_method_test.cpp"))) {
-            asked.put(row.get(1), row.get(0));
+        for (List<String> sample : Source.matches("(?m)^(\\w+) .*\n +(?:aidl )?asks +(\\w+)\\.",
+                     Source.read("samples/methods.samples"))) {
+            asked.put(sample.get(0), sample.get(1));
         }
         assertFalse(asked.isEmpty());
         Map<String, String> named = new TreeMap<>();
