@@ -103,6 +103,16 @@ JavaVM* StartVm() {
     return vm;
 }
 
+/** Of one of the application's native methods, as the Java class declares it. */
+std::string SignatureOf(const std::string& method) {
+    std::istringstream lines(java::DeclaredNatives());
+    for (std::string line; std::getline(lines, line);) {
+        const size_t end = line.find('(');
+        if (line.substr(0, end) == method) return line.substr(end);
+    }
+    abort();
+}
+
 jclass KvNativeInterface() {
     static const auto clazz = static_cast<jclass>(java::Env()->NewGlobalRef(
             java::Env()->FindClass("com/quorvin/kalvornii/KvNativeInterface")));
@@ -160,15 +170,6 @@ std::string ListNatives() {
 const std::string& DeclaredNatives() {
     static const std::string natives = ListNatives();
     return natives;
-}
-
-std::string SignatureOf(const std::string& method) {
-    std::istringstream lines(DeclaredNatives());
-    for (std::string line; std::getline(lines, line);) {
-        const size_t end = line.find('(');
-        if (line.substr(0, end) == method) return line.substr(end);
-    }
-    abort();
 }
 
 jstring String(const char* modifiedUtf8) {

@@ -42,8 +42,6 @@ using Arg = std::variant<int, const char*, std::nullptr_t, Bytes, Object>;
 
 /** The name and descriptor of each native method of KvNativeInterface, a line each, in order. */
 const std::string& DeclaredNatives();
-/** The descriptor of one of them. */
-std::string SignatureOf(const std::string& method);
 
 jstring String(const char* modifiedUtf8);
 jobject NewObject(const Object& object);

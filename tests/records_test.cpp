@@ -4,38 +4,18 @@ namespace {
 
 class RecordsTest : public OperationTest {};
 
-TEST_F(RecordsTest, Reads) {
+// They give their text to the log alone.
+TEST_F(RecordsTest, FailedReads) {
     // clang-format off
     Run(OnBoth({
-            {"factory", "nativeGetTestResult", {7}, {{"getTestResult", {0, "PASS"}}},
-             {"factory.getTestResult(7)"},
-             "E GetTestResult",
-             {"I Get test result = 0, id = 7, out = PASS\n", "I Get test result success"},
-             {"E get test result = 0, id = 7, out = PASS\n", "E get test result success"},
-             "\"PASS\""},
-            // A failed read gives its text to the log alone.
             {"factory", "nativeGetTestResult", {7}, {{"getTestResult", {-1, "no"}}},
              {"factory.getTestResult(7)"},
              "E GetTestResult",
              {"I Get test result = -1, id = 7, out = no\n", "E Get test result fail"},
              {"E get test result = -1, id = 7, out = no\n", "E get test result fail"}, "null"},
-            {"factory", "nativeReadNvValue", {5}, {{"readNv", {5, "abc"}}}, {"factory.readNv(5)"},
-             "E ReadNv", {"I ReadNv values = 5, result = abc", "I Nv read success"},
-             {"E ReadNv value = 5, result = abc", "D nv read success"}, "\"abc\""},
             {"factory", "nativeReadNvValue", {5}, {{"readNv", {-1, "abc"}}}, {"factory.readNv(5)"},
              "E ReadNv", {"I ReadNv values = -1, result = abc", "E Nv read fail"},
              {"E ReadNv value = -1, result = abc", "E nv read fail"}, "null"},
-            {"factory", "nativeGetKvInfoFromOem", {9}, {{"readNv", {0, "kv"}}},
-             {"factory.readNv(9)"},
-             "E GetKvInfoFromOem", {"I Get kv info = kv, result = 0"},
-             {"D get kv info = kv, result = 0"}, "\"kv\""},
-            // A flag comes back whatever the code.
-            {"factory", "nativeGetControlFlag", {3}, {{"getControlFlag", {-1, "on"}}},
-             {"factory.getControlFlag(3, 1024)"},
-             "I GetControlFlag",
-             {"I getControlFlag, flagID is 3", "I getControlFlag resultCode:-1, flagResult:on"},
-             {"D GetControlFlag, flagID is 3", "D GetControlFlag resultCode:-1, flagResult:on"},
-             "\"on\""},
     }));
     // clang-format on
 }
@@ -51,10 +31,6 @@ TEST_F(RecordsTest, Writes) {
              {"factory.writeNv(8, \"v\")"},
              "E WriteNv", {"I writeNv values = -1, nvValues = v"},
              {"E WriteNv value = -1, nvValue = v", "E nv write fail"}, "-1"},
-            {"factory", "nativeSetKvInfoToOem", {8, "v"}, {{"writeNv", {-1}}},
-             {"factory.writeNv(8, \"v\")"},
-             "E SetKvInfoToOem", {"I Set kv info = v, result = -1"},
-             {"D set kv info = v, result = -1"}, "-1"},
             // The size counts bytes of modified UTF-8, of which the sign takes three.
             {"factory", "nativeSetControlFlag", {3, "a\xe2\x82\xac"}, {{"setControlFlag", {6}}},
              {"factory.setControlFlag(3, \"a\xe2\x82\xac\", 4)"},

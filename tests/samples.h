@@ -8,7 +8,7 @@
 using Lines = std::vector<std::string>;
 using Args = std::vector<java::Arg>;
 
-/** What samples/methods.samples tells of a method that asks a service. */
+/** What samples/methods.samples tells of a method. */
 struct Sample {
     /** Over one backend. Results are as java::Call() renders them. */
     struct Side {
@@ -23,8 +23,8 @@ struct Sample {
         std::string fieldText;
     };
 
-    std::string where;  // "samples/methods.samples:12"
-    std::string service;
+    std::string where;    // "samples/methods.samples:12"
+    std::string service;  // "" for none
     std::string method;
     Args args;
     /** The names of the arguments, in order. */
@@ -36,6 +36,7 @@ struct Sample {
 
     const Side& On(Backend backend) const { return backend == kAidl ? aidl : hidl; }
     std::vector<Backend> Backends() const {
+        if (service.empty()) return {};
         if (hidl.log.empty()) return {kAidl};
         return {kAidl, kHidl};
     }
@@ -46,7 +47,3 @@ std::vector<Sample> ReadSamples(std::istream& file, const std::string& name);
 
 /** Those of samples/methods.samples. */
 const std::vector<Sample>& Samples();
-
-/** The native methods that samples/methods.samples calls, sorted, whether or not they ask a
- * service. */
-Lines SampledMethods();

@@ -85,8 +85,6 @@ TEST_F(SelfTestsTest, Soc) {
             // Its name is taken letter for letter.
             Soc("Secure_flash", {7, "t"}, {}, {}, "t"),
             Soc("secure_weaver2", {7, "t"}, {}, {}, "t"),
-            Soc("cpu", {0, ""}, {"I socTest value is 0 but out is empty, will set success\n"},
-                {"E SocTest value is 0 but out is empty, will set success\n"}, "success:value=0"),
             Soc("cpu", {0, "t"}, {}, {}, "t"),
             Soc("cpu", {1, ""}, {}, {}, ""),
             Soc("cpu", {2, ""}, {}, {}, ""),
@@ -122,20 +120,6 @@ TEST_F(SelfTestsTest, Emmc) {
     }));
 }
 
-TEST_F(SelfTestsTest, StorageTestsPublishTheirText) {
-    RunWithFields(OnBoth({
-            {"factory", "nativeStorageJoblessTest", {"s", "p"},
-             {{"storageJoblessTest", {3, "0.8 W"}}}, {"factory.storageJoblessTest(\"s\", \"p\")"},
-             "E StorageJoblessTest",
-             {"I Storage jobless test result = 3, testScene = s, para = p, out = 0.8 W\n"},
-             {"E storage jobless test value = 3, testScene = s, para = p, out = 0.8 W\n"}, "3"},
-            {"factory", "nativeStorageTestJudge", {"s"}, {{"storageTestJudge", {-1, "0.8 W"}}},
-             {"factory.storageTestJudge(\"s\")"},
-             "E StorageTestJudge", {"I storage test judge res = -1, testScene = s, out = 0.8 W\n"},
-             {"E storage test judge value = -1, testScene = s, out = 0.8 W\n"}, "-1"},
-    }), "0.8 W");
-}
-
 Both I2c(const Answer& answer, const std::string& aidlMore, const std::string& hidlMore,
          const std::string& result, const std::string& hidlResult) {
     const std::string values = std::to_string(answer.code) + ", checkResult = " + answer.text +
@@ -152,7 +136,6 @@ TEST_F(SelfTestsTest, I2cPublishesItsDetail) {
     };
     // Any code but -1 is good. Java gets the character outside the first plane as a pair.
     RunWithFields(OnBoth({
-            good({0, "pass", "0x38 \xf0\x9f\x98\x80"}),
             good({5, "pass", "0x38 \xf0\x9f\x98\x80"}),
     }), "old value", "0x38 \xed\xa0\xbd\xed\xb8\x80");
     RunWithFields(OnBoth({good({-2, "pass", "0x38"})}), "old value", "0x38");
@@ -160,30 +143,6 @@ TEST_F(SelfTestsTest, I2cPublishesItsDetail) {
             I2c({-1, "pass", "0x38"}, "E Failed to get i2c checking info",
                 "E failed to get i2c checking info", "Get i2c result error",
                 "get i2c result error"),
-    }));
-}
-
-TEST_F(SelfTestsTest, TextReads) {
-    RunWithFields(OnBoth({
-            {"factory", "nativeGetSocInfo", {"s"}, {{"getSocInfo", {0, "t"}}},
-             {"factory.getSocInfo(\"s\")"},
-             "E GetSocInfo", {"I Get soc info result = 0, testScene = s, out = t\n"},
-             {"E get soc info value = 0, testScene = s, out = t\n"}, "\"t\""},
-            {"factory", "nativeGetBoardName", {}, {{"getVersionName", {0, "t"}}},
-             {"factory.getVersionName()"},
-             "E GetBoardName", {"I Get version name = t\n"}, {"E get version out = t\n"}, "\"t\""},
-            // These two give their text whatever the code.
-            {"factory", "nativeFpgaTest", {"s"}, {{"fpgaTest", {-1, "t"}}},
-             {"factory.fpgaTest(\"s\", 1024)"},
-             "E FpgaTest", {"I Fpga test value = -1, testScene = s, out = t\n"},
-             {"E fpga test value = -1, testScene = s, out = t\n"}, "\"t\""},
-            {"factory", "nativeSocVoltageOffsetById", {6}, {{"socVoltageOffsetById", {-1, "t"}}},
-             {"factory.socVoltageOffsetById(6)"},
-             "I KvSocVoltageOffsetById",
-             {"I kvSocVoltageOffsetById, setSocID is 6",
-              "I kvSocVoltageOffsetById resultCode:-1, result:t"},
-             {"D KvSocVoltageOffsetById, setSocID is 6",
-              "D KvSocVoltageOffsetById resultCode:-1, result:t"}, "\"t\""},
     }));
 }
 
@@ -205,27 +164,6 @@ TEST_F(SelfTestsTest, FailedTextReads) {
                  {"E get version out = t\n"}, "\"t\"", "\"\""},
         }));
     }
-}
-
-TEST_F(SelfTestsTest, CodesComeBackAsTheyAre) {
-    RunWithFields(OnBoth({
-            {"factory", "nativeDdrMapperTest", {"s"}, {{"ddrMapperTest", {-1, "t"}}},
-             {"factory.ddrMapperTest(\"s\")"},
-             "E DdrMapperTest", {"I ddr mapper result = -1, status = s, out = t\n"},
-             {"E ddr mapper value = -1, status = s, out = t\n"}, "-1"},
-            {"factory", "nativeSetSocInfo", {"s", "p"}, {{"setSocInfo", {-2}}},
-             {"factory.setSocInfo(\"s\", \"p\")"},
-             "E SetSocInfo", {"I set soc info result = -2, testScene = s, para = p\n"},
-             {"E set soc info value = -2, testScene = s, para = p\n"}, "-2"},
-            {"factory", "nativeOemWatchdogSetFunc", {"c"}, {{"setWatchdog", {4, "t"}}},
-             {"factory.setWatchdog(\"c\")"},
-             "E OemWatchdogSetFunc", {"I Set watchdog result = 4, cmd = c, out = t\n"},
-             {"E set watchdog value = 4, cmd = c, out = t\n"}, "4"},
-            {"factory", "nativeOemJtagtosdSetFunc", {"c"}, {{"setJtagtosd", {4, "t"}}},
-             {"factory.setJtagtosd(\"c\")"},
-             "E OemJtagtosdSetFunc", {"I set jtagtosd result = 4, cmd = c, out = t\n"},
-             {"E set jtagtosd value = 4, cmd = c, out = t\n"}, "4"},
-    }));
 }
 
 // clang-format on
