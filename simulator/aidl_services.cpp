@@ -89,7 +89,9 @@ class Factory : public qxfactoryinterface::BnQxFactoryInterface, Counted {
     }
 
     Status getControlFlag(int32_t flagId, int32_t maxSize, IFacIntStr* reply) override {
-        return Reply(Ask("getControlFlag", Flags().Read(flagId), flagId, maxSize), reply);
+        return Reply(Ask("getControlFlag", Flags().Read(flagId, static_cast<size_t>(maxSize)),
+                         flagId, maxSize),
+                     reply);
     }
     Status readNv(int32_t nvId, IFacIntStr* reply) override {
         return Reply(Ask("readNv", Nv().Read(nvId), nvId), reply);

@@ -14,10 +14,11 @@ namespace kalvorn::device {
 
 std::atomic<int> Counted::sLive{0};
 
-Answer Store::Read(int32_t id) const {
+Answer Store::Read(int32_t id, size_t most) const {
     const std::lock_guard lock(mLock);
     const auto found = mTexts.find(id);
-    return found == mTexts.end() ? Answer(-1) : Answer(0, found->second);
+    if (found == mTexts.end() || found->second.size() > most) return Answer(-1);
+    return Answer(0, found->second);
 }
 
 void Store::Write(int32_t id, const std::string& text, const Answer& answer) {

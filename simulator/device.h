@@ -55,8 +55,8 @@ struct Answer {
 /** NV items, test results and flags: they live in the device and outlast its services. */
 class Store {
   public:
-    /** Code 0 and the text, or code -1 and no text for an id never written. */
-    Answer Read(int32_t id) const;
+    /** Code 0 and the text; code -1 and no text for an id never written, or one of more bytes. */
+    Answer Read(int32_t id, size_t most = std::string::npos) const;
     /** Keeps the text when the service answered 0. */
     void Write(int32_t id, const std::string& text, const Answer& answer);
     void Clear();

@@ -179,7 +179,10 @@ class FactoryV1_1 : public Factory<factory::V1_1::IQxFactoryInterface> {
         return Reply(Ask("writeOemInfo", {}, id, length, data));
     }
     Return<void> getControlFlag(int32_t flagId, int32_t maxSize, getControlFlag_cb cb) override {
-        return Reply(Ask("getControlFlag", Device::Get().flags.Read(flagId), flagId, maxSize), cb);
+        return Reply(Ask("getControlFlag",
+                         Device::Get().flags.Read(flagId, static_cast<size_t>(maxSize)), flagId,
+                         maxSize),
+                     cb);
     }
     Return<int32_t> setControlFlag(int32_t flagId, const hidl_string& flag,
                                    int32_t flagSize) override {

@@ -487,7 +487,8 @@ public class KvNativeInterface {
     // Control flags (factory service; over HIDL of version 1.1, an older one counts as absent)
 
     /**
-     * Reads a control flag, of at most 1024 bytes.
+     * Reads a control flag. The service is told that at most 1024 bytes are taken; what it answers
+     * is handed on whole.
      *
      * @param flagId the flag
      * @return its text, whatever the service's code; "" for a flag without one
@@ -495,7 +496,8 @@ public class KvNativeInterface {
     public native String nativeGetControlFlag(int flagId);
 
     /**
-     * Sets a control flag. Broken call: -1 over AIDL.
+     * Sets a control flag. A text of more than 1024 bytes is sent too, but a service does not give
+     * it back. Broken call: -1 over AIDL.
      *
      * @param flagId the flag
      * @param flag its text
