@@ -8,7 +8,7 @@ declare -A lists=(
     [demo]="aidl android-libbase-dev android-liblog-dev android-libnativehelper-dev android-libutils-dev
         android-platform-frameworks-native-headers clang cmake hidl-gen libsafec-dev lld-15 ninja-build
         openjdk-17-jdk-headless"
-    [test]="binutils blueprint-tools clang-format g++ junit5 libbenchmark-dev libclang-rt-14-dev
+    [test]="bats binutils blueprint-tools clang-format g++ junit5 libbenchmark-dev libclang-rt-14-dev
         libgmock-dev libgtest-dev proguard-cli valgrind"
     [bench]="binutils libbenchmark-dev valgrind"
     [tidy]="clang-tidy"

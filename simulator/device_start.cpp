@@ -4,6 +4,7 @@
 #include <stdlib.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <fstream>
@@ -15,6 +16,9 @@
 #include <vector>
 
 #include "simulator/device.h"
+
+/** Where ./simulate preloads the log file's writer. */
+extern "C" __attribute__((weak)) void EndLogFile();
 
 namespace kalvorn::simulated {
 
@@ -32,6 +36,7 @@ struct Member {
 std::mutex g_lock;
 string g_profile;
 std::vector<Member> g_atStart;
+std::vector<Member> g_added;  // declared since
 
 void Tell(const string& what) {
     fprintf(stderr, "simulated device: %s\n", what.c_str());
@@ -50,6 +55,37 @@ bool KillOrRestart(bool kill, const string& backendName, const string& service) 
         Restart(backend, service);
     }
     return true;
+}
+
+bool Is(const Member& one, const Member& other) {
+    return one.backend == other.backend && one.service == other.service;
+}
+
+void Remember(const Member& member) {
+    const std::lock_guard lock(g_lock);
+    const auto isMember = [&](const Member& known) { return Is(known, member); };
+    if (std::none_of(g_atStart.begin(), g_atStart.end(), isMember)) g_added.push_back(member);
+}
+
+device::Service& At(const Member& member) {
+    return Device::Get().At(member.backend, member.service);
+}
+
+void StartUnlessRunning(const std::vector<Member>& members) {
+    for (const Member& member : members) {
+        if (!At(member).IsRunning()) Device::Get().Start(member.backend, member.service);
+    }
+}
+
+/** Only a registration lets the library connect HIDL services that it has released. */
+void AnnounceReleased(const std::vector<Member>& members) {
+    for (const Member& member : members) {
+        if (member.backend != Backend::kHidl || At(member).DeathLinks() != 0) continue;
+        if (Device::Get().IsRunning(Backend::kAidl, member.service)) continue;  // held over AIDL
+        Device::Get().Start(member.backend, member.service);
+        Device::Settle();
+        return;
+    }
 }
 
 bool KillOrRestartProcess(bool kill, const string& service) {
@@ -103,6 +139,7 @@ bool Start(const string& profile) {
     const std::lock_guard lock(g_lock);
     g_profile = profile;
     g_atStart.clear();
+    g_added.clear();
     for (const string& service : Device::Services()) {
         for (const Backend backend : {Backend::kAidl, Backend::kHidl}) {
             if (device.IsRunning(backend, service)) g_atStart.push_back({backend, service});
@@ -117,12 +154,42 @@ string Profile() {
 }
 
 void Restart(Backend backend, const string& service) {
-    if (!Device::Get().IsRunning(backend, service)) Device::Get().Start(backend, service);
+    Remember({backend, service});
+    StartUnlessRunning({{backend, service}});
 }
 
-void RestartKilled() {
-    const std::lock_guard lock(g_lock);
-    for (const auto& [backend, service] : g_atStart) Restart(backend, service);
+bool IsProcessRunning(const string& service) {
+    const std::vector<string> inProcess = Device::Get().ServicesWith(service);
+    return std::any_of(inProcess.begin(), inProcess.end(), [](const string& name) {
+        return Device::Get().IsRunning(Backend::kAidl, name) ||
+               Device::Get().IsRunning(Backend::kHidl, name);
+    });
+}
+
+void Declare(Backend backend, const string& service) {
+    Remember({backend, service});
+    Device::Get().At(backend, service).Declare();
+}
+
+void Restore(bool isLibraryLoaded) {
+    Device::Get().Clear();
+    std::vector<Member> atStart, added;
+    {
+        const std::lock_guard lock(g_lock);
+        atStart = g_atStart;
+        added.swap(g_added);
+    }
+    // What was added runs once more, because the library may be waiting for it; then it dies.
+    StartUnlessRunning(atStart);
+    StartUnlessRunning(added);
+    Device::Settle();
+    for (const Member& member : added) {
+        At(member).Undeclare();
+        At(member).Kill();
+        Device::Settle();
+    }
+    if (isLibraryLoaded) AnnounceReleased(atStart);
+    Device::Get().Clear();
 }
 
 void StartAsNamed() {
@@ -138,7 +205,7 @@ void StartAsNamed() {
 }
 
 void Stop() {
-    __android_log_set_logger([](const __android_logger_data*, const char*) {});
+    if (EndLogFile != nullptr) EndLogFile();
     Device::Get().Reset();
 }
 

@@ -28,10 +28,18 @@ std::string Profile();
 /** Starts a service that does not run. */
 void Restart(device::Backend backend, const std::string& service);
 
+/** Whether anything runs in the process of a service. */
+bool IsProcessRunning(const std::string& service);
+
+/** Declares a service, which Restart() starts. */
+void Declare(device::Backend backend, const std::string& service);
+
+/**
+ * As the device was when it started, and all of it connected when the library is loaded, whatever
+ * it waits for.
+ */
+void Restore(bool isLibraryLoaded);
+
 /** Ends the log and lets go whoever waits for a service, so that the process can end in peace. */
 void Stop();
-
-/** Starts what ran in the beginning and runs no more. */
-void RestartKilled();
-
 }  // namespace kalvorn::simulated

@@ -6,6 +6,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdio>
 #include <sstream>
 #include <string>
@@ -29,6 +30,7 @@ std::string Lead(const __android_logger_data& data) {
 }
 
 const char* g_path = "";
+std::atomic<bool> g_ended{false};
 
 int LogFile() {
     const int file = open(g_path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
@@ -39,6 +41,7 @@ int LogFile() {
 // Each line of a message gets the lead, and one at its end is dropped, as logcat does it. One
 // write, so that the lines of two threads or processes do not mix.
 void WriteLines(const __android_logger_data* data, const char* message) {
+    if (g_ended) return;
     static const int file = LogFile();
     if (file < 0) return;
     const std::string lead = Lead(*data);
@@ -58,3 +61,11 @@ __attribute__((constructor)) void Redirect() {
 }
 
 }  // namespace
+
+/**
+ * For the simulated device, at the process's end. Not by another logger: setting one waits until no
+ * thread logs, which may be never.
+ */
+extern "C" __attribute__((visibility("default"))) void EndLogFile() {
+    g_ended = true;
+}

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "common/modified_utf8.h"
 #include "platform/android/java_text.h"
 #include "simulator/device.h"
 #include "simulator/device_start.h"
@@ -34,19 +35,21 @@ std::string Unpacked(JNIEnv* env, jbyteArray bytes) {
     return text;
 }
 
-jbyteArray Bytes(JNIEnv* env, const std::string& text) {
-    const auto size = static_cast<jsize>(text.size());
-    jbyteArray bytes = env->NewByteArray(size);
-    env->SetByteArrayRegion(bytes, 0, size, reinterpret_cast<const jbyte*>(text.data()));
-    return bytes;
+/** A recorded call, in which zero bytes may stand. */
+jstring JavaText(JNIEnv* env, std::string text) {
+    for (size_t zero = 0; (zero = text.find('\0', zero)) != std::string::npos;) {
+        text.replace(zero, 1, "\xc0\x80");
+    }
+    return env->NewStringUTF(kalvorn::ToModifiedUtf8(text.c_str()).c_str());
 }
 
 jobjectArray Names(JNIEnv* env, const std::vector<std::string>& names) {
     jobjectArray array = env->NewObjectArray(static_cast<jsize>(names.size()),
                                              env->FindClass("java/lang/String"), nullptr);
     for (size_t i = 0; i < names.size(); i++) {
-        env->SetObjectArrayElement(array, static_cast<jsize>(i),
-                                   env->NewStringUTF(names[i].c_str()));
+        jstring name = JavaText(env, names[i]);
+        env->SetObjectArrayElement(array, static_cast<jsize>(i), name);
+        env->DeleteLocalRef(name);
     }
     return array;
 }
@@ -57,6 +60,12 @@ jobjectArray MethodNames(JNIEnv* env, bool all) {
         if (all || method.givesOneNumberOverHidl) names.emplace_back(method.name);
     }
     return Names(env, names);
+}
+
+bool IsLibraryLoaded() {
+    void* library = dlopen("lib_kalvorn.so", RTLD_NOW | RTLD_NOLOAD);
+    if (library != nullptr) dlclose(library);
+    return library != nullptr;
 }
 
 }  // namespace
@@ -77,9 +86,7 @@ SIMULATED_DEVICE(jstring, profile)(JNIEnv* env, jclass) {
 }
 
 SIMULATED_DEVICE(jboolean, isLibraryLoaded)(JNIEnv*, jclass) {
-    void* library = dlopen("lib_kalvorn.so", RTLD_NOW | RTLD_NOLOAD);
-    if (library != nullptr) dlclose(library);
-    return library != nullptr;
+    return IsLibraryLoaded();
 }
 
 SIMULATED_DEVICE(jobjectArray, serviceNames)(JNIEnv* env, jclass) {
@@ -103,6 +110,10 @@ SIMULATED_DEVICE(jboolean, holds)(JNIEnv* env, jclass, jint backend, jstring ser
     return Device::Get().DeathLinks(static_cast<Backend>(backend), Text(env, service)) > 0;
 }
 
+SIMULATED_DEVICE(jboolean, isProcessRunning)(JNIEnv* env, jclass, jstring service) {
+    return kalvorn::simulated::IsProcessRunning(Text(env, service));
+}
+
 SIMULATED_DEVICE(jboolean, isRunning)(JNIEnv* env, jclass, jint backend, jstring service) {
     return Device::Get().IsRunning(static_cast<Backend>(backend), Text(env, service));
 }
@@ -116,7 +127,7 @@ SIMULATED_DEVICE(void, restart)(JNIEnv* env, jclass, jint backend, jstring servi
 }
 
 SIMULATED_DEVICE(void, declare)(JNIEnv* env, jclass, jint backend, jstring service) {
-    Device::Get().At(static_cast<Backend>(backend), Text(env, service)).Declare();
+    kalvorn::simulated::Declare(static_cast<Backend>(backend), Text(env, service));
 }
 
 SIMULATED_DEVICE(void, killProcessOf)(JNIEnv* env, jclass, jstring service) {
@@ -142,15 +153,7 @@ SIMULATED_DEVICE(void, recordCalls)(JNIEnv*, jclass, jboolean record) {
 }
 
 SIMULATED_DEVICE(jobjectArray, takeCalls)(JNIEnv* env, jclass) {
-    const std::vector<std::string> calls = Device::Get().TakeCalls();
-    jobjectArray array =
-            env->NewObjectArray(static_cast<jsize>(calls.size()), env->FindClass("[B"), nullptr);
-    for (size_t i = 0; i < calls.size(); i++) {
-        jbyteArray call = Bytes(env, calls[i]);
-        env->SetObjectArrayElement(array, static_cast<jsize>(i), call);
-        env->DeleteLocalRef(call);
-    }
-    return array;
+    return Names(env, Device::Get().TakeCalls());
 }
 
 SIMULATED_DEVICE(jboolean, awaitHeard)(JNIEnv*, jclass, jint milliseconds) {
@@ -161,12 +164,8 @@ SIMULATED_DEVICE(jboolean, settle)(JNIEnv*, jclass, jint milliseconds) {
     return Device::Settle(milliseconds);
 }
 
-SIMULATED_DEVICE(void, restartKilled)(JNIEnv*, jclass) {
-    kalvorn::simulated::RestartKilled();
-}
-
-SIMULATED_DEVICE(void, forget)(JNIEnv*, jclass) {
-    Device::Get().Clear();
+SIMULATED_DEVICE(void, restore)(JNIEnv*, jclass) {
+    kalvorn::simulated::Restore(IsLibraryLoaded());
 }
 
 SIMULATED_DEVICE(void, stop)(JNIEnv*, jclass) {

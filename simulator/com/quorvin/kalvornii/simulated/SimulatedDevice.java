@@ -2,10 +2,9 @@ package com.quorvin.kalvornii.simulated;
 
 import static java.nio.charset.StandardCharsets.UTF_8;
 
+import java.time.Duration;
 import java.util.ArrayList;
-import java.util.Arrays;
 import java.util.List;
-import java.util.stream.Collectors;
 
 /**
  * The simulated device under this process's library, for tests of what stands above it: its
@@ -21,6 +20,7 @@ public final class SimulatedDevice {
     public enum Backend { AIDL, HIDL }
 
     private static final int PATIENCE_MS = 5000;
+    private static final String OWN_CALL = "aidl fingerprint.createSession(";
     private static final int MOST_BYTES = 1000 * 1000;
 
     static {
@@ -117,9 +117,14 @@ public final class SimulatedDevice {
 
     /**
      * Lets the process of a service die, with all services in it, as {@link #kill} does with one.
+     *
+     * @throws IllegalArgumentException when nothing in that process runs
      */
     public static void killProcess(String service) {
         check(service, services(), "service");
+        List<String> running = new ArrayList<>(services());
+        running.removeIf(name -> !isProcessRunning(name));
+        check(service, running, "running process of service");
         killProcessOf(service);
         awaitHeard(PATIENCE_MS);
     }
@@ -140,12 +145,19 @@ public final class SimulatedDevice {
      * of the values does not look at it. Over AIDL texts of more than half a megabyte fail on their
      * way.
      *
-     * @throws IllegalArgumentException also for texts that are null or that no call could carry
+     * @throws IllegalArgumentException also for texts that are null or that no call could carry to
+     *     Java: too long, or with U+0000 or half a surrogate pair
      */
     public static void answer(String method, int code, String text, String detail) {
         check(method, methods(), "method");
         if (text == null || detail == null) {
             throw new IllegalArgumentException("a text is null, which no service's can be");
+        }
+        if ((text + detail).indexOf('\0') >= 0) {
+            throw new IllegalArgumentException("U+0000 ends a service's text: nothing may follow");
+        }
+        if (!UTF_8.newEncoder().canEncode(text) || !UTF_8.newEncoder().canEncode(detail)) {
+            throw new IllegalArgumentException("half a surrogate pair is no text of a service");
         }
         byte[] textBytes = text.getBytes(UTF_8);
         byte[] detailBytes = detail.getBytes(UTF_8);
@@ -177,12 +189,20 @@ public final class SimulatedDevice {
 
     /**
      * The calls that have reached services since the last time, such as {@code aidl
-     * factory.writeNv(7, "abc")}.
+     * factory.writeNv(7, "abc")}, without those that the library makes by itself.
      */
     public static List<String> received() {
-        return Arrays.stream(takeCalls())
-                .map(call -> new String(call, UTF_8))
-                .collect(Collectors.toUnmodifiableList());
+        List<String> calls = new ArrayList<>(receivedInAll());
+        calls.removeIf(call -> call.startsWith(OWN_CALL));
+        return calls;
+    }
+
+    /**
+     * The same with what the library asks by itself: a session of the fingerprint service, whenever
+     * it connects that over AIDL.
+     */
+    public static List<String> receivedInAll() {
+        return List.of(takeCalls());
     }
 
     /**
@@ -192,27 +212,29 @@ public final class SimulatedDevice {
     public static native void recordCalls(boolean record);
 
     /**
-     * Waits until the library has handled every death and registration.
+     * Waits until the library has handled every death and registration, for at most five seconds.
      *
-     * @throws IllegalStateException when it has not after five seconds; as a rule it then waits for
-     *     a declared service that does not run
+     * @throws IllegalStateException when it has not by then; as a rule it waits for a declared
+     *     service that does not run
      */
     public static void settle() {
-        if (!settle(PATIENCE_MS)) {
+        settle(Duration.ofMillis(PATIENCE_MS));
+    }
+
+    /** The same with another limit. */
+    public static void settle(Duration limit) {
+        if (!settle((int) Math.min(limit.toMillis(), Integer.MAX_VALUE))) {
             throw new IllegalStateException("the library still waits for a declared service");
         }
     }
 
     /**
-     * As the device was when it started: what has died is back, and answers, failures, received
-     * calls and stored texts are forgotten. Then waits as {@link #settle} does.
+     * As the device was when it started: what has died is back, what was declared or started since
+     * is gone, and answers, failures, received calls and stored texts are forgotten. The library
+     * has connected everything again when this returns, whatever it was waiting for; except over
+     * AIDL a fingerprint service that has refused it a session, which it gives up for good.
      */
-    public static void restore() {
-        forget();
-        restartKilled();
-        settle();
-        forget();
-    }
+    public static native void restore();
 
     private static void check(String name, List<String> right, String what) {
         if (name == null || !right.contains(name)) {
@@ -257,6 +279,8 @@ public final class SimulatedDevice {
 
     private static native boolean holds(int backend, String service);
 
+    private static native boolean isProcessRunning(String service);
+
     private static native boolean isRunning(int backend, String service);
 
     private static native void kill(int backend, String service);
@@ -273,15 +297,11 @@ public final class SimulatedDevice {
 
     private static native void failNext(int backend, String method);
 
-    private static native byte[][] takeCalls();
+    private static native String[] takeCalls();
 
     private static native boolean awaitHeard(int milliseconds);
 
     private static native boolean settle(int milliseconds);
-
-    private static native void restartKilled();
-
-    private static native void forget();
 
     private static native void stop();
 }

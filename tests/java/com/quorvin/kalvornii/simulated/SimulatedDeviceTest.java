@@ -9,7 +9,9 @@ import static org.junit.jupiter.api.Assertions.assertThrows;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import com.quorvin.kalvornii.KvNativeInterface;
+import java.time.Duration;
 import java.util.List;
+import java.util.stream.Collectors;
 import org.junit.jupiter.api.BeforeEach;
 import org.junit.jupiter.api.Test;
 
@@ -43,6 +45,9 @@ class SimulatedDeviceTest {
         refused("readNv, ", () -> SimulatedDevice.answer("nativeReadNvValue", 0, ""));
         refused("1000000 bytes", () -> SimulatedDevice.answer("readNv", 0, "x".repeat(1000001)));
         refused("null", () -> SimulatedDevice.answer("readNv", 0, null));
+        refused("U+0000", () -> SimulatedDevice.answer("readNv", 0, "cut\0off"));
+        refused("surrogate", () -> SimulatedDevice.answer("readNv", 0, "\uD83D \uDE00"));
+        refused("surrogate", () -> SimulatedDevice.answer("i2cTest", 0, "", "\uDE00"));
         refused("null", () -> SimulatedDevice.answer("i2cTest", 0, "", null));
         refused("readNv, ", () -> SimulatedDevice.fail(AIDL, null));
         refused("readNv, ", () -> SimulatedDevice.fail(HIDL, "setLightsBrightness"));
@@ -74,6 +79,7 @@ class SimulatedDeviceTest {
         SimulatedDevice.killProcess("sensors");
         assertNull(SimulatedDevice.runs("touch"));
         assertNull(SimulatedDevice.runs("light"));
+        refused("factory, display, power", () -> SimulatedDevice.killProcess("light"));
         SimulatedDevice.restartProcess("light");
         SimulatedDevice.settle();
         assertEquals(HIDL, SimulatedDevice.holder("touch"));
@@ -84,10 +90,72 @@ class SimulatedDeviceTest {
         SimulatedDevice.declare(AIDL, "satellite");
         SimulatedDevice.kill(AIDL, "radio");
         SimulatedDevice.restart(AIDL, "radio");
-        assertThrows(IllegalStateException.class, SimulatedDevice::settle);
+        assertThrows(
+                IllegalStateException.class, () -> SimulatedDevice.settle(Duration.ofMillis(50)));
         SimulatedDevice.restart(AIDL, "satellite");
         SimulatedDevice.settle();
         assertEquals("cp ok", kv.nativeChipTtTestCp("cp"));
+    }
+
+    /** What runs, and what is held. */
+    private static List<String> state() {
+        return SimulatedDevice.services()
+                .stream()
+                .map(name -> name + SimulatedDevice.runs(name) + SimulatedDevice.holder(name))
+                .collect(Collectors.toList());
+    }
+
+    private static void addOverHidl() {
+        SimulatedDevice.restart(HIDL, "camera");
+        SimulatedDevice.declare(HIDL, "chip");
+        SimulatedDevice.killProcess("light");
+    }
+
+    private static void waitForAServiceThatNeverComes() {
+        SimulatedDevice.declare(AIDL, "satellite");
+        SimulatedDevice.kill(AIDL, "radio");
+    }
+
+    private static void dieAndComeBack() {
+        SimulatedDevice.kill(AIDL, "sim");
+        SimulatedDevice.restart(AIDL, "sim");
+        SimulatedDevice.settle();
+    }
+
+    @Test
+    void isAsAtItsStartWhateverHappened() {
+        List<String> atStart = state();
+        for (Runnable happening : List.<Runnable>of(SimulatedDeviceTest::addOverHidl,
+                     SimulatedDeviceTest::waitForAServiceThatNeverComes,
+                     ()
+                             -> SimulatedDevice.killProcess("factory"),
+                     () -> SimulatedDevice.restart(AIDL, "satellite"))) {
+            happening.run();
+            SimulatedDevice.restore();
+            assertEquals(atStart, state());
+            dieAndComeBack();  // so nothing that was declared is waited for
+            assertEquals(atStart, state());
+        }
+    }
+
+    @Test
+    void showsWhatTheLibraryAsksByItselfOnlyWhenAskedFor() {
+        dieAndComeBack();
+        kv.nativeSetSimPowerState(1);
+        assertEquals(List.of("aidl fingerprint.createSession(-1, -1000, \"\")",
+                             "aidl sim.setSimPowerState(1)"),
+                SimulatedDevice.receivedInAll());
+        dieAndComeBack();
+        assertEquals(List.of(), SimulatedDevice.received());
+    }
+
+    @Test
+    void givesBackNoFlagOfMoreBytesThanTheCallerTakes() {
+        String longest = "\u00e4".repeat(512);
+        assertEquals(0, kv.nativeSetControlFlag(1, longest));
+        assertEquals(longest, kv.nativeGetControlFlag(1));
+        assertEquals(0, kv.nativeSetControlFlag(1, longest + "x"));
+        assertEquals("", kv.nativeGetControlFlag(1));
     }
 
     @Test
@@ -111,7 +179,7 @@ class SimulatedDeviceTest {
         SimulatedDevice.fail(HIDL, "handleSensorPara");
         SimulatedDevice.kill(AIDL, "display");
         SimulatedDevice.restore();
-        assertEquals(List.of(), SimulatedDevice.received());
+        assertEquals(List.of(), SimulatedDevice.receivedInAll());
         assertNull(kv.nativeReadNvValue(8));
         assertEquals("KV-MAIN-V3", kv.nativeGetBoardName());
         assertEquals("shown", kv.nativeDisplayTest("red"));
