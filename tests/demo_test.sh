@@ -62,7 +62,8 @@ if [ "$device" = bare ]; then
     status=0
     play "$work/tree" || status=$?
     expect "status without the misc partition" 1 "$status"
+    line=$(grep -n '^nativeWriteMiscToRecovery ' "$source/samples/methods.samples" | cut -d: -f1)
     expect "fault named, at once and at the end" 2 \
-        "$(count '!! nativeWriteMiscToRecovery: expected 0, found')"
+        "$(count "!! nativeWriteMiscToRecovery (samples/methods.samples:$line): expected 0, found")"
 fi
 exit "$failed"

@@ -9,5 +9,5 @@ export "${command[0]}"
 export KALVORN_MISC=misc LD_LIBRARY_PATH=interpolation
 export LC_ALL=C.UTF-8  # else Java finds nothing at a path with letters beyond ASCII
 if [ -t 1 ] && [ -z "${NO_COLOR:-}" ]; then export KALVORN_COLOUR=1; fi
-exec "${command[@]:1}" -Djava.library.path=. -cp java/classes:java/simulated:java/demo \
+exec "${command[@]:1}" -Djava.library.path=. -cp java/classes:java/samples:java/simulated:java/demo \
     com.quorvin.kalvornii.demo.RunningTest "$2"

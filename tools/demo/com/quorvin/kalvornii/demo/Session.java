@@ -1,19 +1,24 @@
 package com.quorvin.kalvornii.demo;
 
+import static java.util.stream.Collectors.joining;
+
 import com.quorvin.kalvornii.BigDataOperation;
 import com.quorvin.kalvornii.BigDataValue;
 import com.quorvin.kalvornii.KvNativeInterface;
+import com.quorvin.kalvornii.samples.Sample;
 import com.quorvin.kalvornii.simulated.SimulatedDevice;
 import com.quorvin.kalvornii.simulated.SimulatedDevice.Backend;
 import java.lang.reflect.Field;
 import java.lang.reflect.InvocationTargetException;
 import java.lang.reflect.Method;
-import java.lang.reflect.Modifier;
 import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.Collections;
 import java.util.HexFormat;
+import java.util.LinkedHashMap;
 import java.util.List;
+import java.util.Locale;
+import java.util.Map;
 import java.util.Objects;
 import java.util.Set;
 import java.util.TreeSet;
@@ -35,8 +40,17 @@ final class Session {
     private static final String RED = "\033[31m";
     private static final String MAGENTA = "\033[1;35m";
 
+    /** The methods whose calls become something else on the way to the service. */
+    private static final Set<String> FOLLOWED = Set.of("nativeSetTestCycle",
+            "nativeSetTestItemName", "nativeSetControlFlag", "nativePowerTest", "nativeDisplayTest",
+            "nativeDisplayGeneralTest", "nativeGetScreenFpsConfigByScenes", "nativeSetFlashLight",
+            "nativeSetCommand", "nativeSetWifiCommand", "sendCmdToFingerprintHalNative",
+            "nativeGetVerifySignatureResult");
+
     private final KvNativeInterface kv;
-    private final Set<String> unused = natives();
+    /** By the names of their methods, in order. */
+    private final Map<String, Sample> samples = new LinkedHashMap<>();
+    private final Set<String> unused;
     private int calls;
     private int unanswered;
     private final List<String> faults = new ArrayList<>();
@@ -44,68 +58,72 @@ final class Session {
     /** Loads the library. */
     Session() {
         kv = new KvNativeInterface();
+        for (Sample sample : Sample.read()) samples.put(sample.method.getName(), sample);
+        unused = new TreeSet<>(samples.keySet());
     }
 
-    /** The names of all native methods. */
-    static Set<String> natives() {
-        Set<String> names = new TreeSet<>();
-        for (Method method : KvNativeInterface.class.getDeclaredMethods()) {
-            if (Modifier.isNative(method.getModifiers())) names.add(method.getName());
-        }
-        return names;
+    /** The samples of one section, in order. */
+    List<Sample> section(String title) {
+        return samples.values().stream().filter(sample -> sample.section.equals(title)).toList();
     }
 
-    /** The methods that one service answers. */
-    final class Service {
-        private final String name;
+    Sample sample(String method) {
+        return samples.get(method);
+    }
 
-        private Service(String name) {
-            this.name = name;
+    /** The call of the method's sample, with what it fills and, for some, what it asked. */
+    Object play(String method) {
+        Sample sample = samples.get(method);
+        if (!sample.remark.isEmpty()) say(sample.remark);
+        Object result = call(sample.result, method, sample.arguments);
+        if (FOLLOWED.contains(method)) follow();
+        if (sample.field() != null) showField(sample);
+        return result;
+    }
+
+    /** The result has to be the expected one, or a failure value while nothing is connected. */
+    Object call(Object expected, String method, Object... arguments) {
+        Sample sample = samples.get(method);
+        boolean connected = isConnected(sample);
+        Object result = invoke(sample.method, arguments);
+        String what = method + " (" + sample.where + ")";
+        if (connected) {
+            check(what, expected, result);
+        } else if (!isAbsent(result)) {
+            check(what + ", while " + sample.service() + " is not connected", "a failure value",
+                    result);
         }
+        return result;
+    }
 
-        /** The result has to be the expected one, or a failure value while nothing is connected. */
-        Object call(Object expected, String method, Object... arguments) {
-            boolean connected = isConnected();
-            Object result = invoke(method, arguments);
-            if (connected) {
-                check(method, expected, result);
-            } else if (!isAbsent(result)) {
-                check(method + ", while " + name + " is not connected", "a failure value", result);
-            }
-            return result;
-        }
+    /** Shows what the last call became on the way to the service. */
+    void follow() {
+        for (String call : SimulatedDevice.received())
+            Screen.print(NO_TIME + "    -> ", call, CYAN);
+    }
 
-        /** A call, and what it became on the way to the service. */
-        void callAndFollow(Object expected, String method, Object... arguments) {
-            call(expected, method, arguments);
-            for (String call : SimulatedDevice.received()) {
-                Screen.print(NO_TIME + "    -> ", call, CYAN);
-            }
-        }
-
-        /** Shows a static field that the library has written from an answer of this service. */
-        void field(String expected, String field) {
-            try {
-                Object value = KvNativeInterface.class.getField(field).get(null);
-                say("    KvNativeInterface." + field + " = " + show(value));
-                if (isConnected()) check(field, expected, value);
-            } catch (ReflectiveOperationException e) {
-                throw new IllegalStateException(field, e);
-            }
-        }
-
-        private boolean isConnected() {
-            return name == null || SimulatedDevice.holder(name) != null;
+    /** Shows the static field that a sample has filled. */
+    private void showField(Sample sample) {
+        try {
+            Object value = KvNativeInterface.class.getField(sample.field()).get(null);
+            say("    KvNativeInterface." + sample.field() + " = " + show(value));
+            if (!isConnected(sample)) return;
+            check(sample.field() + " (" + sample.where + ")",
+                    sample.fieldText(lower(SimulatedDevice.holder(sample.service()))), value);
+        } catch (ReflectiveOperationException e) {
+            throw new IllegalStateException(sample.where, e);
         }
     }
 
-    Service service(String name) {
-        return new Service(name);
+    /** As the samples name it. */
+    private static String lower(Backend backend) {
+        return backend.toString().toLowerCase(Locale.ROOT);
     }
 
-    /** The methods that the library serves without a service. */
-    Service library() {
-        return new Service(null);
+    private static boolean isConnected(Sample sample) {
+        if (sample.service() == null) return true;
+        Backend holder = SimulatedDevice.holder(sample.service());
+        return holder != null && sample.isServedOver(lower(holder));
     }
 
     /** Each service that the device runs is held over its backend. */
@@ -172,12 +190,7 @@ final class Session {
 
     /** A row of the table of services. */
     static void row(String service, String backend, String serves) {
-        String style = switch (backend) {
-            case "AIDL" -> GREEN;
-            case "HIDL" -> CYAN;
-            case "none" -> DIM;
-            default -> BOLD;
-        };
+        String style = Map.of("AIDL", GREEN, "HIDL", CYAN, "none", DIM).getOrDefault(backend, BOLD);
         String lead = NO_TIME + String.format("%-16s %-8s ", service, backend);
         Screen.print(lead, serves, style);
     }
@@ -191,98 +204,94 @@ final class Session {
         return String.format("%-" + WIDTH * 3 / 5 + "s = %s", call, result);
     }
 
-    private Object invoke(String name, Object[] arguments) {
+    private Object invoke(Method method, Object[] arguments) {
         String time = time();
         SimulatedDevice.received();
         Screen.holdLog();
         Object result;
         try {
-            result = method(name).invoke(kv, arguments);
+            result = method.invoke(kv, arguments);
         } catch (IllegalAccessException | InvocationTargetException e) {
-            throw new IllegalStateException(name, e);
+            throw new IllegalStateException(method.getName(), e);
         }
         calls++;
         if (isAbsent(result)) unanswered++;
-        unused.remove(name);
-        String[] shown = Arrays.stream(arguments).map(Session::show).toArray(String[]::new);
-        showCall(time, name + "(" + String.join(", ", shown) + ")", show(result),
+        unused.remove(method.getName());
+        String shown = Arrays.stream(arguments).map(Session::show).collect(joining(", "));
+        showCall(time, method.getName() + "(" + shown + ")", show(result),
                 isAbsent(result) ? RED : BOLD);
-                Screen.showLog();
-                return result;
-        }
+        Screen.showLog();
+        return result;
+    }
 
-        private static void showCall(String time, String call, String result, String style) {
-            String together = call + " = " + result;
-            if (beside(call, result).length() <= WIDTH) together = beside(call, result);
-            if (together.length() <= WIDTH) {
-                Screen.print(time, together, style);
-            } else {
-                Screen.print(time, call, style);
-                Screen.print(NO_TIME, "    = " + result, style);
-            }
-        }
-
-        /** The verdict on item number {@code done} of {@code total}. */
-        static void progress(int done, int total, String item, Object result, Object expected) {
-            boolean pass = expected.equals(result);
-            int length = Math.min(total, WIDTH - 42);  // for what stands beside the bar
-            int filled = done * length / total;
-            String bar = "#".repeat(filled) + ".".repeat(length - filled);
-            String verdict = pass ? "PASS" : isAbsent(result) ? "no service" : "FAIL";
-            Screen.print(NO_TIME,
-                    String.format("[%2d/%d] %s  %-21s %s", done, total, bar, item, verdict),
-                    pass ? GREEN : RED);
-        }
-
-        int calls() {
-            return calls;
-        }
-
-        int unanswered() {
-            return unanswered;
-        }
-
-        /** The natives that have not been called yet. */
-        Set<String> unused() {
-            return unused;
-        }
-
-        List<String> faults() {
-            return faults;
-        }
-
-        private static Method method(String name) {
-            for (Method method : KvNativeInterface.class.getDeclaredMethods()) {
-                if (method.getName().equals(name)) return method;
-            }
-            throw new IllegalArgumentException("no native " + name);
-        }
-
-        private static boolean isAbsent(Object result) {
-            if (result instanceof int[] results)
-                return results[0] == KvNativeInterface.SERVICE_ABSENT;
-            return result != null
-                    && (result.equals(KvNativeInterface.SERVICE_ABSENT)
-                            || result.equals(KvNativeInterface.INVALID_SERVICE));
-        }
-
-        private static String show(Object value) {
-            if (value instanceof String) return '"' + value.toString() + '"';
-            if (value instanceof byte[] bytes) return "[" + HexFormat.of().formatHex(bytes) + "]";
-            if (value instanceof int[] numbers) return Arrays.toString(numbers);
-            boolean isRecord = value instanceof BigDataOperation || value instanceof BigDataValue;
-            return isRecord ? showFields(value) : String.valueOf(value);
-        }
-
-        private static String showFields(Object record) {
-            List<String> fields = new ArrayList<>();
-            for (Field field : record.getClass().getFields()) {
-                try {
-                    fields.add(field.getName() + "=" + show(field.get(record)));
-                } catch (IllegalAccessException e) {
-                    throw new IllegalStateException(e);
-                }
-            }
-            return record.getClass().getSimpleName() + "{" + String.join(", ", fields) + "}";
+    private static void showCall(String time, String call, String result, String style) {
+        String together = call + " = " + result;
+        if (beside(call, result).length() <= WIDTH) together = beside(call, result);
+        if (together.length() <= WIDTH) {
+            Screen.print(time, together, style);
+        } else {
+            Screen.print(time, call, style);
+            Screen.print(NO_TIME, "    = " + result, style);
         }
     }
+
+    /** The verdict on item number {@code done} of {@code total}. */
+    static void progress(int done, int total, String item, Object result, Object expected) {
+        boolean pass = expected.equals(result);
+        int length = Math.min(total, WIDTH - 42);  // for what stands beside the bar
+        int filled = done * length / total;
+        String bar = "#".repeat(filled) + ".".repeat(length - filled);
+        String verdict = pass ? "PASS" : isAbsent(result) ? "no service" : "FAIL";
+        Screen.print(NO_TIME,
+                String.format("[%2d/%d] %s  %-21s %s", done, total, bar, item, verdict),
+                pass ? GREEN : RED);
+    }
+
+    int calls() {
+        return calls;
+    }
+
+    int unanswered() {
+        return unanswered;
+    }
+
+    /** The methods that have not been called yet. */
+    Set<String> unused() {
+        return unused;
+    }
+
+    int methods() {
+        return samples.size();
+    }
+
+    List<String> faults() {
+        return faults;
+    }
+
+    private static boolean isAbsent(Object result) {
+        if (result instanceof int[] results) return results[0] == KvNativeInterface.SERVICE_ABSENT;
+        return result != null
+                && (result.equals(KvNativeInterface.SERVICE_ABSENT)
+                        || result.equals(KvNativeInterface.INVALID_SERVICE));
+    }
+
+    private static String show(Object value) {
+        if (value instanceof String) return '"' + value.toString() + '"';
+        if (value instanceof byte[] bytes) return "[" + HexFormat.of().formatHex(bytes) + "]";
+        if (value instanceof int[] numbers) return Arrays.toString(numbers);
+        boolean isRecord = value instanceof BigDataOperation || value instanceof BigDataValue;
+        return isRecord ? showFields(value) : String.valueOf(value);
+    }
+
+    private static String showFields(Object record) {
+        List<String> fields = new ArrayList<>();
+        for (Field field : record.getClass().getFields()) {
+            try {
+                fields.add(field.getName() + "=" + show(field.get(record)));
+            } catch (IllegalAccessException e) {
+                throw new IllegalStateException(e);
+            }
+        }
+        return record.getClass().getSimpleName() + "{" + String.join(", ", fields) + "}";
+    }
+}
