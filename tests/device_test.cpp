@@ -148,7 +148,6 @@ TEST_F(DeviceTest, AProcessIsDeadOverBothBackendsBeforeANotice) {
         watcher->onAidlDeath = watcher->onHidlDeath = [&] {
             for (const auto& dead : binders) EXPECT_EQ(android::DEAD_OBJECT, dead->pingBinder());
             for (const auto& dead : services) EXPECT_TRUE(dead->ping().isDeadObject());
-            EXPECT_TRUE(Find<AidlLight>() == nullptr && Find<AidlPower>() == nullptr);
             EXPECT_EQ(nullptr, HidlLight::tryGetService("default"));
             EXPECT_EQ(nullptr, IQXPower::tryGetService("default"));
             deaths++;

@@ -6,6 +6,7 @@
 #include <binder/IServiceManager.h>
 #include <binder/Parcel.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
@@ -15,6 +16,7 @@
 #include <thread>
 #include <vector>
 
+#include "asleep.h"
 #include "binder_host.h"
 
 using namespace android;
@@ -241,18 +243,81 @@ TEST_F(HostBinderTest, UnlinkingRacesWithTheNotice) {
 }
 
 TEST_F(HostBinderTest, LookingUpRacesWithDropping) {
-    Publish(new Echo);
-    const auto useIt = [] {
-        const sp<Recipient> recipient = new Recipient([](const wp<IBinder>&) { FAIL(); });
-        for (int round = 0; round < 3000; ++round) {
-            const sp<IBinder> proxy = defaultServiceManager()->checkService(kName);
-            ASSERT_EQ(OK, proxy->linkToDeath(recipient));
-            ASSERT_EQ(OK, proxy->pingBinder());
-            ASSERT_EQ(OK, proxy->unlinkToDeath(recipient)) << "somebody else's dropping took it";
-        }
+    const sp<Echo> service = new Echo;
+    Publish(service);
+    const auto lookUp = [] { return defaultServiceManager()->checkService(kName); };
+    const auto useIt = [&] {
+        for (int round = 0; round < 3000; ++round) ASSERT_EQ(OK, lookUp()->pingBinder());
     };
     auto other = std::async(std::launch::async, useIt);
     useIt();
+    other.wait();
+
+    const sp<Recipient> recipient = new Recipient([](const wp<IBinder>&) { FAIL(); });
+    sp<IBinder> dropped = lookUp(), again;
+    OnLastReference([&] {
+        again = lookUp();
+        EXPECT_EQ(OK, again->linkToDeath(recipient));
+    });
+    dropped = nullptr;
+    OnLastReference(nullptr);
+    EXPECT_EQ(0u, DeathLinkCount(service)) << "the last reference took the new link too";
+    EXPECT_EQ(OK, again->pingBinder());
+}
+
+// The restart of the first notice may come before the second service has gone.
+TEST_F(HostBinderTest, ServicesOfAProcessGoOneByOne) {
+    const String16 other("pkg.IOther/default");
+    const sp<Echo> first = new Echo, second = new Echo;
+    std::promise<void> linked;
+    std::atomic<int> told = 0;
+    const sp<Recipient> late = new Recipient([&](const wp<IBinder>&) { ++told; });
+    sp<IBinder> dying;
+    const sp<Recipient> early = new Recipient([&](const wp<IBinder>&) {
+        dying = defaultServiceManager()->checkService(other);
+        EXPECT_EQ(OK, dying->linkToDeath(late));
+        EXPECT_EQ(DEAD_OBJECT, dying->pingBinder());
+        linked.set_value();
+    });
+    const sp<IBinder> proxy = Publish(first);
+    Publish(second, other);
+    EXPECT_EQ(OK, proxy->linkToDeath(early));
+    int gone = 0;
+    OnServiceDied([&] {
+        if (++gone == 1) linked.get_future().wait();
+    });
+    KillProcess({first, second});
+    OnServiceDied(nullptr);
+    EXPECT_TRUE(WaitForDeathDelivery(5s));
+    EXPECT_EQ(1, told);
+    EXPECT_EQ(nullptr, defaultServiceManager()->checkService(other));
+}
+
+// What comes back while a service is waited for is told on a binder thread, or found by asking.
+TEST_F(HostBinderTest, AWaiterGetsWhatWasRegistered) {
+    const auto wait = [] { return defaultServiceManager()->waitForService(kName); };
+    const sp<Echo> service = new Echo;
+    {
+        const BusyBinderThreads busy;
+        const auto start = std::chrono::steady_clock::now();
+        auto waiting = std::async(std::launch::async, wait);
+        std::this_thread::sleep_for(50ms);
+        Publish(service);
+        EXPECT_EQ(OK, waiting.get()->pingBinder());
+        EXPECT_LE(900ms, std::chrono::steady_clock::now() - start);
+    }
+    KillService(service);
+    std::promise<pid_t> id;
+    std::future<pid_t> asleep = id.get_future();
+    auto waiting = std::async(std::launch::async, [&] {
+        id.set_value(gettid());
+        return wait();
+    });
+    WaitUntilAsleep(std::move(asleep));
+    const sp<Echo> shortLived = new Echo;
+    Publish(shortLived);
+    KillService(shortLived);
+    EXPECT_EQ(DEAD_OBJECT, waiting.get()->pingBinder()) << "it has died since";
 }
 
 constexpr size_t kMost = 1024 * 1024 - 2 * 4096;

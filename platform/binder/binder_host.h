@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -28,14 +29,30 @@ void ResetServiceManager();
  */
 void KeepDeadNames(bool keep);
 
+/** How often anybody has asked the service manager for a service so far. */
+size_t LookUpCount();
+
 /**
  * Lets services die as if their one process had ended: transactions answer DEAD_OBJECT (those
- * under way included) and the registrations are gone, for all of them, before the first notice of
- * death comes. Then every linked proxy is told on a binder thread, several at once. Does not wait
- * for the notices. `locals` are the service objects themselves, not proxies, as in all functions
- * below. One that is dead already is passed over.
+ * under way included) for all of them before the first notice of death comes. Then they go one by
+ * one: the proxy, if it is linked, is told on a binder thread, and the name goes. So a notice may
+ * run while later services are still found and linked. Does not wait for the notices. `locals` are
+ * the service objects themselves, not proxies, as in all functions below. One that is dead already
+ * is passed over.
  */
 void KillProcess(const std::vector<android::sp<android::IBinder>>& locals);
+
+/** Called after each service of a dying process has gone, and before the next; null for nothing. */
+void OnServiceDied(std::function<void()> hook);
+
+/** Called after a link to death was made, by the thread that made it; null for nothing. */
+void OnLink(std::function<void()> hook);
+
+/**
+ * Called when the last strong reference to a proxy has gone and its links are still to be cleared,
+ * a moment in which another thread may look the service up; null for nothing.
+ */
+void OnLastReference(std::function<void()> hook);
 
 /** Lets a service die that is alone in its process. */
 void KillService(const android::sp<android::IBinder>& local);

@@ -18,15 +18,19 @@ BinderThreads& BinderThreads::Get() {
     return *threads;
 }
 
-void BinderThreads::post(std::vector<std::function<void()>> tasks) {
+void BinderThreads::post(std::function<void()> task) {
     std::lock_guard<std::mutex> lock(mMutex);
-    for (std::function<void()>& task : tasks) mTasks.push_back(std::move(task));
-    // They wait for the lock, so that the first one gets no start over the last.
-    for (size_t idle = mIdle; idle < mTasks.size() && mThreads < kMaxThreads; ++idle) {
-        ++mThreads;
-        std::thread([this] { serve(); }).detach();
-    }
-    mWork.notify_all();
+    mTasks.push_back(std::move(task));
+    startIfNeeded();
+    mWork.notify_one();
+}
+
+/** With the lock held. */
+void BinderThreads::startIfNeeded() {
+    if (mTasks.empty() || mIdle > 0 || mIsStarting || mThreads == kMaxThreads) return;
+    mIsStarting = true;
+    ++mThreads;
+    std::thread([this] { serve(); }).detach();
 }
 
 bool BinderThreads::waitUntilIdle(std::chrono::milliseconds timeout) {
@@ -50,6 +54,10 @@ void BinderThreads::countWaiting(int change) {
 
 void BinderThreads::serve() {
     t_isBinderThread = true;
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        mIsStarting = false;
+    }
     for (;;) nextTask()();
 }
 
@@ -61,6 +69,7 @@ std::function<void()> BinderThreads::nextTask() {
     --mIdle;
     std::function<void()> task = std::move(mTasks.front());
     mTasks.pop_front();
+    startIfNeeded();
     return task;
 }
 

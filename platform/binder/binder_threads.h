@@ -5,21 +5,19 @@
 #include <deque>
 #include <functional>
 #include <mutex>
-#include <vector>
 
 namespace kalvorn::host {
 
 /**
- * The binder threads. A task may block for long: one more thread is started when none is idle,
- * up to a limit beyond which tasks wait. Threads never end, so the pool lives until the process
- * does.
+ * The binder threads. A task may block for long: one more thread is started when none is idle, and
+ * the next when that one has come, up to a limit beyond which tasks wait. Threads never end, so the
+ * pool lives until the process does.
  */
 class BinderThreads {
   public:
     static BinderThreads& Get();
 
-    /** The tasks start together, each on a thread of its own as far as there are threads. */
-    void post(std::vector<std::function<void()>> tasks);
+    void post(std::function<void()> task);
 
     /** False if tasks are still waiting or running after `timeout`. */
     bool waitUntilIdle(std::chrono::milliseconds timeout);
@@ -38,6 +36,7 @@ class BinderThreads {
 
   private:
     BinderThreads() = default;
+    void startIfNeeded();
     void serve();
     std::function<void()> nextTask();
     void countWaiting(int change);
@@ -49,6 +48,7 @@ class BinderThreads {
     std::condition_variable mIdleChanged;
     std::deque<std::function<void()>> mTasks;
     size_t mThreads = 0;
+    bool mIsStarting = false;
     size_t mIdle = 0;
     size_t mWaiting = 0;
 };

@@ -9,6 +9,7 @@
 
 #include "binder_host.h"
 #include "binder_threads.h"
+#include "platform/hook.h"
 #include "service_manager.h"
 
 using android::DEAD_OBJECT;
@@ -23,6 +24,8 @@ namespace kalvorn::host {
 namespace {
 
 const char kServiceId = 0;
+
+Hook g_onServiceDied;
 
 using Holder = std::shared_ptr<LocalService>;
 
@@ -156,7 +159,7 @@ bool LocalService::refusesDeathLinks() const {
 void LocalService::requestDeathNotice(ProxyBinder* proxy) {
     std::lock_guard<std::mutex> lock(mMutex);
     if (mState == State::kDead) {
-        BinderThreads::Get().post({NoticeFor(proxy)});
+        BinderThreads::Get().post(NoticeFor(proxy));
     } else {
         mRequester = proxy;
     }
@@ -168,18 +171,21 @@ void LocalService::clearDeathNotice(const ProxyBinder* proxy) {
 }
 
 void KillProcess(const std::vector<sp<IBinder>>& locals) {
-    std::vector<std::shared_ptr<LocalService>> dying;
+    std::vector<std::pair<sp<IBinder>, std::shared_ptr<LocalService>>> dying;
     for (const sp<IBinder>& local : locals) {
         const std::shared_ptr<LocalService> service = LocalService::Of(local);
-        if (service->die()) dying.push_back(service);
+        if (service->die()) dying.emplace_back(local, service);
     }
-    for (const sp<IBinder>& local : locals) RemoveRegistrations(local);
-    std::vector<std::function<void()>> notices;
-    for (const std::shared_ptr<LocalService>& service : dying) {
+    for (const auto& [local, service] : dying) {
         const wp<ProxyBinder> proxy = service->announce();
-        if (proxy != nullptr) notices.push_back(NoticeFor(proxy));
+        if (proxy != nullptr) BinderThreads::Get().post(NoticeFor(proxy));
+        RemoveRegistrations(local);
+        g_onServiceDied.run();
     }
-    BinderThreads::Get().post(std::move(notices));
+}
+
+void OnServiceDied(std::function<void()> hook) {
+    g_onServiceDied.set(std::move(hook));
 }
 
 void KillService(const sp<IBinder>& local) {

@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "binder_host.h"
+#include "platform/hook.h"
+
 using android::DEAD_OBJECT;
 using android::OK;
 using android::Parcel;
@@ -15,6 +18,20 @@ using android::Vector;
 using android::wp;
 
 namespace kalvorn::host {
+
+namespace {
+
+Hook g_onLink, g_onLastReference;
+
+}  // namespace
+
+void OnLink(std::function<void()> hook) {
+    g_onLink.set(std::move(hook));
+}
+
+void OnLastReference(std::function<void()> hook) {
+    g_onLastReference.set(std::move(hook));
+}
 
 ProxyBinder::ProxyBinder(std::shared_ptr<ServiceLink> service) : mService(std::move(service)) {
     extendObjectLifetime(OBJECT_LIFETIME_WEAK);
@@ -52,11 +69,14 @@ status_t ProxyBinder::transact(uint32_t code, const Parcel& data, Parcel* reply,
 status_t ProxyBinder::linkToDeath(const sp<DeathRecipient>& recipient, void* cookie,
                                   uint32_t flags) {
     if (recipient == nullptr) return android::BAD_VALUE;
-    std::lock_guard<std::mutex> lock(mMutex);
-    if (mObituarySent) return DEAD_OBJECT;
-    if (mService->refusesDeathLinks()) return android::INVALID_OPERATION;
-    mObituaries.push_back({recipient, cookie, flags});
-    if (mObituaries.size() == 1) mService->requestDeathNotice(this);
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        if (mObituarySent) return DEAD_OBJECT;
+        if (mService->refusesDeathLinks()) return android::INVALID_OPERATION;
+        mObituaries.push_back({recipient, cookie, flags});
+        if (mObituaries.size() == 1) mService->requestDeathNotice(this);
+    }
+    g_onLink.run();
     return OK;
 }
 
@@ -124,12 +144,14 @@ size_t ProxyBinder::livingRecipients() const {
     });
 }
 
+// Nobody asks whether the service was looked up again in this moment, and linked: the link goes
+// too.
 void ProxyBinder::onLastStrongRef(const void*) {
+    g_onLastReference.run();
     Obituaries unlinked;
     {
         std::lock_guard<std::mutex> lock(mMutex);
-        // Not if somebody has looked the service up in this moment, and perhaps linked.
-        if (getStrongCount() == 0) unlinked = takeObituaries();
+        unlinked = takeObituaries();
     }
     mService->release(this);
 }

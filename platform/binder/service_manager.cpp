@@ -4,10 +4,13 @@
 #include <dlfcn.h>
 #include <stdlib.h>
 
+#include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <utility>
@@ -67,8 +70,9 @@ class ServiceManager : public IServiceManager {
         sp<IBinder> replaced = service;
         std::lock_guard<std::mutex> lock(mMutex);
         if (!IsServiceAlive(service)) return android::DEAD_OBJECT;
-        std::swap(mEntries[name].service, replaced);
-        mChanged.notify_all();
+        Entry& entry = mEntries[name];
+        std::swap(entry.service, replaced);
+        for (const std::shared_ptr<Waiter>& waiter : entry.waiters) tell(waiter, service);
         return OK;
     }
 
@@ -128,41 +132,70 @@ class ServiceManager : public IServiceManager {
         mChanged.notify_all();
     }
 
+    size_t lookUps() const { return mLookUps; }
+
   protected:
     IBinder* onAsBinder() override { return nullptr; }
 
   private:
+    struct Waiter {
+        sp<IBinder> service;
+    };
+
     /** Entries are never erased: whoever waits holds on to one. */
     struct Entry {
         bool declared = false;
         sp<IBinder> service;
+        std::vector<std::shared_ptr<Waiter>> waiters;
     };
+
+    /**
+     * A waiter hears of a registration on a binder thread, as of anything else: late when all are
+     * busy, and of the service that was registered then, whatever has become of it.
+     */
+    void tell(const std::shared_ptr<Waiter>& waiter, const sp<IBinder>& service) const {
+        BinderThreads::Get().post([this, waiter, service] {
+            const std::lock_guard<std::mutex> lock(mMutex);
+            waiter->service = service;
+            mChanged.notify_all();
+        });
+    }
 
     /** The service's proxy; null after `timeout`, or if everything is reset. */
     sp<IBinder> await(const String16& name, std::optional<std::chrono::seconds> timeout) const {
         StartDevice();
+        ++mLookUps;
         std::unique_lock<std::mutex> lock(mMutex);
-        const Entry& entry = mEntries[name];
+        Entry& entry = mEntries[name];
         // Only who really waits counts as waiting: one that looks up in passing goes on at once.
-        if (entry.service == nullptr) {
-            const BinderThreads::WaitingForService waiting;
-            const auto settled = [this, &entry, before = mResets] {
-                return entry.service != nullptr || mResets != before;
-            };
-            if (timeout.has_value()) {
-                mChanged.wait_for(lock, *timeout, settled);
-            } else {
-                mChanged.wait(lock, settled);
-            }
-        }
-        const sp<IBinder> service = entry.service;
+        const sp<IBinder> service =
+                entry.service != nullptr ? entry.service : wait(&lock, &entry, timeout);
         lock.unlock();
         return RemoteView(service);
+    }
+
+    /** Until a notice has come, and without one until asking each second finds the service. */
+    sp<IBinder> wait(std::unique_lock<std::mutex>* lock, Entry* entry,
+                     std::optional<std::chrono::seconds> timeout) const {
+        const BinderThreads::WaitingForService waiting;
+        const auto waiter = std::make_shared<Waiter>();
+        entry->waiters.push_back(waiter);
+        const auto settled = [&, before = mResets] {
+            return waiter->service != nullptr || mResets != before;
+        };
+        auto left = timeout.value_or(std::chrono::seconds::max());
+        for (; left.count() > 0 && waiter->service == nullptr; --left) {
+            if (mChanged.wait_for(*lock, std::chrono::seconds(1), settled)) break;
+            waiter->service = entry->service;
+        }
+        entry->waiters.erase(std::find(entry->waiters.begin(), entry->waiters.end(), waiter));
+        return waiter->service;
     }
 
     mutable std::mutex mMutex;
     mutable std::condition_variable mChanged;
     mutable std::map<String16, Entry> mEntries;
+    mutable std::atomic<size_t> mLookUps = 0;
     bool mKeepDead = false;
     int mResets = 0;
 };
@@ -187,6 +220,10 @@ void UndeclareService(const std::string& name) {
 
 void KeepDeadNames(bool keep) {
     ServiceManager::Get()->keepDead(keep);
+}
+
+size_t LookUpCount() {
+    return ServiceManager::Get()->lookUps();
 }
 
 void ResetServiceManager() {

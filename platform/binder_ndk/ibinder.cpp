@@ -141,6 +141,11 @@ AIBinder* AIBinder_Weak_promote(AIBinder_Weak* weakBinder) {
     return Owned(weakBinder->binder.promote());
 }
 
+binder_status_t AIBinder_ping(AIBinder* binder) {
+    if (binder == nullptr) return STATUS_UNEXPECTED_NULL;
+    return binder->platformBinder()->pingBinder();
+}
+
 bool AIBinder_associateClass(AIBinder* binder, const AIBinder_Class* clazz) {
     if (binder == nullptr) return false;
     const bool known = binder->clazz() != nullptr;

@@ -1,6 +1,7 @@
 #include <hidl/HostInterface.h>
 #include <hidl/hidl_host.h>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <map>
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include "HidlThread.h"
+#include "platform/hook.h"
 
 namespace kalvorn::host {
 
@@ -68,6 +70,8 @@ struct Registry {
     std::map<ServiceName, std::vector<sp<IServiceNotification>>> listeners;
     std::map<const RefBase::weakref_type*, Life> lives;
     HidlThread thread;
+    Hook onLink;
+    std::atomic<size_t> lookUps = 0;
 
     Life& lifeOf(const IBase* service);
     const Life* knownLifeOf(const IBase* service) const;
@@ -217,6 +221,7 @@ class LookUp {
 
 sp<IBase> FindService(const char* descriptor, const std::string& instance, bool wait) {
     const ServiceName name(descriptor, instance);
+    ++TheRegistry().lookUps;
     LookUp lookUp(name);
     if (!lookUp.isDeclared()) return nullptr;
     do {
@@ -284,6 +289,7 @@ bool AddDeathLink(IBase* service, const DeathLink& link) {
         post = life.queueObituary();
     }
     if (post) PostObituary(service);
+    TheRegistry().onLink.run();
     return true;
 }
 
@@ -370,6 +376,14 @@ bool IsHidlServiceDead(const ::android::hidl::base::V1_0::IBase* service) {
 void RefuseHidlDeathLinks(const HidlService& service, bool refuse) {
     const std::lock_guard<std::mutex> lock(TheRegistry().mutex);
     TheRegistry().lifeOf(service.get()).refusesLinks = refuse;
+}
+
+size_t HidlLookUpCount() {
+    return TheRegistry().lookUps;
+}
+
+void OnHidlLink(std::function<void()> hook) {
+    TheRegistry().onLink.set(std::move(hook));
 }
 
 size_t HidlDeathLinkCount(const HidlService& service) {

@@ -52,6 +52,9 @@ void AIBinder_Weak_delete(AIBinder_Weak* weakBinder);
 /** An owned reference, or null if the object has gone. */
 AIBinder* AIBinder_Weak_promote(AIBinder_Weak* weakBinder) __attribute__((warn_unused_result));
 
+/** Asks the object for a sign of life: STATUS_OK, or STATUS_DEAD_OBJECT. */
+binder_status_t AIBinder_ping(AIBinder* binder);
+
 /** Gives a remote object its class. False if the object's interface or class is another one. */
 bool AIBinder_associateClass(AIBinder* binder, const AIBinder_Class* clazz);
 

@@ -53,6 +53,12 @@ bool IsHidlServiceDead(const ::android::hidl::base::V1_0::IBase* service);
 /** Makes linkToDeath() on the service answer false (or true again); existing links stay. */
 void RefuseHidlDeathLinks(const HidlService& service, bool refuse);
 
+/** How often anybody has looked a service up so far. */
+size_t HidlLookUpCount();
+
+/** Called after a link to death was made, by the thread that made it; null for nothing. */
+void OnHidlLink(std::function<void()> hook);
+
 /** How many death links the service has, those of vanished recipients included. */
 size_t HidlDeathLinkCount(const HidlService& service);
 
