@@ -6,6 +6,8 @@
 #include "aidl/services.h"
 #include "common/failure.h"
 
+using namespace kalvorn;
+
 using vendor::zantor::hardware::qxfactoryinterface::FmdCmdData;
 using vendor::zantor::hardware::qxfactoryinterface::FmdEvent;
 using vendor::zantor::hardware::qxfactoryinterface::FmdMsg;

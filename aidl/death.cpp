@@ -1,25 +1,24 @@
 #include <binder/IInterface.h>
+#include <utils/Errors.h>
 
 #include <memory>
 
 #include "aidl/services.h"
 
+using namespace kalvorn;
+
 namespace native_aidl {
 
+using android::IBinder;
 using android::IInterface;
 
 namespace {
 
 void Release(sp<IInterface>* global) {
-    const held::Taken<IInterface> taken = held::Take(global);
-    if (taken.service == nullptr) return;
-    if (taken.linked) Unlink(IInterface::asBinder(taken.service));
-    held::Retire(taken.service);
-}
-
-template <typename Interface>
-void Release(sp<Interface>* global) {
-    Release(held::As<IInterface>(global));
+    const sp<IInterface> service = held::Take(global);
+    if (service == nullptr) return;
+    Unlink(IInterface::asBinder(service));
+    g_retired.Add(service, global);
 }
 
 // intended: the session is not closed and its callback not touched, and without a session the
@@ -31,29 +30,80 @@ void ReleaseFingerprint() {
     held::Take(&g_aidlFingerprint);
 }
 
+void ReleaseAll() {
+#define SERVICE(connector, query, Interface, global, ...) Release(held::As<IInterface>(&global));
+#define FINGERPRINT(connector, query) ReleaseFingerprint();
+#include "aidl/services.inc"
+}
+
+void Exit() {
+    KV_LOGI("ExitKvManager by aidl");
+    ReleaseAll();
+}
+
+/** A proxy on which a call has broken off is of no use any more, whatever its service does. */
+bool IsOfNoUse(const sp<IInterface>& service, const sp<IInterface>& /* global */) {
+    return !IInterface::asBinder(service)->isBinderAlive();
+}
+
+/**
+ * Whether nobody can look this very proxy up and lose the link that he makes: the last reference to
+ * a proxy clears its links, also one that was made meanwhile. Of a proxy that is held again it is
+ * not the last, and of a dead one no link is needed.
+ */
+bool MayGo(const sp<IInterface>& service, const sp<IInterface>& global) {
+    const sp<IInterface> held = held::Copy(global);
+    if (held == nullptr) return false;
+    const sp<IBinder> binder = IInterface::asBinder(service);
+    return IInterface::asBinder(held) == binder || binder->pingBinder() == android::DEAD_OBJECT;
+}
+
 // Whichever service died, all are released and connected afresh. The restart waits here, on the
 // binder thread of the notification, until every declared service is back. Of services that die
 // together each notice does all of this, on a thread of its own and beside the others.
 void OnServiceDied() {
     KV_LOGW("serviceDied, remote hal service died");
-    ExitKvManager();
+    Exit();
+    g_retired.LetGo(IsOfNoUse);
     RestartAidlService();
+    g_retired.LetGo(MayGo);
 }
+
+/**
+ * At exit binder threads may still be connecting. What they fill later stays, and they link no
+ * session any more.
+ */
+const struct ReleaseAtExit {
+    ~ReleaseAtExit() {
+        ReleaseAll();
+        held::Take(&g_aidlFingerprint);
+        g_retired.LetGoOfAll();
+        AIBinder_DeathRecipient* const recipient = g_deathRecipient.release();
+        if (!held::IsBeingRead()) AIBinder_DeathRecipient_delete(recipient);
+    }
+} g_releaseAtExit;
 
 }  // namespace
 
-void Unlink(const sp<android::IBinder>& binder) {
+void Unlink(const sp<IBinder>& binder) {
     // Fails harmlessly for the service that has just died.
     binder->unlinkToDeath(g_deathNotifier, nullptr, 0, nullptr);
 }
 
+bool LinkSession(const std::shared_ptr<ISession>& session) {
+    const held::Reading reading;
+    return AIBinder_linkToDeath(session->asBinder().get(), g_deathRecipient.get(), session.get()) ==
+           STATUS_OK;
+}
+
 void UnlinkSession(const std::shared_ptr<ISession>& session) {
+    const held::Reading reading;
     AIBinder_unlinkToDeath(session->asBinder().get(), g_deathRecipient.get(), session.get());
 }
 
 DeathNotifier::~DeathNotifier() = default;
 
-void DeathNotifier::binderDied(const android::wp<android::IBinder>& /* who */) {
+void DeathNotifier::binderDied(const android::wp<IBinder>& /* who */) {
     OnServiceDied();
 }
 
@@ -63,37 +113,16 @@ void ServiceDied(void* /* cookie */) {
 
 int RestartAidlService() {
     KV_LOGI("RestartAidlService");
-    InitFactoryInterface();
-    InitDisplayService();
-    InitTouchScreen();
-    InitSensors();
-    InitPower();
-    InitLight();
-    InitCameraFactory();
-    InitRadioEnhance();
-    InitDisplayFactory();
-    InitFingerprintService();
-    InitChipSrvInterface();
-    InitSimService();
-    return InitChipSrvSat();
+    int connected = 0;
+#define SERVICE(connector, ...) connected = connector();
+#define FINGERPRINT(connector, query) connector();
+#include "aidl/services.inc"
+    return connected;
 }
 
 void ExitKvManager() {
-    KV_LOGI("ExitKvManager by aidl");
-    Release(&g_aidlFactory);
-    Release(&g_aidlDisplayService);
-    Release(&g_aidlTp);
-    Release(&g_aidlSensors);
-    Release(&g_aidlPower);
-    Release(&g_aidlLight);
-    Release(&g_aidlCameraFactory);
-    Release(&g_aidlRadioEnhance);
-    Release(&g_aidlDisplayFactory);
-    ReleaseFingerprint();
-    Release(&g_aidlChipSrvInterface);
-    Release(&g_aidlSim);
-    Release(&g_aidlChipSat);
-    held::LetGoOfRetired();
+    Exit();
+    g_retired.LetGoOfAll();
 }
 
 }  // namespace native_aidl

@@ -4,6 +4,8 @@
 #include "common/java_values.h"
 #include "common/service_constants.h"
 
+using namespace kalvorn;
+
 using vendor::zantor::hardware::qxdisplay::DisplayOutInfo;
 using vendor::zantor::hardware::qxdisplay::displayfactory::DisplayFactoryOutInfo;
 

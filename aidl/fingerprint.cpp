@@ -1,5 +1,6 @@
 #include <android/binder_ibinder.h>
 #include <android/binder_manager.h>
+#include <unistd.h>
 
 #include <memory>
 #include <string>
@@ -11,46 +12,79 @@
 #include "common/java_values.h"
 #include "common/service_constants.h"
 
+using namespace kalvorn;
+
+namespace native_aidl {
+
 namespace {
 
 constexpr int32_t kAnySensor = -1;
 constexpr int32_t kNoUser = -1000;
 
-}  // namespace
+// A service that dies while it is asked for a session is asked for anew, but not for ever: one that
+// lives may answer as the dead do.
+constexpr int kTries = 1000;
+constexpr useconds_t kPause = 1000;
 
-namespace native_aidl {
-
-int InitFingerprintService() {
-    KV_LOGI("InitAidlFingerprintService");
-    if (held::IsHeld(g_aidlFingerprint)) return 1;
-    const std::string name = std::string(IFingerprint::descriptor) + "/default";
-    if (!AServiceManager_isDeclared(name.c_str())) {
-        KV_LOGE("%s is not Declared\n", name.c_str());
-        return 0;
-    }
-    const ndk::SpAIBinder binder(AServiceManager_waitForService(name.c_str()));
-    if (binder.get() == nullptr) {
-        KV_LOGE("Could not connect to declared sensors AIDL HAL");  // intended: "sensors"
-        return 0;
-    }
-    const std::shared_ptr<IFingerprint> fingerprint = IFingerprint::fromBinder(binder);
-    if (fingerprint != nullptr && !held::Publish(&g_aidlFingerprint, fingerprint)) {
-        return 1;  // another connector was first, and asks for the session
-    }
+/** Null when the service opens none, or has died. */
+std::shared_ptr<ISession> OpenSession(const std::shared_ptr<IFingerprint>& fingerprint) {
     std::shared_ptr<ISession> session;
     if (fingerprint != nullptr) {
         fingerprint->createSession(kAnySensor, kNoUser, g_aidlFingerprintSessionCallback, &session);
     }
-    if (session == nullptr) {
-        KV_LOGE("g_aidlFingerprintSession is null");
-        return 0;
-    }
+    return session;
+}
+
+/**
+ * Links and holds the session of the interface that this connector holds. False when it has died
+ * meanwhile: its notice may have come when there was nothing to take, so both are taken back.
+ */
+bool Connect(const std::shared_ptr<IFingerprint>& fingerprint,
+             const std::shared_ptr<ISession>& session) {
+    KV_LOGI("g_aidlFingerprintSession linkToDeath");
+    AIBinder* const binder = session->asBinder().get();
+    const bool isLinked = LinkSession(session);
     // Empty until now: a teardown empties it before the interface, which is this connector's.
     std::atomic_store(&g_aidlFingerprintSession, session);
-    KV_LOGI("g_aidlFingerprintSession linkToDeath");
-    AIBinder_linkToDeath(session->asBinder().get(), g_deathRecipient.get(), session.get());
-    // A teardown that took the session before it was linked had nothing to unlink.
-    if (held::Copy(g_aidlFingerprintSession) != session) UnlinkSession(session);
+    if (AIBinder_ping(binder) == STATUS_OK) return true;
+    if (held::TakeBack(&g_aidlFingerprintSession, session)) {
+        if (isLinked) UnlinkSession(session);
+        held::TakeBack(&g_aidlFingerprint, fingerprint);
+    }
+    return false;
+}
+
+}  // namespace
+
+int InitFingerprintService() {
+    KV_LOGI("InitAidlFingerprintService");
+    for (int tries = 1; !held::IsHeld(g_aidlFingerprint); tries++) {
+        const std::string name = std::string(IFingerprint::descriptor) + "/default";
+        if (!AServiceManager_isDeclared(name.c_str())) {
+            KV_LOGE("%s is not Declared\n", name.c_str());
+            return 0;
+        }
+        const ndk::SpAIBinder binder(AServiceManager_waitForService(name.c_str()));
+        if (binder.get() == nullptr) {
+            KV_LOGE("Could not connect to declared sensors AIDL HAL");  // intended: "sensors"
+            return 0;
+        }
+        const std::shared_ptr<IFingerprint> fingerprint = IFingerprint::fromBinder(binder);
+        if (fingerprint != nullptr && !held::Publish(&g_aidlFingerprint, fingerprint)) {
+            return 1;  // another connector was first, and asks for the session
+        }
+        const std::shared_ptr<ISession> session = OpenSession(fingerprint);
+        if (session != nullptr) {
+            if (Connect(fingerprint, session)) return 1;
+        } else if (tries == kTries || AIBinder_ping(binder.get()) == STATUS_OK) {
+            // intended: the interface of a living service stays, though it opens no session
+            KV_LOGE("g_aidlFingerprintSession is null");
+            return 0;
+        } else if (fingerprint != nullptr) {
+            held::TakeBack(&g_aidlFingerprint, fingerprint);
+        }
+        usleep(kPause);
+    }
     return 1;
 }
 

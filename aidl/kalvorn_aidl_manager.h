@@ -20,34 +20,14 @@ namespace native_aidl {
  * fingerprint service that refused a session gives 0 first and 1 ever after, while its query stays
  * false.
  */
-int InitFactoryInterface();
-int InitDisplayService();
-int InitTouchScreen();
-int InitSensors();
-int InitPower();
-int InitLight();
-int InitCameraFactory();
-int InitRadioEnhance();
-int InitDisplayFactory();
-int InitFingerprintService();
-int InitChipSrvInterface();
-int InitSimService();
-int InitChipSrvSat();
+#define SERVICE(connector, ...) int connector();
+#define FINGERPRINT(connector, query) int connector();
+#include "aidl/services.inc"
 
 /** Queries: true while the service is held (the fingerprint: while its session is open). */
-bool IsFactoryInterfaceAidlVersion();
-bool IsDisplayServiceAidlVersion();
-bool IsTouchScreenAidlVersion();
-bool IsSensorsAidlVersion();
-bool IsPowerAidlVersion();
-bool IsLightAidlVersion();
-bool IsCameraFactoryAidlVersion();
-bool IsRadioEnhanceAidlVersion();
-bool IsDisplayFactoryAidlVersion();
-bool IsFingerprintServiceAidlVersion();
-bool IsChipSrvInterfaceAidlVersion();
-bool IsSimAidlVersion();
-bool IsChipSrvSatAidlVersion();
+#define SERVICE(connector, query, ...) bool query();
+#define FINGERPRINT(connector, query) bool query();
+#include "aidl/services.inc"
 
 /**
  * Unlinks and releases every service; of several calls at once each service meets one. A

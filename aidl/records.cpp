@@ -3,6 +3,8 @@
 #include "common/java_values.h"
 #include "common/service_constants.h"
 
+using namespace kalvorn;
+
 using vendor::zantor::hardware::qxfactoryinterface::IFacIntStr;
 
 jstring native_aidl::GetTestResult(JNIEnv* env, jobject, int id) {

@@ -4,6 +4,8 @@
 #include "common/failure.h"
 #include "common/java_values.h"
 
+using namespace kalvorn;
+
 using vendor::zantor::hardware::qxdisplay::DisplayOutInfo;
 
 jstring native_aidl::StartHertzTest(JNIEnv* env, jobject) {

@@ -6,6 +6,8 @@
 #include "common/java_values.h"
 #include "common/service_constants.h"
 
+using namespace kalvorn;
+
 using vendor::zantor::hardware::qxfactoryinterface::IFacIntStr;
 using vendor::zantor::hardware::qxfactoryinterface::IFacIntStrStr;
 

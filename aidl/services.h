@@ -28,7 +28,6 @@
 
 namespace native_aidl {
 
-using namespace kalvorn;
 using android::sp;
 using vendor::zantor::hardware::camera::factory::ICameraFactory;
 using vendor::zantor::hardware::light::ILight;
@@ -54,19 +53,9 @@ class DeathNotifier : public android::IBinder::DeathRecipient {
     void binderDied(const android::wp<android::IBinder>& who) override;
 };
 
-// Touched through common/held.h only: filled by the connectors, emptied by ExitKvManager.
-extern sp<IQxFactoryInterface> g_aidlFactory;
-extern sp<IDisplay> g_aidlDisplayService;
-extern sp<ITouchscreen> g_aidlTp;
-extern sp<ISensors> g_aidlSensors;
-extern sp<IQXPower> g_aidlPower;
-extern sp<ILight> g_aidlLight;
-extern sp<ICameraFactory> g_aidlCameraFactory;
-extern sp<IRadioenhance> g_aidlRadioEnhance;
-extern sp<IDisplayFactory> g_aidlDisplayFactory;
-extern sp<IZtChipSrvHertz> g_aidlChipSrvInterface;
-extern sp<IZtsimradio> g_aidlSim;
-extern sp<IZtChipSrvSat> g_aidlChipSat;
+// Touched through common/held.h only: filled by the connectors, emptied by the teardown.
+#define SERVICE(connector, query, Interface, global, ...) extern sp<Interface> global;
+#include "aidl/services.inc"
 
 extern std::shared_ptr<IFingerprint> g_aidlFingerprint;
 extern std::shared_ptr<ISession> g_aidlFingerprintSession;
@@ -74,9 +63,8 @@ extern std::shared_ptr<ISessionCallback> g_aidlFingerprintSessionCallback;
 
 extern sp<DeathNotifier> g_deathNotifier;
 
-/** The service, or null after the line when it is absent. */
-void Hold(const sp<android::IInterface>& global, const char* nullText,
-          sp<android::IInterface>* service);
+/** What the teardown and the connectors took out, until it may go. */
+extern kalvorn::held::Retired<android::IInterface> g_retired;
 
 /**
  * The service as an operation uses it: read once and held for the length of the call, so that a
@@ -84,16 +72,22 @@ void Hold(const sp<android::IInterface>& global, const char* nullText,
  */
 template <typename Interface>
 sp<Interface> Held(const sp<Interface>& global, const char* nullText) {
-    sp<Interface> service;
-    Hold(held::As<android::IInterface>(global), nullText, held::As<android::IInterface>(&service));
+    sp<Interface> service = kalvorn::held::Copy(global);
+    if (service == nullptr) KV_LOGE("%s", nullText);
     return service;
 }
 
 /** The same for the factory service, which serves more than half of the operations. */
 sp<IQxFactoryInterface> HeldFactory();
 
-/** Undo the death link of a service, and of the fingerprint session. */
+/** The one notifier of all services, made on first need. */
+const sp<DeathNotifier>& Notifier();
+
+/** Undoes the death link of a service. */
 void Unlink(const sp<android::IBinder>& binder);
+
+/** The same link of the fingerprint session, made (false when it is refused) and undone. */
+bool LinkSession(const std::shared_ptr<ISession>& session);
 void UnlinkSession(const std::shared_ptr<ISession>& session);
 
 /** Callback of the fingerprint session's death recipient; the cookie is not looked at. */

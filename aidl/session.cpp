@@ -8,6 +8,8 @@
 #include "common/qrcode_info.h"
 #include "common/service_constants.h"
 
+using namespace kalvorn;
+
 namespace {
 
 // The characters without their terminator.

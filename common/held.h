@@ -14,17 +14,23 @@
  * pointer that an android::sp consists of, for an sp has none of its own, and the globals are
  * touched through these functions alone.
  *
- *     connector   if (!Publish(&global, service)) ...   another connector was first
- *                 link; if (!MarkLinked(&global, service)) unlink
- *     teardown    Taken taken = Take(&global); if (taken.linked) unlink; Retire(taken.service)
- *                 ... LetGoOfRetired()
+ *     connector   link; if (!Publish(&global, service)) unlink ...   another connector was first
+ *                 is it still alive? if not: TakeBack(&global, service)
+ *     teardown    sp service = Take(&global); unlink; retired.Add(service, &global)
  *     operation   sp service = Copy(global)
  *
- * A connector publishes before it links, so that the notice of a link always finds the service. Of
- * a service that is taken in between the connector, not the teardown, undoes the link: there is one
- * unlink for each link, after it, whoever came first, and a held service at rest has exactly one.
+ * A connector links before it publishes, so whoever takes a service has a link to undo; and it asks
+ * afterwards whether the service lives, because the notice of a death in between found nothing to
+ * take. Each look-up gives an object of its own, whose address therefore names one publication.
  */
 namespace kalvorn::held {
+
+/** Kept until the process is gone: at exit other threads still use it. */
+#ifdef __clang__
+#define KALVORN_NEVER_DESTROYED [[clang::no_destroy]]
+#else
+#define KALVORN_NEVER_DESTROYED
+#endif
 
 namespace internal {
 
@@ -41,18 +47,9 @@ Word* WordIn(const android::sp<T>& global) {
 }
 
 template <typename T>
-Word WordOf(T* service) {
-    return reinterpret_cast<Word>(service);
-}
-
-/** Set in the pointer of a published service whose link is still to be made; no address has it. */
-constexpr Word kUnlinked = 1;
-
-template <typename T>
-T* ServiceIn(Word word) {
-    static_assert(alignof(T) > kUnlinked, "the mark needs a bit that no address has set");
+T* ObjectIn(Word word) {
     // NOLINTNEXTLINE(performance-no-int-to-ptr): it was a pointer
-    return reinterpret_cast<T*>(word & ~kUnlinked);
+    return reinterpret_cast<T*>(word);
 }
 
 inline bool Replace(Word* global, Word expected, Word desired) {
@@ -60,13 +57,31 @@ inline bool Replace(Word* global, Word expected, Word desired) {
                                        __ATOMIC_SEQ_CST, __ATOMIC_SEQ_CST);
 }
 
-/** Stores the word, with a reference of the global's own to the object, if the global is empty. */
-bool Fill(Word* global, const android::RefBase* object, Word word);
+/** Stores the pointer, with a reference of the global's own to the object, if the global is empty.
+ */
+bool Fill(Word* global, const android::RefBase* object, Word pointer);
 
-/** Between reading a global and counting the reference: what is taken meanwhile must stay. */
-extern std::atomic<int> g_copiesUnderWay;
+extern std::atomic<int> g_readers;
 
 }  // namespace internal
+
+/** While it lives, what its thread has read from a global is not let go. */
+class Reading {
+  public:
+    Reading() { internal::g_readers.fetch_add(1, std::memory_order_seq_cst); }
+    ~Reading() { internal::g_readers.fetch_sub(1, std::memory_order_release); }
+    Reading(const Reading&) = delete;
+    Reading& operator=(const Reading&) = delete;
+};
+
+/**
+ * Whether anybody may use what was taken from its global before. Whoever begins to read from here
+ * on finds the global empty, or filled anew.
+ */
+inline bool IsBeingRead() {
+    std::atomic_thread_fence(std::memory_order_seq_cst);
+    return internal::g_readers.load(std::memory_order_seq_cst) != 0;
+}
 
 /** Whether what holds for any service can be done to the interface as to its base class. */
 template <typename Base, typename Interface>
@@ -83,11 +98,6 @@ android::sp<Base>* As(android::sp<Interface>* global) {
     return reinterpret_cast<android::sp<Base>*>(global);
 }
 
-template <typename Base, typename Interface>
-const android::sp<Base>& As(const android::sp<Interface>& global) {
-    return *As<Base>(const_cast<android::sp<Interface>*>(&global));
-}
-
 template <typename T>
 bool IsHeld(const android::sp<T>& global) {
     return __atomic_load_n(internal::WordIn(global), __ATOMIC_SEQ_CST) != 0;
@@ -96,69 +106,95 @@ bool IsHeld(const android::sp<T>& global) {
 /** A reference of the caller's own, whatever happens to the global meanwhile; null when empty. */
 template <typename T>
 android::sp<T> Copy(const android::sp<T>& global) {
-    internal::g_copiesUnderWay.fetch_add(1, std::memory_order_seq_cst);
-    android::sp<T> copy(
-            internal::ServiceIn<T>(__atomic_load_n(internal::WordIn(global), __ATOMIC_SEQ_CST)));
-    internal::g_copiesUnderWay.fetch_sub(1, std::memory_order_release);
-    return copy;
+    const Reading reading;
+    return android::sp<T>(
+            internal::ObjectIn<T>(__atomic_load_n(internal::WordIn(global), __ATOMIC_SEQ_CST)));
 }
 
 /** Puts the service, not null, into an empty global. False when another one stands there. */
 template <typename T>
 bool Publish(android::sp<T>* global, const android::sp<T>& service) {
     return internal::Fill(internal::WordIn(*global), service.get(),
-                          internal::WordOf(service.get()) | internal::kUnlinked);
+                          reinterpret_cast<internal::Word>(service.get()));
 }
-
-/** False when the service was taken before: its link is the caller's to undo. */
-template <typename T>
-bool MarkLinked(android::sp<T>* global, const android::sp<T>& service) {
-    const internal::Word word = internal::WordOf(service.get());
-    return internal::Replace(internal::WordIn(*global), word | internal::kUnlinked, word);
-}
-
-template <typename T>
-struct Taken {
-    android::sp<T> service;
-    bool linked;
-};
 
 /** Empties the global; of several callers at once one gets the service, the others null. */
 template <typename T>
-Taken<T> Take(android::sp<T>* global) {
-    const internal::Word word = __atomic_exchange_n(internal::WordIn(*global), 0, __ATOMIC_SEQ_CST);
-    Taken<T> taken{internal::ServiceIn<T>(word), (word & internal::kUnlinked) == 0};
-    if (taken.service != nullptr) taken.service->decStrong(global);
+android::sp<T> Take(android::sp<T>* global) {
+    android::sp<T> taken(internal::ObjectIn<T>(
+            __atomic_exchange_n(internal::WordIn(*global), 0, __ATOMIC_SEQ_CST)));
+    if (taken != nullptr) taken->decStrong(global);
     return taken;
 }
 
-/** Empties the global of a service that was published and not marked as linked; see Take. */
+/** Empties the global of this service. False when it is empty or another one stands there. */
 template <typename T>
 bool TakeBack(android::sp<T>* global, const android::sp<T>& service) {
-    const internal::Word word = internal::WordOf(service.get()) | internal::kUnlinked;
-    if (!internal::Replace(internal::WordIn(*global), word, 0)) return false;
+    const auto pointer = reinterpret_cast<internal::Word>(service.get());
+    if (!internal::Replace(internal::WordIn(*global), pointer, 0)) return false;
     service->decStrong(global);
     return true;
 }
-
-/** Keeps what was taken for LetGoOfRetired. */
-void Retire(const android::sp<android::RefBase>& service);
-
-/**
- * Drops what was retired if no copy is under way at this moment; otherwise it stays until a later
- * call finds none. Nobody waits.
- */
-void LetGoOfRetired();
 
 /** What is made on first need and stays: the one that all callers share. */
 template <typename T, typename... Args>
 const android::sp<T>& MadeOnce(android::sp<T>* global, Args... args) {
     if (!IsHeld(*global)) {
         const android::sp<T> made = new T(args...);
-        internal::Fill(internal::WordIn(*global), made.get(), internal::WordOf(made.get()));
+        internal::Fill(internal::WordIn(*global), made.get(),
+                       reinterpret_cast<internal::Word>(made.get()));
     }
     return *global;
 }
+
+/** Services that were taken from their globals, until they may go. Nobody ever waits here. */
+template <typename T>
+class Retired {
+  public:
+    /** Keeps the service, which the global has held or was to hold. */
+    void Add(const android::sp<T>& service, const android::sp<T>* global) {
+        Push(new Entry{service, global, nullptr});
+    }
+
+    /**
+     * Drops the services for which mayGo(service, global) is true. The others stay for a later
+     * call, and so do all while a copy is being made.
+     */
+    template <typename MayGo>
+    void LetGo(MayGo mayGo) {
+        Entry* all = mEntries.exchange(nullptr);
+        const bool isBeingRead = IsBeingRead();
+        while (all != nullptr) {
+            Entry* const entry = all;
+            all = entry->next;
+            if (isBeingRead || !mayGo(entry->service, *entry->global)) {
+                Push(entry);
+            } else {
+                delete entry;
+            }
+        }
+    }
+
+    void LetGoOfAll() {
+        LetGo([](const android::sp<T>&, const android::sp<T>&) { return true; });
+    }
+
+  private:
+    struct Entry {
+        const android::sp<T> service;
+        const android::sp<T>* const global;
+        Entry* next;
+    };
+
+    // Entries are added one by one, and removed all at once.
+    void Push(Entry* entry) {
+        entry->next = mEntries.load();
+        while (!mEntries.compare_exchange_weak(entry->next, entry)) {
+        }
+    }
+
+    std::atomic<Entry*> mEntries{nullptr};
+};
 
 // The same for shared pointers, by the atomic operations that the standard library has for them.
 // The address of the object is the identity of its link, so an unlink cannot hit another's.
@@ -182,6 +218,11 @@ bool Publish(std::shared_ptr<T>* global, const std::shared_ptr<T>& service) {
 template <typename T>
 std::shared_ptr<T> Take(std::shared_ptr<T>* global) {
     return std::atomic_exchange(global, std::shared_ptr<T>());
+}
+
+template <typename T>
+bool TakeBack(std::shared_ptr<T>* global, std::shared_ptr<T> service) {
+    return std::atomic_compare_exchange_strong(global, &service, std::shared_ptr<T>());
 }
 
 }  // namespace kalvorn::held

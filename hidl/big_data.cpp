@@ -3,6 +3,8 @@
 #include "common/failure.h"
 #include "hidl/services.h"
 
+using namespace kalvorn;
+
 using vendor::zantor::hardware::qxfactoryinterface::V1_0::FmdCmdData;
 using vendor::zantor::hardware::qxfactoryinterface::V1_0::FmdMsg;
 

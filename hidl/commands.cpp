@@ -3,6 +3,8 @@
 #include "common/service_constants.h"
 #include "hidl/services.h"
 
+using namespace kalvorn;
+
 jstring native_hidl::NativeSetCommand(JNIEnv* env, jobject, jstring first, jstring second) {
     const auto factory = HeldFactory();
     if (factory == nullptr) return InvalidService(env);

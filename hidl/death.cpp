@@ -1,61 +1,63 @@
 #include "hidl/services.h"
 
+using namespace kalvorn;
+
 namespace native_hidl {
 
 namespace {
 
 void Release(sp<IBase>* global) {
-    const held::Taken<IBase> taken = held::Take(global);
-    if (taken.service == nullptr) return;
-    if (taken.linked) DropStatus(taken.service->unlinkToDeath(g_hidlUtil));
-    held::Retire(taken.service);
+    const sp<IBase> service = held::Take(global);
+    if (service == nullptr) return;
+    Unlink(service);
+    g_retired.Add(service, global);
 }
 
-template <typename Interface>
-void Release(sp<Interface>* global) {
-    Release(held::As<IBase>(global));
+void ReleaseAll() {
+#define SERVICE(connector, Interface, global, ...) Release(held::As<IBase>(&global));
+#include "hidl/services.inc"
 }
+
+void Exit() {
+    KV_LOGD("ExitKvManager by hidl");
+    ReleaseAll();
+}
+
+/** At exit HIDL threads may still be connecting: what they fill later stays. */
+const struct ReleaseAtExit {
+    ~ReleaseAtExit() {
+        ReleaseAll();
+        g_retired.LetGoOfAll();
+    }
+} g_releaseAtExit;
 
 }  // namespace
 
-// Whichever service died, all are released; the next registration connects them again.
+void Unlink(const sp<IBase>& service) {
+    DropStatus(service->unlinkToDeath(g_hidlUtil));
+}
+
+// Whichever service died, all are released; the next registration connects them again. What was
+// released stays until then: the last reference to a living service's proxy would clear also a link
+// that is made meanwhile.
 void ProcessServiceDied(uint64_t cookie, const android::wp<IBase>& /* who */) {
     KV_LOGW("enter into ProcessServiceDied, cookie is:%llu",
             static_cast<unsigned long long>(cookie));
-    ExitKvManager();
+    Exit();
 }
 
 void ReinitHal(const hidl_string& fqName, const hidl_string& name, bool preexisting) {
     KV_LOGW("enter into ReinitHal, fqName:%s, name:%s, preexisting:%d", fqName.c_str(),
             name.c_str(), preexisting);
     if (preexisting) return;
-    InitFactoryInterface();
-    InitDisplayService();
-    InitTouchScreen();
-    InitSensors();
-    InitPower();
-    InitLight();
-    InitCameraFactory();
-    InitRadioEnhance();
-    InitDisplayFactory();
-    InitFingerprintService();
-    InitChipSrvInterface();
+#define SERVICE(connector, ...) connector();
+#include "hidl/services.inc"
+    g_retired.LetGoOfAll();
 }
 
 void ExitKvManager() {
-    KV_LOGD("ExitKvManager by hidl");
-    Release(&g_qxFactoryInterface);
-    Release(&g_displayService);
-    Release(&g_touchscreen);
-    Release(&g_sensors);
-    Release(&g_Power);
-    Release(&g_light);
-    Release(&g_cameraFactory);
-    Release(&g_radioenhance);
-    Release(&g_displayFactory);
-    Release(&g_qxFingerprint);
-    Release(&g_ztChipSrvInterface);
-    held::LetGoOfRetired();
+    Exit();
+    g_retired.LetGoOfAll();
 }
 
 }  // namespace native_hidl

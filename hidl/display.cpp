@@ -4,6 +4,8 @@
 #include "common/service_constants.h"
 #include "hidl/services.h"
 
+using namespace kalvorn;
+
 using vendor::zantor::hardware::qxdisplay::displayfactory::V1_0::DISPLAY_FACT_RET;
 using vendor::zantor::hardware::qxdisplay::V1_0::DISPLAY_RET;
 

@@ -7,6 +7,8 @@
 #include "common/service_constants.h"
 #include "hidl/services.h"
 
+using namespace kalvorn;
+
 using android::hardware::hidl_vec;
 
 // intended: every line at error priority, progress included, and "SendCmd" and "SetCmd" by turns.

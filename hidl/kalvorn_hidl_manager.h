@@ -19,17 +19,8 @@ namespace native_hidl {
  * Connectors. A declared service is waited for; an undeclared one is given up at once. A service
  * already held, or connected by another thread meanwhile, is kept and not linked to death again.
  */
-void InitFactoryInterface();
-void InitDisplayService();
-void InitTouchScreen();
-void InitSensors();
-void InitPower();
-void InitLight();
-void InitCameraFactory();
-void InitRadioEnhance();
-void InitDisplayFactory();
-void InitFingerprintService();
-void InitChipSrvInterface();
+#define SERVICE(connector, ...) void connector();
+#include "hidl/services.inc"
 
 /** Unlinks and releases every service; the watcher stays, and can bring them back. */
 void ExitKvManager();

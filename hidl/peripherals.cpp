@@ -2,6 +2,8 @@
 #include "common/java_values.h"
 #include "hidl/services.h"
 
+using namespace kalvorn;
+
 using android::hardware::hidl_vec;
 
 int native_hidl::GetCapacitanceTestResult(JNIEnv*, jobject, int id) {

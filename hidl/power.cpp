@@ -2,6 +2,8 @@
 #include "common/java_values.h"
 #include "hidl/services.h"
 
+using namespace kalvorn;
+
 int native_hidl::KvPowerTest(JNIEnv* env, jobject, jstring testScene, jstring testTimes,
                              jstring maxLimit, jstring minLimit) {
     const auto power = Held(g_Power, "g_qxPower is null");

@@ -2,6 +2,8 @@
 #include "common/java_values.h"
 #include "hidl/services.h"
 
+using namespace kalvorn;
+
 jstring native_hidl::StartHertzTest(JNIEnv* env, jobject) {
     const auto chip = Held(g_ztChipSrvInterface, "g_ztChipSrvInterface is null");
     if (chip == nullptr) return InvalidService(env);

@@ -6,6 +6,8 @@
 #include "common/service_constants.h"
 #include "hidl/services.h"
 
+using namespace kalvorn;
+
 jstring native_hidl::SocTest(JNIEnv* env, jobject, jstring testScene, jstring para) {
     const auto factory = HeldFactory();
     if (factory == nullptr) return InvalidService(env);

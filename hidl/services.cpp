@@ -2,14 +2,9 @@
 
 #include <string.h>
 
-#include <new>
+using namespace kalvorn;
 
 namespace native_hidl {
-
-void Hold(const sp<IBase>& global, const char* nullText, sp<IBase>* service) {
-    new (service) sp<IBase>(held::Copy(global));  // in the place of a null one
-    if (*service == nullptr) KV_LOGE("%s", nullText);
-}
 
 sp<IQxFactoryInterface> HeldFactory() {
     return Held(g_qxFactoryInterface, "g_qxFactoryInterface is null");

@@ -28,7 +28,6 @@
 
 namespace native_hidl {
 
-using namespace kalvorn;
 using android::sp;
 using android::hardware::hidl_string;
 using android::hardware::Return;
@@ -49,23 +48,14 @@ using IDisplayV1_1 = vendor::zantor::hardware::qxdisplay::V1_1::IDisplay;
 using IQxFactoryInterfaceV1_1 =
         vendor::zantor::hardware::qxfactoryinterface::V1_1::IQxFactoryInterface;
 
-// Touched through common/held.h only: filled by the connectors, emptied by ExitKvManager.
-extern sp<IQxFactoryInterface> g_qxFactoryInterface;
-extern sp<IDisplay> g_displayService;
-extern sp<IDisplayFactory> g_displayFactory;
-extern sp<ITouchscreen> g_touchscreen;
-extern sp<ISensors> g_sensors;
-extern sp<IQXPower> g_Power;
-extern sp<ICameraFactory> g_cameraFactory;
-extern sp<ILight> g_light;
-extern sp<IRadioenhance> g_radioenhance;
-extern sp<IExtBiometricsFingerprint> g_qxFingerprint;
-extern sp<IZtChipSrvInterface> g_ztChipSrvInterface;
+// Touched through common/held.h only: filled by the connectors, emptied by the teardown.
+#define SERVICE(connector, Interface, global, ...) extern sp<Interface> global;
+#include "hidl/services.inc"
 
 extern sp<android::HidlUtil> g_hidlUtil;
 
-/** The service, or null after the line when it is absent. */
-void Hold(const sp<IBase>& global, const char* nullText, sp<IBase>* service);
+/** What the teardown and the connectors took out, until it may go. */
+extern kalvorn::held::Retired<IBase> g_retired;
 
 /**
  * The service as an operation uses it: read once and held for the length of the call, so that a
@@ -73,8 +63,8 @@ void Hold(const sp<IBase>& global, const char* nullText, sp<IBase>* service);
  */
 template <typename Interface>
 sp<Interface> Held(const sp<Interface>& global, const char* nullText) {
-    sp<Interface> service;
-    Hold(held::As<IBase>(global), nullText, held::As<IBase>(&service));
+    sp<Interface> service = kalvorn::held::Copy(global);
+    if (service == nullptr) KV_LOGE("%s", nullText);
     return service;
 }
 
@@ -84,7 +74,7 @@ sp<IQxFactoryInterface> HeldFactory();
 /** The service in a newer revision, asked for on every call; null when it is absent or older. */
 template <typename Newer, typename Interface>
 sp<Newer> CastTo(const sp<Interface>& global) {
-    return Newer::castFrom(held::Copy(held::As<IBase>(global)));
+    return Newer::castFrom(kalvorn::held::Copy(global));
 }
 
 /**
@@ -95,6 +85,9 @@ template <typename T>
 void DropStatus(const Return<T>& status) {
     (void)status.isOk();
 }
+
+/** Undoes the death link of a service. */
+void Unlink(const sp<IBase>& service);
 
 /** The result callback of the read-style methods: copies both values to where the presets stand. */
 std::function<void(int32_t, const hidl_string&)> StoreIn(int32_t* code, hidl_string* text);

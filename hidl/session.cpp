@@ -4,6 +4,8 @@
 #include "common/service_constants.h"
 #include "hidl/services.h"
 
+using namespace kalvorn;
+
 // intended: "Kv" here, "KV" over AIDL, and the line comes before the service is looked at.
 int native_hidl::KvSetTestCycle(JNIEnv*, jobject, int stationId, int cycle) {
     KV_LOGD("KvSetTestCycle, stationID = %d cycle = %d\n", stationId, cycle);

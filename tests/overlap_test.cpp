@@ -1,6 +1,7 @@
 // Notices, connectors and calls at the same moment, a step at a time: what a hook in the log does
 // between two lines is what another thread may do there.
 #include <binder_host.h>
+#include <hidl/hidl_host.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -27,55 +28,125 @@ class OverlapTest : public LibraryTest {
             if (logged == line && !std::exchange(*done, true)) action();
         });
     }
-
-    /** Counts the lines of that text; to be used before they can come. */
-    static std::shared_ptr<std::atomic<int>> CountOf(const std::string& line) {
-        auto count = std::make_shared<std::atomic<int>>(0);
-        OnLine([=](const std::string& logged) { *count += logged == line ? 1 : 0; });
-        return count;
-    }
-
-    static void Await(const std::atomic<int>& count, int least) {
-        while (count < least) std::this_thread::yield();
-    }
 };
 
-// The connector has published and not yet linked when a teardown takes the service from it.
-// Somebody holds the proxy besides, so its links do not end with it.
-TEST_F(OverlapTest, ATeardownBeforeTheLinkLeavesNoLink) {
-    android::sp<native_aidl::ILight> light;
-    std::shared_ptr<native_aidl::ISession> session;
+/** Something done once, at the next call of a hook. */
+std::function<void()> Once(const std::function<void()>& action) {
+    const auto done = std::make_shared<std::atomic<bool>>(false);
+    return [=] {
+        if (!done->exchange(true)) action();
+    };
+}
+
+// The notice comes between the link and the publication, when there is nothing to take yet, and the
+// successor is registered before the connector goes on.
+TEST_F(OverlapTest, ADeathBeforeThePublicationIsHeardOf) {
     const struct {
         Backend backend;
-        const char* service;
-        const char* line;
-        std::function<void()> takeCopy;
-        void (*teardown)();
+        void (*onLink)(std::function<void()> hook);
         void (*connect)();
-    } cases[] = {
-            {kAidl, "light", "I g_aidlLight linkToDeath",
-             [&] { light = held::Copy(native_aidl::g_aidlLight); }, native_aidl::ExitKvManager,
-             [] { native_aidl::InitLight(); }},
-            {kAidl, "fingerprint", "I g_aidlFingerprintSession linkToDeath",
-             [&] { session = held::Copy(native_aidl::g_aidlFingerprintSession); },
-             native_aidl::ExitKvManager, [] { native_aidl::InitFingerprintService(); }},
-            {kHidl, "light", "D g_light linkToDeath", [] {}, native_hidl::ExitKvManager,
-             native_hidl::InitLight},
-    };
+    } cases[] = {{kAidl, host::OnLink, [] { native_aidl::InitLight(); }},
+                 {kHidl, host::OnHidlLink, native_hidl::InitLight}};
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.line);
-        device.Start(c.backend, c.service);
-        After(c.line, [&] {
-            c.takeCopy();
-            c.teardown();
-        });
+        SCOPED_TRACE(c.backend == kAidl ? "aidl" : "hidl");
+        device.Start(c.backend, "light");
+        c.onLink(Once([&] {
+            device.At(c.backend, "light").Kill();
+            ASSERT_TRUE(Device::AwaitHeard(5000));
+            device.Start(c.backend, "light");
+        }));
         c.connect();
-        EXPECT_EQ(0u, device.DeathLinks(c.backend, c.service));
-        c.connect();
-        EXPECT_EQ(1u, device.DeathLinks(c.backend, c.service)) << "the teardown had emptied it";
-        c.teardown();
-        EXPECT_EQ(0u, device.DeathLinks(c.backend, c.service));
+        c.onLink(nullptr);
+        ASSERT_TRUE(Device::Settle());
+        EXPECT_EQ(1u, device.DeathLinks(c.backend, "light"));
     }
+}
+
+// The service that is found dies before it is linked, and its successor comes at once. On the HIDL
+// thread the notice of that death waits behind the registration of the successor.
+TEST_F(OverlapTest, AServiceThatDiesBeforeItIsLinkedIsNotHeld) {
+    const auto dieAndComeBack = [&](Backend backend, const char* service) {
+        device.At(backend, service).Kill();
+        device.Start(backend, service);
+    };
+    LoadWith(kHidl, "light");
+    device.At(kHidl, "light").Kill();
+    ASSERT_TRUE(Device::Settle());
+    After("D g_light linkToDeath", [&] { dieAndComeBack(kHidl, "light"); });
+    device.Start(kHidl, "light");
+    ASSERT_TRUE(Device::Settle());
+    EXPECT_EQ(1u, device.DeathLinks(kHidl, "light"));
+
+    // A link that somebody else has made brings the obituary out, after which there are no links.
+    LoadWith(kHidl, "");
+    device.Start(kHidl, "touch");
+    After("D g_touchscreen linkToDeath", [&] {
+        const auto dying = native_hidl::ITouchscreen::getService("default");
+        const android::sp<android::HidlUtil> other =
+                new android::HidlUtil([](uint64_t, const auto&) {}, nullptr);
+        EXPECT_TRUE(dying->linkToDeath(other, 0));
+        device.At(kHidl, "touch").Kill();
+        ASSERT_TRUE(Device::Settle());
+        device.Start(kHidl, "touch");
+    });
+    native_hidl::InitTouchScreen();
+    ASSERT_TRUE(Device::Settle());
+    EXPECT_EQ(1u, device.DeathLinks(kHidl, "touch"));
+
+    LoadWith(kAidl, "");
+    device.Start(kAidl, "fingerprint");
+    After("I g_aidlFingerprintSession linkToDeath", [&] { dieAndComeBack(kAidl, "fingerprint"); });
+    EXPECT_EQ(1, native_aidl::InitFingerprintService());
+    ASSERT_TRUE(Device::Settle());
+    EXPECT_EQ(1u, device.DeathLinks(kAidl, "fingerprint"));
+}
+
+// A dying process opens no session, which must not be taken for the refusal of a living one.
+TEST_F(OverlapTest, AServiceThatDiesWhenAskedForASessionIsAskedAnew) {
+    device.Start(kAidl, "fingerprint");
+    device.OnCall(Once([&] {
+        device.At(kAidl, "fingerprint").Kill();
+        device.Start(kAidl, "fingerprint");
+    }));
+    TakeLog();
+    EXPECT_EQ(1, native_aidl::InitFingerprintService());
+    EXPECT_EQ((std::vector<std::string>{"I InitAidlFingerprintService",
+                                        "I g_aidlFingerprintSession linkToDeath"}),
+              TakeLog());
+    EXPECT_EQ(1u, device.DeathLinks(kAidl, "fingerprint"));
+}
+
+// A living service is released because another one has died. Were its last reference let go while
+// somebody looks it up, libbinder would clear the link that he makes.
+TEST_F(OverlapTest, ALivingServiceIsNotLetGoWhileItIsLookedUp) {
+    LoadWithProfile("aidl");
+    host::OnLastReference(Once([] { Unnoticed([] { native_aidl::InitLight(); }); }));
+    device.At(kAidl, "power").Kill();
+    device.Start(kAidl, "power");
+    ASSERT_TRUE(Device::Settle());
+    host::OnLastReference(nullptr);
+    for (const std::string& service : Device::Services()) {
+        EXPECT_EQ(1u, device.DeathLinks(kAidl, service)) << service;
+    }
+}
+
+// A proxy on which one call has broken off serves no more, though its service lives. It goes with
+// the next death of any service.
+TEST_F(OverlapTest, AProxyOfNoUseDoesNotOutlastADeath) {
+    LoadWithProfile("aidl");
+    const auto setLed = [] { return java::Call("nativeSetLedAlwaysOnStatus", {1, 2}); };
+    device.Script("set_led_alwayson_status", Fault::kDeadObject);
+    setLed();
+    device.TakeCalls();
+    setLed();
+    EXPECT_EQ(std::vector<std::string>{}, device.TakeCalls()) << "the proxy takes it for dead";
+    device.At(kAidl, "power").Kill();
+    device.Start(kAidl, "power");
+    ASSERT_TRUE(Device::Settle());
+    device.TakeCalls();
+    setLed();
+    EXPECT_EQ(std::vector<std::string>{"aidl light.set_led_alwayson_status(1, 2)"},
+              device.TakeCalls());
 }
 
 // Two restarts wait for the same service; the one that comes second finds it connected.
@@ -121,13 +192,13 @@ TEST_F(OverlapTest, OfTwoConnectorsOneConnects) {
 TEST_F(OverlapTest, WhatIsTakenStaysWhileACopyIsUnderWay) {
     LoadWith(kAidl, "light");
     const android::wp<native_aidl::ILight> light = native_aidl::g_aidlLight;
-    held::internal::g_copiesUnderWay++;
+    auto reading = std::make_unique<held::Reading>();
     native_aidl::ExitKvManager();
     native_aidl::ExitKvManager();
     EXPECT_FALSE(held::IsHeld(native_aidl::g_aidlLight));
     EXPECT_NE(nullptr, light.promote());
-    held::internal::g_copiesUnderWay--;
-    native_hidl::ExitKvManager();
+    reading = nullptr;
+    native_aidl::ExitKvManager();
     EXPECT_EQ(nullptr, light.promote()) << "any later teardown lets go";
 }
 
@@ -136,10 +207,10 @@ TEST_F(OverlapTest, WhatIsTakenStaysWhileACopyIsUnderWay) {
 TEST_F(OverlapTest, ADeadProxyIsNotTakenForTheService) {
     LoadWith(kAidl, "light");
     const auto dieAndComeBack = [&] {
-        const auto links = CountOf("I g_aidlLight linkToDeath");
         KeepDeadNames(true);
+        const size_t before = host::LookUpCount();
         device.At(kAidl, "light").Kill();
-        Await(*links, 3);
+        while (host::LookUpCount() < before + 3) std::this_thread::yield();
         KeepDeadNames(false);
         device.Start(kAidl, "light");
     };
