@@ -14,19 +14,11 @@ namespace {
 // The lines of the two connectors tell which backend it got.
 void ConnectServices() {
     KV_LOGE("InitKvNativeManager");
-    if (native_aidl::InitFactoryInterface() == 0) native_hidl::InitFactoryInterface();
-    if (native_aidl::InitDisplayService() == 0) native_hidl::InitDisplayService();
-    if (native_aidl::InitTouchScreen() == 0) native_hidl::InitTouchScreen();
-    if (native_aidl::InitSensors() == 0) native_hidl::InitSensors();
-    if (native_aidl::InitPower() == 0) native_hidl::InitPower();
-    if (native_aidl::InitLight() == 0) native_hidl::InitLight();
-    if (native_aidl::InitCameraFactory() == 0) native_hidl::InitCameraFactory();
-    if (native_aidl::InitRadioEnhance() == 0) native_hidl::InitRadioEnhance();
-    if (native_aidl::InitDisplayFactory() == 0) native_hidl::InitDisplayFactory();
-    if (native_aidl::InitFingerprintService() == 0) native_hidl::InitFingerprintService();
-    if (native_aidl::InitChipSrvInterface() == 0) native_hidl::InitChipSrvInterface();
-    native_aidl::InitSimService();
-    native_aidl::InitChipSrvSat();
+#define SERVICE(connector, ...) \
+    if (native_aidl::connector() == 0) native_hidl::connector();
+#define FINGERPRINT(connector, query) SERVICE(connector)
+#define ONLY_OVER_AIDL(connector, ...) native_aidl::connector();
+#include "aidl/services.inc"
 }
 
 // A Java exception of FindClass or RegisterNatives is left pending for the virtual machine.

@@ -58,35 +58,11 @@ check_services() {
         "Device::Services() in simulator/device.cpp has no"
 }
 
-check_connectors() {
-    local connectors
-    connectors=$(names '^int Init[A-Za-z]+\(' aidl/kalvorn_aidl_manager.h)
-    every "$connectors" "$(names 'native_aidl::Init[A-Za-z]+\(' jni/library.cpp)" \
-        "ConnectServices() in jni/library.cpp does not call native_aidl's"
-    every "$connectors" "$(names '\bInit[A-Za-z]+\(' aidl/death.cpp)" \
-        "RestartAidlService() in aidl/death.cpp does not call"
-    every "$(names '^extern sp<I[A-Za-z]+> g_[A-Za-z]+' aidl/services.h)" \
-        "$(names 'Release\(&g_[A-Za-z]+' aidl/death.cpp)" \
-        "ExitKvManager() in aidl/death.cpp does not release"
-
-    connectors=$(names '^void Init[A-Za-z]+\(' hidl/kalvorn_hidl_manager.h)
-    every "$connectors" "$(names 'native_hidl::Init[A-Za-z]+\(' jni/library.cpp)" \
-        "ConnectServices() in jni/library.cpp does not call native_hidl's"
-    every "$connectors" "$(names '\bInit[A-Za-z]+\(' hidl/death.cpp)" \
-        "ReinitHal() in hidl/death.cpp does not call"
-    every "$(names '^extern sp<I[A-Za-z]+> g_[A-Za-z]+' hidl/services.h)" \
-        "$(names 'Release\(&g_[A-Za-z]+' hidl/death.cpp)" \
-        "ExitKvManager() in hidl/death.cpp does not release"
-}
-
 # connected BACKEND: the C++ name of the interface and the instance, for each connector.
 connected() {
-    local global instance
-    tr -d '\n' <"$1/connections.cpp" | grep -oE 'Describe\( *&g_[A-Za-z]+, *"[a-z0-9_]+"' |
-        sed -E 's/.*&(g_[A-Za-z]+), *"([^"]+)"/\1 \2/' |
-        while read -r global instance; do
-            echo "$(interface "$1" "$(sed -nE "s/^extern sp<(I[A-Za-z]+)> $global;/\1/p" "$1/services.h")")/$instance"
-        done
+    local interface instance
+    sed -nE 's/^[A-Z_]+\(Init.* (I[A-Za-z]+), g_[A-Za-z]+, "([a-z0-9_]+)".*/\1 \2/p' "$1/services.inc" |
+        while read -r interface instance; do echo "$(interface "$1" "$interface")/$instance"; done
     # Connected by a function of its own, and to no instance but this.
     [ "$1" = hidl ] || echo "$(interface aidl IFingerprint)$(grep -oE '/default' aidl/fingerprint.cpp)"
 }
@@ -113,6 +89,5 @@ check_instance_names() {
 
 check_methods
 check_services
-check_connectors
 check_instance_names
 exit "$failed"
