@@ -8,8 +8,6 @@
 
 namespace {
 
-using Match = std::smatch;
-
 Lines SplitAt(const std::string& separator, const std::string& text) {
     Lines parts;
     for (size_t start = 0, at = 0; at != std::string::npos; start = at + separator.size()) {
@@ -81,7 +79,7 @@ void Entry::Add(const std::string& line, const std::string& where) {
     static const std::regex fact(
             " +((?:aidl |hidl )?(?:asks|returns|logs|broken|absent|fills|keeps))(?: +(.*))?");
     static const std::regex more(R"( +(\| .*))");
-    Match match;
+    std::smatch match;
     if (!mLast.empty() && std::regex_match(line, match, more)) {
         mFacts[mLast] += " " + match[1].str();
     } else if (!std::regex_match(line, match, fact)) {
@@ -104,7 +102,7 @@ Entry::Declared Entry::Declaration() const {
         std::ifstream file(KALVORN_SOURCE "/java/com/quorvin/kalvornii/KvNativeInterface.java");
         return std::string(std::istreambuf_iterator<char>(file), {});
     }();
-    Match match;
+    std::smatch match;
     const std::regex method(R"(native (\S+) )" + Method() + R"(\(([^)]*)\))");
     if (!std::regex_search(source, match, method)) Refuse("Java declares no " + Method());
     Declared declared{match[1], {}, {}};
@@ -120,23 +118,12 @@ Entry::Declared Entry::Declaration() const {
 
 /** They are quoted by '' where they have to be. */
 Lines Entry::Words(const std::string& text) const {
+    static const std::regex word("(?:'[^']*'|[^ '])+");
+    if (std::count(text.begin(), text.end(), '\'') % 2 != 0) Refuse("a quote is not closed");
     Lines words;
-    bool inQuotes = false;
-    bool inWord = false;
-    for (const char c : text) {
-        if (c == ' ' && !inQuotes) {
-            inWord = false;
-            continue;
-        }
-        if (c == '"' || c == '\\') Refuse("words are quoted by '' alone");
-        if (!std::exchange(inWord, true)) words.emplace_back();
-        if (c == '\'') {
-            inQuotes = !inQuotes;
-        } else {
-            words.back() += c;
-        }
+    for (std::sregex_iterator at(text.begin(), text.end(), word), end; at != end; ++at) {
+        words.push_back(std::regex_replace(at->str(), std::regex("'"), ""));
     }
-    if (inQuotes) Refuse("a quote is not closed");
     return words;
 }
 
@@ -181,7 +168,7 @@ std::string Entry::Result(const std::string& type, const std::string& text) cons
 void Entry::ReadAsks(const std::string& text, Sample::Side* side, std::string* service) const {
     static const std::regex ask(R"(([a-z_]+)\.(\w+\(.*\)) -> (.*))");
     for (const std::string& part : SplitAt(" | ", text)) {
-        Match match;
+        std::smatch match;
         if (!std::regex_match(part, match, ask)) Refuse("not what is asked: " + part);
         *service = match[1];
         side->asks.push_back(match[2]);
@@ -225,7 +212,7 @@ Sample Entry::Read() const {
     const Declared declared = Declaration();
     const std::string& type = declared.result;
     const std::string result = mCall.substr(equals + 3);
-    Sample sample{mWhere, "", Method(), {}, declared.names, "", 0, {}, {}};
+    Sample sample{mWhere, "", Method(), {}, declared.names, Result(type, result), "", 0, {}, {}};
     sample.absentResult = type == "String" ? "\"INVALID_SERVICE\""
                           : type == "int"  ? "-9999"
                                            : "{-9999, -9999}";

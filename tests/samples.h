@@ -29,6 +29,7 @@ struct Sample {
     Args args;
     /** The names of the arguments, in order. */
     Lines names;
+    std::string healthyResult;
     std::string absentResult;
     /** Texts that are not released, on purpose. */
     int keeps = 0;

@@ -14,8 +14,8 @@
 #include <thread>
 
 #include "aidl/services.h"
-#include "harness.h"
 #include "hidl/services.h"
+#include "samples.h"
 
 namespace {
 
@@ -112,35 +112,27 @@ TEST_F(StormTest, ProcessesDieTogether) {
 /** A call, and all that it may answer while services die: the last ones when its service is gone.
  */
 struct StormCall {
-    const char* method;
-    std::vector<java::Arg> args;
-    std::vector<std::string> answers;
+    std::string method;
+    Args args;
+    Lines answers;
 };
 
-const std::string kInvalid = "\"INVALID_SERVICE\"";
-
-const std::vector<StormCall> kAidlCalls = {
-        {"nativeGetTestResult", {7}, {"\"PASS\"", "\"\"", kInvalid}},
-        {"nativeLockOrReleaseBigCpu", {1}, {"0", "-1", "-9999"}},
-        {"nativeGetManufactureMode", {}, {"1", "-1", "-9999"}},
-        {"nativeGetSensorSelfTestResult", {1}, {"1", "0", "-9999"}},
-        {"nativeGetPowerState", {"charge"}, {"\"charging\"", "\"\"", kInvalid}},
-        {"sendCmdToFingerprintHalNative", {5, nullptr}, {"0", "-1", "-9999"}},
-        {"nativeSetTestItemName", {"a", "b"}, {"{0, 0}", "{0, -1}", "{-1, -1}", "{-9999, -9999}"}},
-        {"nativeSetLedAlwaysOnStatus", {1, 2}, {"0", "-9999"}},
-};
-
-// Over HIDL a returned value of a failed call ends the process, as the runtime wants it; these take
-// their results from callbacks.
-const std::vector<StormCall> kHidlCalls = {
-        {"nativeGetTestResult", {7}, {"\"PASS\"", "\"\"", kInvalid}},
-        {"nativeGetControlFlag", {4}, {"\"on\"", "\"\"", kInvalid}},
-        {"nativeGetSensorPara", {1, 2, 3, 4}, {"\"0.01,0.02,9.81\"", "\"\"", kInvalid}},
-        {"nativeGetPowerState", {"charge"}, {"\"charging\"", "\"\"", kInvalid}},
-        {"nativeStartHertzTest", {}, {"\"60-120\"", "\"\"", kInvalid}},
-        {"nativeGetCapacitanceTestResult", {1}, {"0", "-9999"}},
-        {"nativeGetBoardName", {}, {"\"KV-MAIN-V3\"", "\"\"", kInvalid}},
-};
+/**
+ * Those of the samples. Left out are what keeps texts, which would take much memory, and what ends
+ * the process when its call breaks off.
+ */
+std::vector<StormCall> CallsOver(Backend backend) {
+    std::vector<StormCall> calls;
+    for (const Sample& sample : Samples()) {
+        const Sample::Side& side = sample.On(backend);
+        if (!side.brokenResult || sample.keeps > 0) continue;
+        Lines answers{sample.healthyResult, *side.brokenResult, sample.absentResult};
+        // A service that dies in the first of two calls is dead in the second.
+        if (side.asks.size() > 1) answers.emplace_back("{0, -1}");
+        calls.push_back({sample.method, sample.args, answers});
+    }
+    return calls;
+}
 
 /**
  * Threads that call without pause, each through all calls again and again, and have met a service
@@ -148,7 +140,7 @@ const std::vector<StormCall> kHidlCalls = {
  */
 class Callers {
   public:
-    explicit Callers(const std::vector<StormCall>& calls) : mCalls(calls) {
+    explicit Callers(std::vector<StormCall> calls) : mCalls(std::move(calls)) {
         for (size_t i = 0; i < 8; i++) mThreads.emplace_back([this, i] { Run(i); });
         while (!mServed) std::this_thread::yield();
     }
@@ -168,7 +160,7 @@ class Callers {
         java::Vm()->DetachCurrentThread();
     }
 
-    const std::vector<StormCall>& mCalls;
+    const std::vector<StormCall> mCalls;
     std::atomic<bool> mStop{false};
     std::atomic<bool> mServed{false};
     std::vector<std::thread> mThreads;
@@ -179,12 +171,11 @@ TEST_F(StormTest, JavaCallsWhileServicesDie) {
         Backend backend;
         const char* profile;
         const char* grouping;
-        const std::vector<StormCall>& calls;
-    } cases[] = {{kAidl, "aidl", "each", kAidlCalls},
-                 {kAidl, "aidl", "device", kAidlCalls},
-                 {kAidl, "aidl", "one", kAidlCalls},
-                 {kHidl, "hidl", "each", kHidlCalls},
-                 {kHidl, "hidl", "one", kHidlCalls}};
+    } cases[] = {{kAidl, "aidl", "each"},
+                 {kAidl, "aidl", "device"},
+                 {kAidl, "aidl", "one"},
+                 {kHidl, "hidl", "each"},
+                 {kHidl, "hidl", "one"}};
     const int runs = g_long ? 20 : 1;
     const int deaths = g_long ? 200 : 50;
     for (const auto& c : cases) {
@@ -192,10 +183,9 @@ TEST_F(StormTest, JavaCallsWhileServicesDie) {
         SCOPED_TRACE(what);
         for (int run = 0; run < runs; run++) {
             ASSERT_NO_FATAL_FAILURE(Connect(c.profile, c.grouping));
-            device.results.Write(7, "PASS", {});
-            device.flags.Write(4, "on", {});
+            for (const Sample& sample : Samples()) java::Call(sample.method, sample.args);
             {
-                const Callers callers(c.calls);
+                const Callers callers(CallsOver(c.backend));
                 const char* const dying[] = {"factory", "sensors", "power", "fingerprint", "light"};
                 for (int death = 0; death < deaths; death++) Die(dying[death % std::size(dying)]);
             }
