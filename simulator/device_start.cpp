@@ -3,11 +3,13 @@
 #include <android/log.h>
 #include <stdlib.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <fstream>
+#include <functional>
 #include <mutex>
 #include <sstream>
 #include <string>
@@ -42,19 +44,14 @@ void Tell(const string& what) {
     fprintf(stderr, "simulated device: %s\n", what.c_str());
 }
 
-/** False when the device has no such service over that backend, or there is no such backend. */
-bool KillOrRestart(bool kill, const string& backendName, const string& service) {
+using Event = std::function<void()>;
+
+Event KillOrRestart(bool kill, const string& backendName, const string& service) {
     const Backend backend = backendName == "AIDL" ? Backend::kAidl : Backend::kHidl;
-    Device& device = Device::Get();
-    if ((backend == Backend::kHidl && backendName != "HIDL") || !device.Has(backend, service)) {
-        return false;
-    }
-    if (kill) {
-        device.At(backend, service).Kill();
-    } else {
-        Restart(backend, service);
-    }
-    return true;
+    if (backend == Backend::kHidl && backendName != "HIDL") return nullptr;
+    if (!Device::Get().Has(backend, service)) return nullptr;
+    if (kill) return [=] { Device::Get().At(backend, service).Kill(); };
+    return [=] { Restart(backend, service); };
 }
 
 bool Is(const Member& one, const Member& other) {
@@ -88,44 +85,74 @@ void AnnounceReleased(const std::vector<Member>& members) {
     }
 }
 
-bool KillOrRestartProcess(bool kill, const string& service) {
-    if (!Device::Get().Has(Backend::kAidl, service)) return false;
-    if (kill) {
-        Device::Get().KillProcess(service);
-    } else {
-        Device::Get().RestartProcess(service);
-    }
-    return true;
+Event KillOrRestartProcess(bool kill, const string& service) {
+    if (!Device::Get().Has(Backend::kAidl, service)) return nullptr;
+    if (kill) return [=] { Device::Get().KillProcess(service); };
+    return [=] { Device::Get().RestartProcess(service); };
 }
 
-/** One line of the events; false when it says nothing that can happen. */
-bool Happen(const string& line) {
+Event Wait(const string& number) {
+    char* end = nullptr;
+    const double seconds = strtod(number.c_str(), &end);
+    if (number.empty() || *end != '\0' || !(seconds >= 0)) return nullptr;
+    return [=] { std::this_thread::sleep_for(std::chrono::duration<double>(seconds)); };
+}
+
+/** What a line of the events says; null when that cannot happen. */
+Event EventOf(const string& line) {
     std::istringstream words(line);
     string what, first, second, more;
     words >> what >> first >> second >> more;
-    if (what.empty() || what[0] == '#') return true;
-    if (!more.empty()) return false;
-    if (what == "wait" && second.empty()) {
-        char* end = nullptr;
-        const double seconds = strtod(first.c_str(), &end);
-        if (first.empty() || *end != '\0' || !(seconds >= 0)) return false;
-        std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
-        return true;
+    if (what.empty() || what[0] == '#') return [] {};
+    if (!more.empty()) return nullptr;
+    if (what == "wait" && second.empty()) return Wait(first);
+    Event event;
+    if (what == "kill" || what == "restart") {
+        event = KillOrRestart(what == "kill", first, second);
+    } else if ((what == "kill-process" || what == "restart-process") && second.empty()) {
+        event = KillOrRestartProcess(what == "kill-process", first);
     }
-    __android_log_write(ANDROID_LOG_INFO, "SimulatedDevice", line.c_str());
-    if (what == "kill" || what == "restart") return KillOrRestart(what == "kill", first, second);
-    if (what != "kill-process" && what != "restart-process") return false;
-    return second.empty() && KillOrRestartProcess(what == "kill-process", first);
+    if (!event) return nullptr;
+    return [=] {
+        __android_log_write(ANDROID_LOG_INFO, "SimulatedDevice", line.c_str());
+        event();
+    };
 }
 
-void PlayEvents(const string& path) {
-    struct stat status {};
-    const bool isFifo = stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode);
-    // A fifo that is open for writing too has no end: one writer after the other may come.
-    std::fstream events(path, isFifo ? std::ios::in | std::ios::out : std::ios::in);
-    if (!events) Tell("cannot read " + path);
+/** The events of a file; one that cannot happen ends the process before anything is called. */
+std::vector<Event> ReadEvents(const string& path) {
+    std::ifstream file(path);
+    std::vector<Event> events;
+    for (string line; std::getline(file, line);) {
+        events.push_back(EventOf(line));
+        if (events.back()) continue;
+        Tell(path + ":" + std::to_string(events.size()) + ": no event \"" + line + "\"");
+        _exit(2);
+    }
+    return events;
+}
+
+/** Those of a fifo, as they come. One that is open for writing too has no end. */
+void PlayFifo(const string& path) {
+    std::fstream events(path, std::ios::in | std::ios::out);
     for (string line; std::getline(events, line);) {
-        if (!Happen(line)) Tell("no event \"" + line + "\"");
+        const Event event = EventOf(line);
+        if (event) {
+            event();
+        } else {
+            Tell("no event \"" + line + "\"");
+        }
+    }
+}
+
+void StartEvents(const string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode)) {
+        std::thread(PlayFifo, path).detach();
+    } else {
+        std::thread([events = ReadEvents(path)] {
+            for (const Event& event : events) event();
+        }).detach();
     }
 }
 
@@ -198,9 +225,7 @@ void StartAsNamed() {
         if (const char* profile = getenv("KALVORN_DEVICE")) {
             if (!Start(profile)) Tell(string("no device \"") + profile + "\"");
         }
-        if (const char* events = getenv("KALVORN_EVENTS")) {
-            std::thread(PlayEvents, string(events)).detach();
-        }
+        if (const char* events = getenv("KALVORN_EVENTS")) StartEvents(events);
     });
 }
 

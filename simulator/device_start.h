@@ -15,7 +15,7 @@ namespace kalvorn::simulated {
  *     kill|restart AIDL|HIDL SERVICE
  *     kill-process|restart-process SERVICE
  *
- * What is wrong in them is told on stderr.
+ * What is wrong in them is told on stderr, and in a file ends the process with status 2.
  */
 void StartAsNamed();
 
