@@ -1,15 +1,16 @@
 #!/bin/bash
 # Installs the Debian packages that the given lists name and that are missing: "demo" for the build and
 # the demo; besides these "test" for the tests, "tidy" for clang-tidy, "arm" for the 32-bit ARM target;
-# "fuzz" for the fuzzers; besides the demo's "bench" for the measurements. Needs root or sudo to install.
+# "ctl" for kalvornctl; "fuzz" for the fuzzers; besides the demo's "bench" for the measurements. Needs root or sudo to install.
 set -euo pipefail
 
 declare -A lists=(
     [demo]="aidl android-libbase-dev android-liblog-dev android-libnativehelper-dev android-libutils-dev
         android-platform-frameworks-native-headers clang cmake hidl-gen libsafec-dev lld-15 ninja-build
         openjdk-17-jdk-headless"
-    [test]="bats binutils blueprint-tools clang-format g++ junit5 libbenchmark-dev libclang-rt-14-dev
-        libgmock-dev libgtest-dev proguard-cli valgrind"
+    [ctl]="help2man libandroid-json-java"
+    [test]="bats binutils blueprint-tools clang-format g++ help2man jq junit5 libandroid-json-java
+        libbenchmark-dev libclang-rt-14-dev libgmock-dev libgtest-dev proguard-cli shellcheck valgrind zsh"
     [bench]="binutils libbenchmark-dev valgrind"
     [tidy]="clang-tidy"
     [arm]="binutils-arm-linux-gnueabihf mmdebstrap qemu-user-static"

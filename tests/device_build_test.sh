@@ -110,11 +110,12 @@ check_java() {
 check_command() {
     local packed asked
     expect_files "$(texts wrapper)"
-    mapfile -t packed < <(texts srcs | find_lines -E '^[^*]+\.(java|txt)$')
+    mapfile -t packed < <(texts srcs | find_lines -E '^([^*]+\.(java|txt|bash|zsh)|VERSION)$')
     expect_files "${packed[@]}"
-    asked=$(grep -rhoE '"/com/[^"]+"' ctl --include=*.java | tr -d '"' | sort -u)
+    asked=$(grep -rhoE '"/(com/[^"]+|VERSION)"' ctl --include=*.java | tr -d '"' |
+        sed -E 's/(.*)\.$/\1.bash\n\1.zsh/' | sort -u)
     expect_same "What the jar has besides classes (<), and what kalvornctl looks for there (>)" \
-        "$(printf '%s\n' "${packed[@]}" | sed -E "s,^($(texts path | paste -sd '|'))/,/," | sort)" "$asked"
+        "$(printf '%s\n' "${packed[@]}" | sed -E "s,^(($(texts path | paste -sd '|'))/)?,/," | sort)" "$asked"
 }
 
 check_linking() {

@@ -1,7 +1,7 @@
 package com.quorvin.kalvornii.ctl;
 
-import java.util.Arrays;
 import java.util.List;
+import java.util.concurrent.TimeoutException;
 
 /** "call", and what "run" has in common with it. */
 final class CallCommand {
@@ -12,25 +12,52 @@ final class CallCommand {
         this.console = console;
     }
 
-    int call(Options options) throws UsageException, LoadException {
-        options.allow(Integer.MAX_VALUE, "-v", "--json", "--yes");
+    int call(Options options) throws UsageException, LoadException, TimeoutException {
+        options.allow(Integer.MAX_VALUE, "-v", "--json", "--yes", "--timeout", "--times");
+        Limit limit = options.limit();
+        int times = options.count("--times");
+        if (options.has("--times") && options.has("-v")) {
+            throw new UsageException("-v shows one call, and --times makes many");
+        }
         Contract.Method method = method(options.words);
         Object[] arguments = arguments(method, options);
-        Library library = new Library(console);
-        boolean withLog = options.has("-v") || options.has("--json");
+        Library library = new Library(console, limit);
+        boolean withLog = options.has("-v") || (options.has("--json") && !options.has("--times"));
         if (!withLog) library.log.close();
+        if (options.has("--times")) return repeat(library, method, arguments, times, options);
         Call call = library.call(method, arguments, withLog);
         if (options.has("--json")) {
-            console.out.println(Json.of(call.members()));
+            console.line(Json.of(call.members()));
         } else {
-            console.out.println(Values.show(call.result));
-            call.fields.forEach(
-                    (name, text) -> console.out.println(name + ": " + Values.show(text)));
+            console.line(shown(call.result));
+            call.fields.forEach((name, text) -> console.line(name + ": " + shown(text)));
         }
         if (options.has("-v")) showLog(call, library.log);
-        if (!call.isAbsent()) return Main.DONE;
-        tellOfAbsence(call, library);
+        if (!call.hasFailed()) return Main.DONE;
+        tellOfFailure(call, library);
         return Main.ABSENT;
+    }
+
+    private int repeat(Library library, Contract.Method method, Object[] arguments, int times,
+            Options options) throws LoadException, TimeoutException {
+        Repetition repetition = new Repetition();
+        for (int i = 0; i < times; i++) repetition.add(library.call(method, arguments, false));
+        if (options.has("--json")) {
+            console.line(Json.of(repetition.members()));
+        } else {
+            repetition.results().forEach(console::line);
+            console.note("    " + repetition.times());
+        }
+        if (repetition.failed == null) return Main.DONE;
+        tellOfFailure(repetition.failed, library);
+        return Main.ABSENT;
+    }
+
+    /** Texts that would control a terminal are quoted there. */
+    private String shown(Object value) {
+        String shown = Values.show(value);
+        boolean isPlain = shown.chars().noneMatch(Character::isISOControl);
+        return !console.isTerminal() || isPlain ? shown : Words.quote(shown);
     }
 
     Contract.Method method(List<String> words) throws UsageException {
@@ -41,7 +68,11 @@ final class CallCommand {
     /** The arguments after the method, which nothing keeps from being called then. */
     Object[] arguments(Contract.Method method, Options options) throws UsageException {
         List<String> words = options.words;
-        return arguments(method, words.subList(1, words.size()), options);
+        try {
+            return arguments(method, words.subList(1, words.size()), options);
+        } catch (UsageException e) {
+            throw options.explained(e);
+        }
     }
 
     Object[] arguments(Contract.Method method, List<String> words, Options options)
@@ -61,28 +92,26 @@ final class CallCommand {
 
     void showLog(Call call, LogReader log) {
         if (call.log == null) {
-            console.show("    (the log cannot be read: " + log.trouble() + ")");
+            console.note("    (the log cannot be read: " + log.trouble() + ")");
         } else {
-            call.log.forEach(line -> console.show("    " + line));
+            call.log.forEach(line -> console.note("    " + line));
         }
-        console.show(String.format("    %.3f ms", call.milliseconds));
+        console.note(String.format("    %.3f ms", call.milliseconds));
     }
 
-    void tellOfAbsence(Call call, Library library) {
-        boolean isNull = Arrays.stream(call.arguments).anyMatch(CallCommand::hasNull);
-        console.tell(call.method.name + ": "
-                + (isNull ? "an argument is null, or the " + call.method.service
-                                        + " service is absent; for "
-                                        + "the word itself write '\\null'"
-                          : "the " + call.method.service + " service is absent"));
-        if (!isNull) library.tellOfAbsence();
+    /** Whether a failed call was for want of an argument, the service being there. */
+    static boolean isForNull(Call call) {
+        return !call.nulls().isEmpty()
+                && Managers.backend(new Services().named(call.method.service)) != null;
     }
 
-    private static boolean hasNull(Object argument) {
-        return argument == null
-                || (Values.isRecord(argument.getClass())
-                        && Values.fields(argument.getClass())
-                                   .stream()
-                                   .anyMatch(field -> Values.valueOf(field, argument) == null));
+    private void tellOfFailure(Call call, Library library) {
+        if (isForNull(call)) {
+            console.tell(call.method.name + ": null was given for "
+                    + String.join(", ", call.nulls()) + "; for the word itself write '\\null'");
+        } else {
+            console.tell(call.method.name + ": the " + call.method.service + " service is absent");
+            library.tellOfAbsence();
+        }
     }
 }

@@ -3,9 +3,13 @@ package com.quorvin.kalvornii.ctl;
 import android.os.Process;
 import com.quorvin.kalvornii.KvNativeInterface;
 import java.lang.reflect.InvocationTargetException;
+import java.lang.reflect.Method;
+import java.util.ArrayList;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
+import java.util.concurrent.ExecutionException;
+import java.util.concurrent.TimeoutException;
 import java.util.stream.Collectors;
 
 /** The library, loaded, and what its log tells. */
@@ -15,35 +19,50 @@ final class Library {
     final LogReader log = LogReader.start();
     final Services services = new Services();
     private final Console console;
+    private final Limit limit;
     private Throwable failure;
 
     /** Loads the library, and tells which service a load that takes long waits for. */
-    Library(Console console) throws LoadException {
+    Library(Console console, Limit limit) throws LoadException, TimeoutException {
+        this(console, limit, null);
+    }
+
+    /** The same, for what has to be read from the log; links the services to those deaths. */
+    static Library withLog(Console console, Limit limit, Deaths deaths)
+            throws LoadException, TimeoutException {
+        Library library = new Library(console, limit, deaths);
+        if (library.log.trouble() == null) return library;
+        throw new LoadException("the library has loaded, but only its log tells of the services, "
+                + "and that cannot be read: " + library.log.trouble());
+    }
+
+    private Library(Console console, Limit limit, Deaths deaths)
+            throws LoadException, TimeoutException {
         this.console = console;
+        this.limit = limit;
         Thread loader = new Thread(this::load, "load");
         loader.setDaemon(true);
         loader.start();
+        long start = System.nanoTime();
         String told = "";
         for (;;) {
-            join(loader);
+            long step = limit.left(start, PATIENCE_MILLISECONDS);
+            if (step > 0) join(loader, step);
             boolean loads = loader.isAlive();  // asked first, so that no line of it is missed
             List<LogLine> lines = log.upToNow();
             services.take(lines);
-            if (loads) {
-                String wait = whatItWaitsFor();
-                if (!wait.equals(told)) console.tell(wait);
-                told = wait;
-            } else if (failure != null) {
-                throw new LoadException(reason(lines));
-            } else {
-                return;
-            }
+            if (deaths != null) deaths.link(services);
+            if (failure != null) throw new LoadException(reason(lines));
+            if (!loads) return;
+            String wait = whatItWaitsFor();
+            if (step == 0) throw new TimeoutException(wait + "; given up after " + limit);
+            if (step == PATIENCE_MILLISECONDS && !wait.equals(told)) console.tell(told = wait);
         }
     }
 
-    private static void join(Thread thread) {
+    private static void join(Thread thread, long milliseconds) {
         try {
-            thread.join(PATIENCE_MILLISECONDS);
+            thread.join(milliseconds);
         } catch (InterruptedException e) {
             throw new IllegalStateException(e);
         }
@@ -80,35 +99,39 @@ final class Library {
     }
 
     /** Calls a method, with the log of the call while the log is open. */
-    Call call(Contract.Method method, Object[] arguments, boolean withLog) throws LoadException {
+    Call call(Contract.Method method, Object[] arguments, boolean withLog)
+            throws LoadException, TimeoutException {
         if (withLog) log.upToNow();
-        int thread = Process.myTid();
-        long start = System.nanoTime();
-        Object result = invoke(method, arguments);
-        double milliseconds = (System.nanoTime() - start) / 1e6;
-        List<LogLine> lines = null;
-        if (withLog) {
-            lines = log.upToNow()
-                            .stream()
-                            .filter(line -> line.tid == thread)
-                            .collect(Collectors.toList());
-            if (log.trouble() != null) lines = null;
+        try {
+            Call call = limit.run(() -> timed(method, arguments));
+            if (withLog) call.log = logOf(call);
+            return call;
+        } catch (TimeoutException e) {
+            throw new TimeoutException(method.name + ": no answer after " + limit);
+        } catch (ExecutionException e) {
+            Throwable cause = e.getCause();
+            throw new LoadException(method.name + ": "
+                    + (cause instanceof InvocationTargetException ? cause.getCause() : cause));
         }
-        return new Call(method, arguments, result, fields(method), milliseconds, lines);
     }
 
-    private static Object invoke(Contract.Method method, Object[] arguments) throws LoadException {
-        try {
-            Class<?>[] types = method.parameters.stream()
-                                       .map(parameter -> Values.typeOf(parameter.type))
-                                       .toArray(Class<?>[] ::new);
-            return KvNativeInterface.class.getMethod(method.name, types)
-                    .invoke(new KvNativeInterface(), arguments);
-        } catch (InvocationTargetException e) {
-            throw new LoadException(method.name + ": " + e.getCause());
-        } catch (ReflectiveOperationException e) {
-            throw new LoadException("the classes do not fit their contract: " + e);
-        }
+    private static Call timed(Contract.Method method, Object[] arguments)
+            throws ReflectiveOperationException {
+        Class<?>[] types = method.parameters.stream()
+                                   .map(parameter -> Values.typeOf(parameter.type))
+                                   .toArray(Class<?>[] ::new);
+        Method called = KvNativeInterface.class.getMethod(method.name, types);
+        KvNativeInterface kv = new KvNativeInterface();
+        long start = System.nanoTime();
+        Object result = called.invoke(kv, arguments);
+        double milliseconds = (System.nanoTime() - start) / 1e6;
+        return new Call(method, arguments, result, fields(method), milliseconds, Process.myTid());
+    }
+
+    private List<LogLine> logOf(Call call) {
+        List<LogLine> lines = new ArrayList<>(log.upToNow());
+        lines.removeIf(line -> line.tid != call.thread);
+        return log.trouble() == null ? lines : null;
     }
 
     private static Map<String, String> fields(Contract.Method method) {

@@ -1,36 +1,61 @@
 package com.quorvin.kalvornii.ctl;
 
+import java.util.LinkedHashMap;
+import java.util.List;
 import java.util.Locale;
+import java.util.Map;
 import java.util.stream.Collectors;
 
-/** "list" and "help METHOD". */
+/** "list". */
 final class ListCommand {
     private final Console console;
-    private final Contract contract = Contract.read();
 
     ListCommand(Console console) {
         this.console = console;
     }
 
-    /** On a terminal two lines a method, elsewhere one whose three parts are parted by tabs. */
     int list(Options options) throws UsageException {
-        options.allow(1);
+        options.allow(1, "--json");
         String word = options.words.isEmpty() ? "" : options.words.get(0).toLowerCase(Locale.ROOT);
-        int shown = 0;
-        for (Contract.Method method : contract.methods()) {
-            String line =
-                    String.join("\t", method.declaration(), method.serviceName(), method.summary());
-            if (!line.toLowerCase(Locale.ROOT).contains(word)) continue;
-            shown++;
-            if (console.isTerminal()) {
-                wrap(method.declaration(), "        ", 0);
-                wrap(method.serviceName() + ": " + method.summary(), "    ", 4);
-            } else {
-                console.out.println(line);
-            }
-        }
-        if (shown == 0) throw new UsageException("no method has to do with \"" + word + "\"");
+        List<Contract.Method> found =
+                Contract.read()
+                        .methods()
+                        .stream()
+                        .filter(method -> row(method).toLowerCase(Locale.ROOT).contains(word))
+                        .collect(Collectors.toList());
+        if (found.isEmpty()) throw new UsageException("no method has to do with \"" + word + "\"");
+        for (Contract.Method method : found) show(method, options.has("--json"));
         return Main.DONE;
+    }
+
+    private static String row(Contract.Method method) {
+        return String.join("\t", method.declaration(), method.serviceName(), method.summary());
+    }
+
+    /** On a terminal two lines, elsewhere one whose three parts are parted by tabs. */
+    private void show(Contract.Method method, boolean json) {
+        if (json) {
+            console.line(Json.of(members(method)));
+        } else if (console.isTerminal()) {
+            wrap(method.declaration(), "        ", 0);
+            wrap(method.serviceName() + ": " + method.summary(), "    ", 4);
+        } else {
+            console.line(row(method));
+        }
+    }
+
+    private static Map<String, Object> members(Contract.Method method) {
+        Map<String, Object> members = new LinkedHashMap<>();
+        members.put("method", method.name);
+        members.put("service", method.service);
+        members.put("result", method.result);
+        members.put("parameters",
+                method.parameters.stream()
+                        .map(parameter -> Map.of("type", parameter.type, "name", parameter.name))
+                        .collect(Collectors.toList()));
+        members.put("fields", method.fields);
+        members.put("text", method.summary());
+        return members;
     }
 
     /** Words on lines of the terminal's width, of which the later ones, or all, are indented. */
@@ -38,31 +63,12 @@ final class ListCommand {
         StringBuilder line = new StringBuilder(indent.substring(0, first));
         for (String word : text.split(" ")) {
             if (line.length() + word.length() >= console.columns()) {
-                console.out.println(line);
+                console.line(line.toString());
                 line = new StringBuilder(indent);
             }
             if (!line.toString().trim().isEmpty()) line.append(' ');
             line.append(word);
         }
-        console.out.println(line);
-    }
-
-    int help(Options options) throws UsageException {
-        options.allow(1);
-        Contract.Method method = contract.find(options.words.get(0));
-        console.out.println(method.declaration());
-        console.out.println("    " + method.serviceName());
-        console.out.println();
-        console.out.println(method.doc);
-        for (Contract.Parameter parameter : method.parameters) {
-            Class<?> type = Values.typeOf(parameter.type);
-            if (!Values.isRecord(type)) continue;
-            console.out.println("\nThe fields of " + parameter.name + ": "
-                    + Values.fields(type)
-                              .stream()
-                              .map(field -> field.getType().getSimpleName() + " " + field.getName())
-                              .collect(Collectors.joining(", ")));
-        }
-        return Main.DONE;
+        console.line(line.toString());
     }
 }

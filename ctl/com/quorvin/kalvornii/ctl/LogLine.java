@@ -7,8 +7,8 @@ import java.util.regex.Pattern;
 final class LogLine {
     static final String LIBRARY = "KalvornNative";
 
-    private static final Pattern FORMAT =
-            Pattern.compile("\\S+ +(\\S+) +(\\d+) +(\\d+) ([VDIWEFA]) (.*?) *: (.*)");
+    private static final Pattern FORMAT = Pattern.compile(
+            "\\S+ +(\\S+) +(\\d+) +(\\d+) ([VDIWEFA]) (.*?) *: (.*)", Pattern.DOTALL);
 
     /** The time of day, with milliseconds. */
     final String time;

@@ -1,13 +1,9 @@
 package com.quorvin.kalvornii.ctl;
 
-import static java.nio.charset.StandardCharsets.UTF_8;
-
 import android.os.Process;
 import android.util.Log;
-import java.io.BufferedReader;
 import java.io.Closeable;
 import java.io.IOException;
-import java.io.InputStreamReader;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.concurrent.LinkedBlockingQueue;
@@ -20,6 +16,8 @@ import java.util.concurrent.TimeUnit;
 final class LogReader implements Closeable {
     private static final String TAG = "kalvornctl";
     private static final long MARK_MILLISECONDS = 3000;
+    /** Ctrl-C ends logcat too, and in this time this process, which then has nothing to tell. */
+    private static final long END_MILLISECONDS = 500;
     private static final String END = new String("end");  // told from a line by its identity
 
     private final LinkedBlockingQueue<String> lines = new LinkedBlockingQueue<>();
@@ -51,8 +49,8 @@ final class LogReader implements Closeable {
         List<String> filter = new ArrayList<>(List.of("-d", "-b", "all", "-s"));
         for (String tag : tags) filter.add(tag + ":V");
         try {
-            BufferedReader output = output(logcat(filter.toArray(new String[0])));
-            for (String line = output.readLine(); line != null; line = output.readLine()) {
+            Lines output = new Lines(logcat(filter.toArray(new String[0])).getInputStream());
+            for (String line = output.next(); line != null; line = output.next()) {
                 LogLine parsed = LogLine.parse(line);
                 if (parsed != null) found.add(parsed);
             }
@@ -71,15 +69,9 @@ final class LogReader implements Closeable {
         return builder.start();
     }
 
-    private static BufferedReader output(java.lang.Process process) {
-        return new BufferedReader(new InputStreamReader(process.getInputStream(), UTF_8));
-    }
-
     private void read() {
-        try (BufferedReader output = output(logcat)) {
-            for (String line = output.readLine(); line != null; line = output.readLine()) {
-                lines.add(line);
-            }
+        try (Lines output = new Lines(logcat.getInputStream())) {
+            for (String line = output.next(); line != null; line = output.next()) lines.add(line);
         } catch (IOException e) {
             // As at its end.
         }
@@ -125,6 +117,7 @@ final class LogReader implements Closeable {
             String line = poll(TimeUnit.NANOSECONDS.toMillis(end - System.nanoTime()));
             if (line == null) return null;
             if (line == END) {
+                WaitCommand.pause(END_MILLISECONDS);
                 trouble = "logcat has ended";
                 return null;
             }

@@ -1,6 +1,7 @@
 package com.quorvin.kalvornii.ctl;
 
 import java.io.IOException;
+import java.util.concurrent.TimeoutException;
 
 /** The command kalvornctl; help.txt tells what it takes. */
 public final class Main {
@@ -10,61 +11,64 @@ public final class Main {
     static final int USAGE = 2;
     static final int NOT_LOADED = 3;
     static final int DIFFERENT = 4;
+    static final int UNANSWERED = 5;
 
     private Main() {}
 
     public static void main(String[] arguments) {
-        Console console = new Console();
+        System.exit(run(arguments, new Console()));  // also while the library waits for a service
+    }
+
+    /** The command on that console; returns its exit status. */
+    static int run(String[] arguments, Console console) {
         int status;
         try {
             status = run(Options.parse(arguments), console);
-        } catch (UsageException e) {
-            console.tell(e.getMessage());
+        } catch (UsageException | IOException e) {
+            console.tell(e instanceof IOException ? e.toString() : e.getMessage());
             status = USAGE;
         } catch (LoadException e) {
             console.tell(e.getMessage());
             status = NOT_LOADED;
-        } catch (IOException e) {
-            console.tell(e.toString());
-            status = USAGE;
+        } catch (TimeoutException e) {
+            console.tell(e.getMessage());
+            status = UNANSWERED;
         } catch (RuntimeException | LinkageError e) {
             e.printStackTrace();  // a fault of this command or its installation
             status = NOT_LOADED;
         }
-        if (console.lost() != null) {
-            console.tell("cannot write the result: " + console.lost());
-            status = NOT_LOADED;
-        }
-        System.exit(status);  // also while threads of the library wait for a service
+        if (console.lost() == null) return status;
+        console.tell("cannot write the result: " + console.lost());
+        return NOT_LOADED;
     }
 
     private static int run(Options options, Console console)
-            throws UsageException, LoadException, IOException {
-        if (options.has("--help")) return help(console);
-        if (options.command == null)
+            throws UsageException, LoadException, IOException, TimeoutException {
+        HelpCommand help = new HelpCommand(console);
+        if (options.has("--version")) return help.version();
+        if (options.command == null && !options.has("--help")) {
             throw new UsageException("a command is expected; --help tells which");
+        }
+        if (options.has("--help")) return help.on(options.command);
         switch (options.command) {
             case "list":
                 return new ListCommand(console).list(options);
             case "help":
-                return options.words.isEmpty() ? help(console)
-                                               : new ListCommand(console).help(options);
+                return help.help(options);
             case "status":
                 return new StatusCommand(console).status(options);
+            case "wait":
+                return new WaitCommand(console).await(options);
             case "call":
                 return new CallCommand(console).call(options);
             case "run":
                 return new RunCommand(console).run(options);
             case "watch":
-                return new StatusCommand(console).watch(options);
+                return new WatchCommand(console).watch(options);
+            case "completion":
+                return new CompletionCommand(console).completion(options);
             default:
-                throw new UsageException(
-                        "no command \"" + options.command + "\"; --help tells which");
+                throw Help.unknown(options.command);
         }
-    }
-
-    private static int help(Console console) {
-        console.out.print(Resource.read("/com/quorvin/kalvornii/ctl/help.txt"));
-        return DONE;
     }
 }

@@ -1,62 +1,98 @@
 package com.quorvin.kalvornii.ctl;
 
 import java.util.ArrayList;
-import java.util.HashSet;
+import java.util.LinkedHashMap;
 import java.util.List;
-import java.util.Set;
+import java.util.Map;
 
-/** The command line: a command, its options, and its own words, of which options are no more. */
+/** The command line: a command, its words, and options anywhere among them until "--". */
 final class Options {
-    final String command;
-    final List<String> words;
-    private final Set<String> given = new HashSet<>();
+    /** What may be given, and whether a value follows. */
+    private static final Map<String, Boolean> KNOWN =
+            Map.of("-v", false, "--json", false, "--yes", false, "--keep-going", false, "--help",
+                    false, "--version", false, "--timeout", true, "--times", true);
 
-    private Options(String command, List<String> words) {
-        this.command = command;
-        this.words = words;
-    }
+    final List<String> words = new ArrayList<>();
+    String command;
+    private final Map<String, String> given = new LinkedHashMap<>();
+    private String late;  // an option after the first word, which may have been meant as a text
 
-    /** Options stand anywhere before METHOD, FILE or WORD; all after that is taken as it is. */
     static Options parse(String[] arguments) throws UsageException {
-        Set<String> given = new HashSet<>();
-        String command = null;
+        Options options = new Options();
         int i = 0;
-        for (; i < arguments.length; i++) {
-            String word = arguments[i];
-            if (word.startsWith("-") && word.length() > 1) {
-                given.add(word.equals("-h") ? "--help" : word);
-            } else if (command == null) {
-                command = word;
-            } else {
-                break;
-            }
+        while (i < arguments.length && !arguments[i].equals("--")) {
+            i += options.take(arguments[i], i + 1 < arguments.length ? arguments[i + 1] : null);
         }
-        List<String> words = new ArrayList<>();
-        for (; i < arguments.length; i++) words.add(arguments[i]);
-        Options options = new Options(command, words);
-        options.given.addAll(given);
+        for (i++; i < arguments.length; i++) options.takeWord(arguments[i]);
         return options;
     }
 
+    /** Takes an argument; returns how many it was with its value. */
+    private int take(String argument, String next) throws UsageException {
+        if (!argument.startsWith("-") || argument.length() == 1 || Values.isNumber(argument)) {
+            takeWord(argument);
+            return 1;
+        }
+        String name = argument.equals("-h") ? "--help" : argument;
+        Boolean hasValue = KNOWN.get(name);
+        if (hasValue == null) {
+            throw new UsageException("no option \"" + argument + "\""
+                    + (words.isEmpty() ? "" : "; a text that begins with a dash stands after --"));
+        }
+        if (hasValue && next == null) throw new UsageException(name + " needs a value");
+        given.put(name, next);
+        if (!words.isEmpty()) late = argument;
+        return hasValue ? 2 : 1;
+    }
+
+    private void takeWord(String word) {
+        if (command == null) {
+            command = word;
+        } else {
+            words.add(word);
+        }
+    }
+
     boolean has(String option) {
-        return given.contains(option);
+        return given.containsKey(option);
+    }
+
+    /** The number after an option, at least 1; 1 without it. */
+    int count(String option) throws UsageException {
+        if (!has(option)) return 1;
+        String value = given.get(option);
+        if (value.matches("[1-9][0-9]{0,6}")) return Integer.parseInt(value);
+        throw new UsageException(
+                option + ": a number from 1 to 9999999 is expected, not \"" + value + "\"");
+    }
+
+    /** The limit that --timeout sets. */
+    Limit limit() throws UsageException {
+        if (!has("--timeout")) return Limit.NONE;
+        String value = given.get("--timeout");
+        if (value.matches("[0-9]{1,6}([.][0-9]{1,3})?") && Double.parseDouble(value) > 0) {
+            return new Limit(Double.parseDouble(value));
+        }
+        throw new UsageException("--timeout: seconds are expected, not \"" + value + "\"");
     }
 
     /** Refuses other options, and more words than that. */
     void allow(int most, String... options) throws UsageException {
-        for (String option : given) {
+        for (String option : given.keySet()) {
             if (!List.of(options).contains(option)) {
                 throw new UsageException("\"" + command + "\" has no option " + option);
             }
         }
         if (words.size() > most) {
-            throw new UsageException(tooMany(words.get(most), "word") + " for \"" + command + "\"");
+            throw new UsageException(
+                    "\"" + words.get(most) + "\" is one word too many for \"" + command + "\"");
         }
     }
 
-    /** Names what is too much, and why an option may be. */
-    static String tooMany(String word, String what) {
-        return "\"" + word + "\" is one " + what + " too many"
-                + (word.startsWith("-") ? " (options stand before METHOD, FILE and WORD)" : "");
+    /** The same fault, with what else may have been meant. */
+    UsageException explained(UsageException fault) {
+        if (late == null) return fault;
+        return new UsageException(fault.getMessage() + "\n  " + late
+                + " was taken as an option; after -- it is a text");
     }
 }

@@ -1,15 +1,12 @@
 package com.quorvin.kalvornii.ctl;
 
-import static java.nio.charset.StandardCharsets.UTF_8;
-
-import java.io.BufferedReader;
 import java.io.FileInputStream;
 import java.io.IOException;
-import java.io.InputStreamReader;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.Map;
 import java.util.Objects;
+import java.util.concurrent.TimeoutException;
 import java.util.regex.Pattern;
 
 /**
@@ -30,44 +27,54 @@ final class RunCommand {
     private int compared;
     private int different;
     private int absent;
+    private int nulls;
+    private Limit limit;
 
     RunCommand(Console console) {
         this.console = console;
         calls = new CallCommand(console);
     }
 
-    int run(Options options) throws UsageException, LoadException, IOException {
-        options.allow(1, "-v", "--json", "--yes", "--keep-going");
+    int run(Options options) throws UsageException, LoadException, IOException, TimeoutException {
+        options.allow(1, "-v", "--json", "--yes", "--keep-going", "--timeout");
+        limit = options.limit();
         String name = options.words.isEmpty() ? "-" : options.words.get(0);
-        try (BufferedReader lines = open(name)) {
-            int number = 0;
-            for (String line = lines.readLine(); line != null; line = lines.readLine()) {
-                number++;
-                if (FACT.matcher(line).matches()) continue;
-                where = (name.equals("-") ? "line " : name + ":") + number;
-                try {
-                    take(line, options);
-                } catch (UsageException e) {
-                    refused++;
-                    console.tell(where + ": " + e.getMessage());
-                    if (!options.has("--keep-going")) break;
-                }
-                if (console.out.checkError()) break;  // nobody would know what came of the rest
+        Lines lines = name.equals("-") ? console.in : open(name);
+        try (lines) {
+            for (int number = 1; next(lines, name, number, options); number++) {
             }
+        } finally {
+            summary();
         }
-        summary();
         if (refused > 0) return Main.USAGE;
         if (different > 0) return Main.DIFFERENT;
-        return absent > 0 ? Main.ABSENT : Main.DONE;
+        return absent + nulls > 0 ? Main.ABSENT : Main.DONE;
     }
 
-    private BufferedReader open(String name) throws UsageException {
-        if (name.equals("-")) return console.in;
+    private static Lines open(String name) throws UsageException {
         try {
-            return new BufferedReader(new InputStreamReader(new FileInputStream(name), UTF_8));
+            return new Lines(new FileInputStream(name));
         } catch (IOException e) {
             throw new UsageException("cannot read " + e.getMessage());
         }
+    }
+
+    /** Calls what the next line says; false when there is no other that is to be called. */
+    private boolean next(Lines lines, String name, int number, Options options)
+            throws LoadException, IOException, TimeoutException {
+        where = (name.equals("-") ? "line " : name + ":") + number;
+        try {
+            String line = lines.nextOfUtf8();
+            if (line == null) return false;
+            if (FACT.matcher(line).matches()) return true;
+            boolean isMarked = number == 1 && line.startsWith("\ufeff");  // as some editors do
+            take(isMarked ? line.substring(1) : line, options);
+        } catch (UsageException e) {
+            refused++;
+            console.tell(where + ": " + e.getMessage());
+            if (!options.has("--keep-going")) return false;
+        }
+        return !console.isCut();  // else nobody would know what came of the rest
     }
 
     private void summary() {
@@ -75,12 +82,14 @@ final class RunCommand {
                 + (compared > 0 ? ", " + (compared - different) + " as expected" : "")
                 + (different > 0 ? ", " + different + " with another result" : "")
                 + (absent > 0 ? ", " + absent + " of an absent service" : "")
+                + (nulls > 0 ? ", " + nulls + " with null where it must not be" : "")
                 + (refused > 0 ? ", " + refused + " not made" : ""));
         if (absent > 0) library.tellOfAbsence();
     }
 
     /** Calls what a line says. */
-    private void take(String line, Options options) throws UsageException, LoadException {
+    private void take(String line, Options options)
+            throws UsageException, LoadException, TimeoutException {
         List<String> words = new ArrayList<>();
         List<String> expected = null;
         for (Words.Word word : Words.of(line)) {
@@ -115,10 +124,10 @@ final class RunCommand {
     }
 
     private void call(Contract.Method method, Object[] arguments, boolean expects, Object wanted,
-            Options options) throws LoadException {
+            Options options) throws LoadException, TimeoutException {
         boolean withLog = options.has("-v") || options.has("--json");
         if (library == null) {
-            library = new Library(console);
+            library = new Library(console, limit);
             if (!withLog) library.log.close();
         }
         Call call = library.call(method, arguments, withLog);
@@ -126,17 +135,22 @@ final class RunCommand {
         boolean differs = expects && !Objects.deepEquals(wanted, call.result);
         if (expects) compared++;
         if (differs) different++;
-        if (call.isAbsent() && (!expects || differs)) absent++;
+        if (call.hasFailed() && (!expects || differs)) {
+            if (CallCommand.isForNull(call)) {
+                nulls++;
+            } else {
+                absent++;
+            }
+        }
         if (options.has("--json")) {
             Map<String, Object> members = call.members();
             if (expects) members.put("expected", wanted);
-            console.out.println(Json.of(members));
+            console.line(Json.of(members));
         } else {
             List<String> notes = new ArrayList<>();
             call.fields.forEach((name, text) -> notes.add(name + ": " + Values.words(text)));
             if (differs) notes.add(where + " expected: " + Values.words(wanted));
-            console.out.println(
-                    call.line() + (notes.isEmpty() ? "" : "  # " + String.join(", ", notes)));
+            console.line(call.line() + (notes.isEmpty() ? "" : "  # " + String.join(", ", notes)));
         }
         if (options.has("-v")) calls.showLog(call, library.log);
     }

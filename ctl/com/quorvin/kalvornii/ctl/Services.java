@@ -6,6 +6,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
+import java.util.stream.Collectors;
 
 /**
  * The thirteen services and who holds each, as the library's log tells it. The lines of one
@@ -133,9 +134,20 @@ final class Services {
         return all;
     }
 
-    /** The service of that name; null for none. */
+    List<String> names() {
+        return all.stream().map(service -> service.name).collect(Collectors.toList());
+    }
+
+    /** The service of a name that the contract has. */
     Service named(String name) {
-        return all.stream().filter(service -> service.name.equals(name)).findFirst().orElse(null);
+        return all.get(names().indexOf(name));
+    }
+
+    /** The service of a name that a person gave. */
+    Service find(String name) throws UsageException {
+        if (names().contains(name)) return named(name);
+        throw new UsageException(
+                "no service \"" + name + "\"; there are: " + String.join(", ", names()));
     }
 
     boolean isAnyAbsent() {

@@ -64,7 +64,7 @@ final class Values {
             }
         }
         if (used < words.size()) {
-            throw expected(method, Options.tooMany(words.get(used), "argument"));
+            throw expected(method, "\"" + words.get(used) + "\" is one argument too many");
         }
         return values;
     }
@@ -81,8 +81,13 @@ final class Values {
         return word.matches(ESCAPED) ? word.substring(1) : word;
     }
 
+    /** Whether it may be meant as a number. */
+    static boolean isNumber(String word) {
+        return word.matches(NUMBER);
+    }
+
     private static int number(String word) throws UsageException {
-        if (word.matches(NUMBER)) {
+        if (isNumber(word)) {
             boolean negative = word.startsWith("-");
             String digits = word.substring(negative ? 1 : 0);
             boolean hex = digits.startsWith("0x") || digits.startsWith("0X");

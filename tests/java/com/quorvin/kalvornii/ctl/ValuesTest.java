@@ -7,7 +7,9 @@ import static org.junit.jupiter.api.Assertions.assertThrows;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import com.quorvin.kalvornii.BigDataValue;
+import java.util.LinkedHashMap;
 import java.util.List;
+import java.util.Map;
 import java.util.stream.Collectors;
 import org.junit.jupiter.api.Test;
 
@@ -119,8 +121,14 @@ class ValuesTest {
 
     @Test
     void writesJson() {
-        assertEquals("[null,1,\"a\\\"\\\\\\u000a\\u001fé\",\"0aff\",[1,-2],[]]",
-                Json.of(new Object[] {null, 1, "a\"\\\n\u001fé", new byte[] {10, -1},
-                        new int[] {1, -2}, new Object[0]}));
+        BigDataValue record = new BigDataValue();
+        record.value = "a\"\\\n\u001f\u2028\ud83d";  // the last is half of a character
+        Map<String, Object> members = new LinkedHashMap<>();
+        members.put("none", null);
+        members.put("all", new Object[] {1, "é 💡", new byte[] {10, -1}, new int[] {1, -2}, record});
+        String json = Json.of(members);
+        assertTrue(json.startsWith("{\"none\":null,\"all\":[1,\"é 💡\",\"0aff\",[1,-2],{"), json);
+        assertTrue(json.contains("\"value\":\"a\\\"\\\\\\n\\u001f\u2028\\ud83d\""), json);
+        assertTrue(json.contains("\"bsn\":null"), json);
     }
 }

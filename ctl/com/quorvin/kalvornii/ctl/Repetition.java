@@ -1,0 +1,78 @@
+package com.quorvin.kalvornii.ctl;
+
+import java.util.ArrayList;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Map;
+import java.util.stream.Collectors;
+
+/** Calls of one method with the same arguments: how long they took, and which results came. */
+final class Repetition {
+    private static final int[] PERCENTILES = {50, 90, 99};
+
+    /** One that failed; null when none did. */
+    Call failed;
+    private final Map<String, Integer> counts = new LinkedHashMap<>();
+    private final Map<String, Object> results = new LinkedHashMap<>();
+    private final List<Double> milliseconds = new ArrayList<>();
+    private Call last;
+
+    void add(Call call) {
+        String result = Values.words(call.result);
+        counts.merge(result, 1, Integer::sum);
+        results.put(result, call.result);
+        milliseconds.add(call.milliseconds);
+        if (call.hasFailed()) failed = call;
+        last = call;
+    }
+
+    /** A line for each result that came, with how often when there is more than one. */
+    List<String> results() {
+        return counts.entrySet()
+                .stream()
+                .map(entry
+                        -> counts.size() == 1 ? Values.show(last.result)
+                                              : entry.getValue() + "\t" + entry.getKey())
+                .collect(Collectors.toList());
+    }
+
+    /** The shortest time, the percentiles by the nearest rank, and the longest. */
+    private Map<String, Object> percentiles() {
+        double[] sorted = milliseconds.stream().mapToDouble(Double::doubleValue).sorted().toArray();
+        Map<String, Object> times = new LinkedHashMap<>();
+        times.put("min", Call.rounded(sorted[0]));
+        for (int percent : PERCENTILES) {
+            int rank = (int) Math.ceil(sorted.length * (percent / 100.0));
+            times.put("p" + percent, Call.rounded(sorted[rank - 1]));
+        }
+        times.put("max", Call.rounded(sorted[sorted.length - 1]));
+        return times;
+    }
+
+    String times() {
+        return milliseconds.size() + " calls, in ms: "
+                + percentiles()
+                          .entrySet()
+                          .stream()
+                          .map(entry -> entry.getKey() + " " + entry.getValue())
+                          .collect(Collectors.joining(", "));
+    }
+
+    /** What goes on a line of JSON. */
+    Map<String, Object> members() {
+        Map<String, Object> members = new LinkedHashMap<>();
+        members.put("method", last.method.name);
+        members.put("arguments", last.arguments);
+        members.put("calls", milliseconds.size());
+        List<Object> found = new ArrayList<>();
+        counts.forEach((result, count) -> {
+            Map<String, Object> row = new LinkedHashMap<>();
+            row.put("result", Json.plain(results.get(result)));
+            row.put("count", count);
+            found.add(row);
+        });
+        members.put("results", found);
+        members.put("milliseconds", percentiles());
+        return members;
+    }
+}

@@ -1,0 +1,35 @@
+# shellcheck shell=bash
+# What the commands share. Each sources it, and may have told in $usage what it takes; one that another
+# command starts speaks in that one's name, which is then in KALVORN_COMMAND.
+command=${KALVORN_COMMAND:-${0##*/}}
+
+# The devices that need no file of their own.
+export KALVORN_DEVICES="aidl hidl mixed bare"
+
+# What was asked cannot be.
+refuse() {
+    printf '%s: %s\n' "$command" "$1" >&2
+    if [ -n "${usage-}" ] && [ "$command" = "${0##*/}" ]; then printf '%s\n' "$usage" >&2; fi
+    exit 2
+}
+
+# What was asked can be, but not here and now.
+cannot() {
+    printf '%s: %s\n' "$command" "$1" >&2
+    exit 3
+}
+
+# Whether a folder takes some bytes more; $trouble tells why not.
+has_room() {
+    local probe=$1/.room.$$
+    trouble=$({ head -c 4096 /dev/zero >"$probe"; } 2>&1) && rm -f -- "$probe" && return
+    trouble=${trouble##*: }
+    rm -f -- "$probe"
+    return 1
+}
+
+# shellcheck disable=SC2034
+# Sets $size to the "ROWS COLUMNS" of the terminal that standard output is, or to nothing.
+measure_terminal() {
+    { size=$(stty size <&3 2>/dev/null) || size=; } 3>&1
+}
