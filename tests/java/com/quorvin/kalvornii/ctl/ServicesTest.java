@@ -29,15 +29,11 @@ class ServicesTest {
 
     /** The full instance of each connector, by its start line, from the library's own sources. */
     private static Map<String, String> connectors(String folder) throws IOException {
-        String header = Source.read(folder + "/services.h");
-        Map<String, String> types = new HashMap<>();
-        for (List<String> global : Source.matches("extern sp<(I\\w+)> (\\w+);", header)) {
-            types.put(global.get(1), used(header).get(global.get(0)));
-        }
+        Map<String, String> types = used(Source.read(folder + "/services.h"));
         Map<String, String> instances = new HashMap<>();
         for (List<String> row :
-                Source.matches("Describe\\(\\s*&(\\w+),\\s*\"(\\w+)\",(?:\\s*\\d+,)?\\s*\"(\\w+)\"",
-                        Source.read(folder + "/connections.cpp"))) {
+                Source.matches("\\b(I\\w+), g_\\w+, \"(\\w+)\",(?: \\d+,)?\\s*\"(\\w+)\"",
+                        Source.read(folder + "/services.inc"))) {
             instances.put(row.get(2), types.get(row.get(0)) + "/" + row.get(1));
         }
         assertFalse(instances.isEmpty());
