@@ -1,4 +1,6 @@
 #include <binder/IServiceManager.h>
+#include <binder_host.h>
+#include <hidl/hidl_host.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -168,6 +170,18 @@ TEST_F(ConnectionsTest, UnloadReleasesEveryServiceAndLoadTakesThemAgain) {
 }
 
 // A partial connection keeps the interface over a teardown and never asks for a session again.
+TEST_F(ConnectionsTest, AHeldServiceIsNotLookedUp) {
+    for (const char* profile : {"aidl", "hidl"}) {
+        LoadWithProfile(profile);
+        const size_t before = kalvorn::host::LookUpCount() + kalvorn::host::HidlLookUpCount();
+        Load();
+        EXPECT_EQ(before, kalvorn::host::LookUpCount() + kalvorn::host::HidlLookUpCount());
+        EXPECT_EQ(Lines{}, device.TakeCalls()) << "no second session either";
+        Unload();
+        device.Reset();
+    }
+}
+
 TEST_F(ConnectionsTest, ARefusedSessionIsNotAskedForAgain) {
     for (const Answer& refusal : {Answer(-1), Answer(Fault::kTransport)}) {
         native_aidl::g_aidlFingerprint.reset();
@@ -237,6 +251,10 @@ TEST_F(ConnectionsTest, FailuresOfTheVirtualMachineRefuseTheLibrary) {
     registers.RegisterNatives = [](JNIEnv*, jclass, const JNINativeMethod*, jint count) -> jint {
         return count == kMethodCount ? -1 : 0;
     };
+    JNINativeInterface runsShort = registers;
+    runsShort.RegisterNatives = [](JNIEnv*, jclass, const JNINativeMethod*, jint) -> jint {
+        return JNI_ENOMEM;
+    };
     const std::string name = "'com/quorvin/kalvornii/KvNativeInterface'";
     const struct {
         jint (*getEnv)(JavaVM*, void**, jint);
@@ -254,6 +272,12 @@ TEST_F(ConnectionsTest, FailuresOfTheVirtualMachineRefuseTheLibrary) {
             {GetEnvGivesFake,
              &registers,
              {"E RegisterNatives failed for " + name, "E ERROR: RegisterAllNatives failed"}},
+            {GetEnvGivesFake,
+             &runsShort,
+             {"E RegisterNatives failed for " + name, "E ERROR: RegisterAllNatives failed"}},
+            {[](JavaVM*, void**, jint) -> jint { return JNI_EDETACHED; },
+             nullptr,
+             {"E ERROR: GetEnv failed"}},
     };
     for (const auto& c : cases) {
         device.Reset();

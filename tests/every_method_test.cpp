@@ -145,17 +145,22 @@ TEST_F(EveryMethodTest, DoesWhatItsSampleSays) {
     });
 }
 
+/** But for so many texts. */
+void ExpectGivenBack(const Sample& sample, const java::JniUse& use, int keptTexts) {
+    EXPECT_EQ(keptTexts, use.textsTaken - use.textsReleased);
+    EXPECT_EQ(use.bytesTaken, use.bytesReleased);
+    // The fingerprint's data is not written back, the signature is.
+    EXPECT_EQ(sample.service == "fingerprint" ? use.bytesReleased : 0, use.bytesAborted);
+    EXPECT_EQ(use.intsTaken, use.intsReleased);
+    EXPECT_EQ(0, use.intsCommitted);
+}
+
 // What the virtual machine gives is given back, but for the texts that are kept on purpose.
 TEST_F(EveryMethodTest, GivesBackWhatItTakes) {
     OverEach([&](const Sample& sample, Backend) {
         const java::CountJniUse count;
         java::Call(sample.method, sample.args);
-        const java::JniUse use = count.use();
-        EXPECT_EQ(sample.keeps, use.textsTaken - use.textsReleased);
-        EXPECT_EQ(use.bytesTaken, use.bytesReleased);
-        // The fingerprint's data is not written back, the signature is.
-        EXPECT_EQ(sample.service == "fingerprint" ? use.bytesReleased : 0, use.bytesAborted);
-        EXPECT_EQ(use.intsTaken, use.intsReleased);
+        ExpectGivenBack(sample, count.use(), sample.keeps);
     });
 }
 
@@ -169,7 +174,9 @@ TEST_F(EveryMethodTest, WithACallThatFails) {
         for (const Fault fault : {Fault::kTransport, Fault::kDeadObject}) {
             Connect(backend, sample);
             Break(side, fault);
+            const java::CountJniUse count;
             EXPECT_EQ(*side.brokenResult, java::Call(sample.method, sample.args));
+            ExpectGivenBack(sample, count.use(), sample.keeps);
             EXPECT_FALSE(device.TakeCalls().empty());
             EXPECT_EQ(log, TakeLog());
             ExpectFilled(side.field, "");
@@ -197,7 +204,10 @@ TEST_F(EveryMethodTest, WithoutItsService) {
         LoadWith(kHidl, service);
         const Lines log = LogWithoutService(sample);
         for (const Args& args : {sample.args, ArgsOfAnAbsentCall(sample, log)}) {
+            const java::CountJniUse count;
             EXPECT_EQ(sample.absentResult, java::Call(sample.method, args));
+            // The item names' texts and elements are kept then.
+            if (sample.method != "nativeSetTestItemName") ExpectGivenBack(sample, count.use(), 0);
             ExpectNothingAsked();
             EXPECT_EQ(log, TakeLog());
         }
@@ -215,7 +225,7 @@ TEST_F(EveryMethodTest, WithANullArgument) {
             args[i] = allNull[i] = nullptr;
             const java::CountJniUse count;
             EXPECT_EQ(sample.absentResult, java::Call(sample.method, args));
-            EXPECT_EQ(count.use().textsTaken, count.use().textsReleased);
+            ExpectGivenBack(sample, count.use(), 0);
             ExpectNothingAsked();
             EXPECT_EQ("E " + sample.names[i] + " is null", TakeLastLine());
         }
@@ -385,7 +395,9 @@ TEST_F(EveryMethodTest, BigDataWithNullFields) {
                 java::Object oneBroken = RecordOf(method);
                 for (java::Object* object : {&broken, &oneBroken}) {
                     object->fields[*name] = static_cast<const char*>(nullptr);
+                    const java::CountJniUse count;
                     EXPECT_EQ("-9999", java::Call(method, {*object}));
+                    EXPECT_EQ(0, count.use().textsReleased) << "kept as ever";
                     ExpectNothingAsked();
                     EXPECT_EQ(2, LinesLogged());
                     EXPECT_EQ("E " + *name + " is null", TakeLastLine());

@@ -431,6 +431,7 @@ void LibraryTest::TearDown() {
     OnLine(nullptr);
     Unload();
     device.Reset();
+    EXPECT_EQ(0, Device::LiveServices()) << "somebody still holds a service";
 }
 
 void LibraryTest::LoadWith(Backend backend, const std::string& service) {

@@ -21,6 +21,7 @@ using testing::MatchesRegex;
 // partition was opened.
 thread_local const char* g_misc = nullptr;
 thread_local std::vector<int> g_openFlags;
+thread_local std::vector<size_t> g_writes;
 thread_local int g_openedFd = -1;
 
 class LocalMethodsTest : public OperationTest {};
@@ -43,6 +44,12 @@ extern "C" int open(const char* path, int flags, ...) {
     }
     g_openFlags.push_back(flags);
     return g_openedFd = next(g_misc, flags, mode);
+}
+
+extern "C" ssize_t write(int fd, const void* bytes, size_t size) {
+    static const auto next = reinterpret_cast<decltype(&write)>(dlsym(RTLD_NEXT, "write"));
+    if (g_misc != nullptr && fd == g_openedFd) g_writes.push_back(size);
+    return next(fd, bytes, size);
 }
 
 // The modes with which the vendor's library was opened.
@@ -112,6 +119,7 @@ void RecoveryTest::TearDown() {
 
 std::string RecoveryTest::Write(const std::string& partition) {
     g_openFlags.clear();
+    g_writes.clear();
     g_misc = partition.c_str();
     std::string seen = java::Call("nativeWriteMiscToRecovery", {});
     g_misc = nullptr;
@@ -132,6 +140,18 @@ std::string RecoveryTest::Content() const {
 TEST_F(RecoveryTest, RequestIsWrittenAndNothingBeyondIt) {
     EXPECT_EQ("0|E Write misc to recovery ok.", Write(mPartition));
     EXPECT_EQ("boot-recovery" + std::string(499, '\0') + std::string(2048 - 512, 'o'), Content());
+    EXPECT_EQ(std::vector<size_t>{512}, g_writes) << "half a request must not stand there";
+}
+
+TEST_F(RecoveryTest, AnyFileDescriptorWillDo) {
+    const int input = dup(STDIN_FILENO);
+    close(STDIN_FILENO);
+    EXPECT_EQ("0|E Write misc to recovery ok.", Write(mPartition));
+    EXPECT_EQ(STDIN_FILENO, g_openedFd);
+    if (input != -1) {
+        dup2(input, STDIN_FILENO);
+        close(input);
+    }
 }
 
 TEST_F(RecoveryTest, MissingPartitionIsNotMade) {
