@@ -6,6 +6,8 @@ command=${KALVORN_COMMAND:-${0##*/}}
 # The devices that need no file of their own.
 export KALVORN_DEVICES="aidl hidl mixed bare"
 
+is_device() { [[ " $KALVORN_DEVICES " == *" $1 "* ]]; }
+
 # What was asked cannot be.
 refuse() {
     printf '%s: %s\n' "$command" "$1" >&2

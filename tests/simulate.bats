@@ -4,7 +4,7 @@
 bats_require_minimum_version 1.5.0
 
 setup() {
-    cd "$BATS_TEST_TMPDIR"
+    cd "$BATS_TEST_TMPDIR" || return
     source=$BATS_TEST_DIRNAME/..
     simulate=$source/simulate
     package=com.quorvin.kalvornii.simulated
@@ -35,7 +35,7 @@ program() { run -"$1" "$simulate" "${@:2}" </dev/null; }
 
 @test "each device has its services" {
     while read -r device answers; do
-        program 0 --device "$device" java $package.Program
+        program 0 --device "$device" java "$package.Program"
         [ "$output" = "$answers" ]
     done <<'END'
 aidl KV-MAIN-V3 0 cp ok 0
@@ -45,7 +45,7 @@ END
 }
 
 @test "the status is the command's, or 2" {
-    program 3 java $package.Program a b c
+    program 3 java "$package.Program" a b c
     program 2 --device none true
     [[ $output = *'no device "none"'* ]]
     program 2 nosuchcommand
@@ -69,7 +69,7 @@ END
 @test "a program ends while threads go on logging" {
     mkfifo full lines
     exec 5<>full 6<>lines
-    timeout -s KILL 60 "$simulate" --log full java $package.Logging <lines >said &
+    timeout -s KILL 60 "$simulate" --log full java "$package.Logging" <lines >said &
     await "it logs" grep logging said
     echo >&6
     status=0
@@ -90,7 +90,7 @@ END
 
 @test "events let services die and come back while the program runs" {
     mkfifo events
-    coproc program { "$simulate" --events events --log log java $package.Program; }
+    coproc program { "$simulate" --events events --log log java "$package.Program"; }
     read -r first <&"${program[0]}"
     [ "$first" = "KV-MAIN-V3 0 INVALID_SERVICE 0" ]
     echo "kill AIDL factory" >events
@@ -121,5 +121,5 @@ junit() {
 }
 
 @test "the simulated device does what it says" {
-    junit $package.SimulatedDeviceTest
+    junit "$package.SimulatedDeviceTest"
 }
