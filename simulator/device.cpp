@@ -243,18 +243,45 @@ void Device::OnCall(std::function<void()> observer) {
     mObserver = std::move(observer);
 }
 
-Answer Device::Ask(const std::string& method, const std::string& call, Answer usual) {
-    std::function<void()> observer;
-    {
-        const std::lock_guard lock(mLock);
-        if (mRecordsCalls) mCalls.push_back(call);
-        observer = mObserver;
+namespace {
+
+/** A healthy device's answers: code 0 and no text but for these. */
+const std::map<std::string, Answer>& UsualAnswers() {
+    static const auto* answers = new std::map<std::string, Answer>{
+#include "usual_answers.inc"
+    };
+    return *answers;
+}
+
+std::string CallText(Backend backend, const std::string& service, const std::string& method,
+                     const std::vector<std::string>& arguments) {
+    std::string text = std::string(NameOf(backend)) + " " + service + "." + method + "(";
+    for (size_t i = 0; i < arguments.size(); i++) text += (i == 0 ? "" : ", ") + arguments[i];
+    return text + ")";
+}
+
+}  // namespace
+
+/** What is kept from call to call, by the number that comes first; a second one when it is read is
+ * the most bytes that the caller takes. */
+const Device::Kept Device::kKept[] = {{"readNv", "writeNv", &Device::nv},
+                                      {"getTestResult", "setTestResult", &Device::results},
+                                      {"getControlFlag", "setControlFlag", &Device::flags}};
+
+Answer Device::Usual(const std::string& method, const std::vector<std::string>& arguments) const {
+    for (const Kept& kept : kKept) {
+        if (method != kept.read) continue;
+        const size_t most = arguments.size() > 1 ? std::stoul(arguments[1]) : std::string::npos;
+        return (this->*kept.store).Read(std::stoi(arguments[0]), most);
     }
-    if (observer) observer();  // it may kill, or look at the calls
+    const auto found = UsualAnswers().find(method);
+    return found == UsualAnswers().end() ? Answer() : found->second;
+}
+
+std::optional<Answer> Device::TakeScripted(Backend backend, const std::string& method) {
     const std::lock_guard lock(mLock);
-    if (mScript.empty()) return usual;  // as a rule, and then at no cost
-    const std::string backend = call.substr(0, call.find(' ') + 1);
-    for (const std::string& asked : {backend + method, method}) {
+    if (mScript.empty()) return {};  // as a rule, and then at no cost
+    for (const std::string& asked : {std::string(NameOf(backend)) + " " + method, method}) {
         const auto scripted = mScript.find(asked);
         if (scripted == mScript.end()) continue;
         Answer answer = std::move(scripted->second.front());
@@ -262,7 +289,27 @@ Answer Device::Ask(const std::string& method, const std::string& call, Answer us
         if (scripted->second.empty()) mScript.erase(scripted);
         return answer;
     }
-    return usual;
+    return {};
+}
+
+Answer Device::Ask(Backend backend, const std::string& service, const std::string& method,
+                   const std::vector<std::string>& arguments) {
+    std::function<void()> observer;
+    {
+        const std::lock_guard lock(mLock);
+        if (mRecordsCalls) mCalls.push_back(CallText(backend, service, method, arguments));
+        observer = mObserver;
+    }
+    if (observer) observer();  // it may kill, or look at the calls
+    const auto scripted = TakeScripted(backend, method);
+    Answer answer = scripted ? *scripted : Usual(method, arguments);
+    for (const Kept& kept : kKept) {
+        if (method != kept.write) continue;
+        const std::string& quoted = arguments[1];
+        const std::string text = quoted.substr(1, quoted.size() - 2);
+        (this->*kept.store).Write(std::stoi(arguments[0]), text, answer);
+    }
+    return answer;
 }
 
 void Device::Reset() {

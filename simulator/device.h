@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -181,7 +182,9 @@ class Device {
     static int LiveServices();
 
     // For the services.
-    Answer Ask(const std::string& method, const std::string& call, Answer usual);
+    /** Records a call, its arguments as Show() gives them, and tells what to answer. */
+    Answer Ask(Backend backend, const std::string& service, const std::string& method,
+               const std::vector<std::string>& arguments);
     Store nv, results, flags;
 
   private:
@@ -192,6 +195,15 @@ class Device {
         std::string name;
     };
     using Process = std::vector<std::string>;
+    struct Kept {
+        const char* read;
+        const char* write;
+        Store Device::*store;
+    };
+    static const Kept kKept[];
+
+    std::optional<Answer> TakeScripted(Backend backend, const std::string& method);
+    Answer Usual(const std::string& method, const std::vector<std::string>& arguments) const;
 
     const ServiceMap& ServicesOf(Backend backend) const;
     std::vector<Member> MembersOf(const Process& process) const;
@@ -217,8 +229,8 @@ class Counted {
     static std::atomic<int> sLive;
 };
 
-// How a call's arguments are recorded.
-inline std::string Show(int64_t value) {
+// How a call's arguments are recorded; an unsigned number as AIDL has it, with its sign.
+inline std::string Show(int32_t value) {
     return std::to_string(value);
 }
 inline std::string Show(const std::string& text) {
@@ -226,13 +238,6 @@ inline std::string Show(const std::string& text) {
 }
 inline std::string Show(const std::vector<uint8_t>& bytes) {
     return Show(std::string(bytes.begin(), bytes.end()));
-}
-inline std::string ShowAll() {
-    return "";
-}
-template <typename First, typename... Rest>
-std::string ShowAll(const First& first, const Rest&... rest) {
-    return Show(first) + (sizeof...(rest) > 0 ? ", " : "") + ShowAll(rest...);
 }
 
 }  // namespace kalvorn::device
