@@ -1,7 +1,8 @@
 #!/bin/bash
 # Installs the Debian packages that the given lists name and that are missing: "demo" for the build and
 # the demo; besides these "test" for the tests, "tidy" for clang-tidy, "arm" for the 32-bit ARM target;
-# "ctl" for kalvornctl; "fuzz" for the fuzzers; besides the demo's "bench" for the measurements. Needs root or sudo to install.
+# "ctl" for kalvornctl; "package" for ./package; "fuzz" for the fuzzers; besides the demo's "bench" for the
+# measurements. Needs root or sudo to install.
 set -euo pipefail
 
 declare -A lists=(
@@ -10,7 +11,9 @@ declare -A lists=(
         openjdk-17-jdk-headless"
     [ctl]="help2man libandroid-json-java"
     [test]="bats binutils blueprint-tools clang-format g++ help2man jq junit5 libandroid-json-java
-        libbenchmark-dev libclang-rt-14-dev libgmock-dev libgtest-dev proguard-cli shellcheck valgrind zsh"
+        libbenchmark-dev libclang-rt-14-dev libgmock-dev libgtest-dev libmaven-install-plugin-java maven
+        proguard-cli shellcheck valgrind zsh"
+    [package]="junit5 openjdk-17-jdk-headless"
     [bench]="binutils libbenchmark-dev valgrind"
     [tidy]="clang-tidy"
     [arm]="binutils-arm-linux-gnueabihf mmdebstrap qemu-user-static"

@@ -148,7 +148,7 @@ SIMULATED_DEVICE(void, failNext)(JNIEnv* env, jclass, jint backend, jstring meth
     Device::Get().Script(static_cast<Backend>(backend), Text(env, method), Fault::kTransport);
 }
 
-SIMULATED_DEVICE(void, recordCalls)(JNIEnv*, jclass, jboolean record) {
+SIMULATED_DEVICE(void, recordCalls)(JNIEnv*, jobject, jboolean record) {
     Device::Get().RecordCalls(record == JNI_TRUE);
 }
 
@@ -164,7 +164,7 @@ SIMULATED_DEVICE(jboolean, settle)(JNIEnv*, jclass, jint milliseconds) {
     return Device::Settle(milliseconds);
 }
 
-SIMULATED_DEVICE(void, restore)(JNIEnv*, jclass) {
+SIMULATED_DEVICE(void, restore)(JNIEnv*, jobject) {
     kalvorn::simulated::Restore(IsLibraryLoaded());
 }
 

@@ -114,10 +114,17 @@ junit() {
     grep -E '\[ +[1-9][0-9]* tests successful' report
 }
 
-@test "the example passes, compiled and run as its page says" {
-    CLASSPATH=/usr/share/java/junit-platform-console-standalone.jar "$simulate" \
+# Maven finds its plugins where Debian has them.
+@test "the package goes into a Maven repository, and the example passes with it" {
+    command=$("$source/package" | sed -n 's/^ *mvn //p')
+    cp -rs /usr/share/maven-repo repository
+    eval "mvn --offline --quiet -Dmaven.repo.local=$PWD/repository $command"
+    version=$(<"$source/VERSION")
+    jar=repository/com/quorvin/kalvornii/kalvorn/$version/kalvorn-$version
+    for file in .pom -sources.jar -javadoc.jar; do [ -s "$jar$file" ]; done
+    CLASSPATH=/usr/share/java/junit-platform-console-standalone.jar:$jar.jar \
         javac -d out "$source/simulator/example/BurnInTest.java"
-    CLASSPATH=out junit BurnInTest
+    CLASSPATH=out:$jar.jar junit BurnInTest
 }
 
 @test "the simulated device does what it says" {

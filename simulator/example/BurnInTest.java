@@ -4,15 +4,15 @@ import static org.junit.jupiter.api.Assertions.assertFalse;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import com.quorvin.kalvornii.KvNativeInterface;
+import com.quorvin.kalvornii.simulated.KalvornDevice;
 import com.quorvin.kalvornii.simulated.SimulatedDevice;
 import java.util.List;
-import org.junit.jupiter.api.AfterEach;
-import org.junit.jupiter.api.BeforeAll;
 import org.junit.jupiter.api.Test;
 
 /**
  * How an application's reaction to absent, dying and failing services is tested without a device.
  */
+@KalvornDevice("mixed")
 class BurnInTest {
     /** The application: a step of its run-in. */
     private static final class BurnIn {
@@ -37,26 +37,16 @@ class BurnInTest {
 
     private final BurnIn burnIn = new BurnIn();
 
-    @BeforeAll
-    static void startDevice() {
-        SimulatedDevice.start("mixed");  // before the first KvNativeInterface
-    }
-
-    @AfterEach
-    void restoreDevice() {
-        SimulatedDevice.restore();
-    }
-
     @Test
-    void passesOnAHealthyDevice() {
+    void passesOnAHealthyDevice(SimulatedDevice device) {
         assertEquals("PASS", burnIn.storage());
         assertEquals(List.of("aidl factory.emmcTest(\"emmc_rw\", \"size=1G\", \"start\")"),
-                SimulatedDevice.received());
+                device.received());
     }
 
     @Test
-    void tellsWhatFailed() {
-        SimulatedDevice.answer("emmcTest", 5, "bad block 17");
+    void tellsWhatFailed(SimulatedDevice device) {
+        device.answer("emmcTest", 5, "bad block 17");
         assertEquals("FAIL: bad block 17", burnIn.storage());
     }
 
@@ -66,18 +56,18 @@ class BurnInTest {
     }
 
     @Test
-    void waitsForAServiceThatDies() {
-        SimulatedDevice.kill(AIDL, "factory");
+    void waitsForAServiceThatDies(SimulatedDevice device) {
+        device.kill(AIDL, "factory");
         assertEquals("no service, try later", burnIn.storage());
 
-        SimulatedDevice.restart(AIDL, "factory");
-        SimulatedDevice.settle();
+        device.restart(AIDL, "factory");
+        device.settle();
         assertEquals("PASS", burnIn.storage());
     }
 
     @Test
-    void noticesThatAResultWasNotKept() {
-        SimulatedDevice.fail(AIDL, "setTestResult");
+    void noticesThatAResultWasNotKept(SimulatedDevice device) {
+        device.fail(AIDL, "setTestResult");
         assertFalse(burnIn.keepsResult(3, "PASS"));
         assertTrue(burnIn.keepsResult(3, "PASS"));
     }

@@ -17,7 +17,12 @@ import java.util.List;
  */
 public final class SimulatedDevice {
     /** The two ways to a service. */
-    public enum Backend { AIDL, HIDL }
+    public enum Backend {
+        /** The binder of today, which the library prefers. */
+        AIDL,
+        /** The older one. */
+        HIDL
+    }
 
     private static final int PATIENCE_MS = 5000;
     private static final String OWN_CALL = "aidl fingerprint.createSession(";
@@ -30,7 +35,18 @@ public final class SimulatedDevice {
         Runtime.getRuntime().addShutdownHook(new Thread(SimulatedDevice::stop));
     }
 
+    private static final SimulatedDevice DEVICE = new SimulatedDevice();
+
     private SimulatedDevice() {}
+
+    /**
+     * The one device of this virtual machine.
+     *
+     * @return the device, whichever runs
+     */
+    public static SimulatedDevice get() {
+        return DEVICE;
+    }
 
     /**
      * Replaces the device: "aidl" has every service over AIDL, "hidl" all that HIDL has, "mixed"
@@ -38,34 +54,50 @@ public final class SimulatedDevice {
      * Services that share a process on many devices share one here too. Once the library is loaded,
      * the device that runs is restored, as {@link #restore} does.
      *
+     * @param profile its name
+     * @return the device
      * @throws IllegalStateException when the library is loaded and another device runs: one that
      *     becomes another beneath a running application does not exist
      */
-    public static void start(String profile) {
-        check(profile, List.of("aidl", "hidl", "mixed", "bare"), "device");
+    public static SimulatedDevice start(String profile) {
+        DEVICE.check(profile, List.of("aidl", "hidl", "mixed", "bare"), "device");
         if (!isLibraryLoaded()) {
             startProfile(profile);
         } else if (profile.equals(profile())) {
-            restore();
+            DEVICE.restore();
         } else {
             throw new IllegalStateException("The library is loaded, on the device \"" + profile()
                     + "\": start another before KvNativeInterface is first used, or with"
                     + " ./simulate --device");
         }
+        return DEVICE;
     }
 
-    /** The thirteen services, in the order in which the library connects them. */
-    public static List<String> services() {
+    /**
+     * The thirteen services.
+     *
+     * @return their names, in the order in which the library connects them
+     */
+    public List<String> services() {
         return List.of(serviceNames());
     }
 
-    /** The methods of the vendor's interfaces, in alphabetical order. */
-    public static List<String> methods() {
+    /**
+     * The methods of the vendor's interfaces.
+     *
+     * @return their names, in alphabetical order
+     */
+    public List<String> methods() {
         return List.of(methodNames());
     }
 
-    /** The backend over which the library holds a service now; null when it holds none. */
-    public static Backend holder(String service) {
+    /**
+     * The backend over which the library holds a service now.
+     *
+     * @param service the service
+     * @return its backend; null when the library does not hold it
+     */
+    public Backend holder(String service) {
         check(service, services(), "service");
         for (Backend backend : Backend.values()) {
             if (holds(backend.ordinal(), service)) return backend;
@@ -73,8 +105,13 @@ public final class SimulatedDevice {
         return null;
     }
 
-    /** The backend over which the device runs a service now, AIDL when both; null for neither. */
-    public static Backend runs(String service) {
+    /**
+     * The backend over which the device runs a service now.
+     *
+     * @param service the service
+     * @return its backend, AIDL when it runs over both; null when it does not run
+     */
+    public Backend runs(String service) {
         check(service, services(), "service");
         for (Backend backend : Backend.values()) {
             if (isRunning(backend.ordinal(), service)) return backend;
@@ -89,9 +126,11 @@ public final class SimulatedDevice {
      * again. A call that another thread has on its way over HIDL may end the process, as on a
      * device.
      *
+     * @param backend the backend over which it runs
+     * @param service the service
      * @throws IllegalArgumentException when that service does not run over that backend
      */
-    public static void kill(Backend backend, String service) {
+    public void kill(Backend backend, String service) {
         checkRuns(backend, service);
         kill(backend.ordinal(), service);
         awaitHeard(PATIENCE_MS);
@@ -99,9 +138,12 @@ public final class SimulatedDevice {
 
     /**
      * Declares a service and starts it, which is also how a killed one comes back; one that runs is
-     * left as it is. Returns at once; {@link #settle} waits until the library has connected it.
+     * left as it is. Returns at once; {@link #settle()} waits until the library has connected it.
+     *
+     * @param backend the backend over which it is to run
+     * @param service the service
      */
-    public static void restart(Backend backend, String service) {
+    public void restart(Backend backend, String service) {
         checkHas(backend, service);
         restart(backend.ordinal(), service);
     }
@@ -109,8 +151,11 @@ public final class SimulatedDevice {
     /**
      * Declares a service that {@link #restart} starts later. A library that is loaded meanwhile
      * waits for it.
+     *
+     * @param backend the backend over which it is declared
+     * @param service the service
      */
-    public static void declare(Backend backend, String service) {
+    public void declare(Backend backend, String service) {
         checkHas(backend, service);
         declare(backend.ordinal(), service);
     }
@@ -118,9 +163,10 @@ public final class SimulatedDevice {
     /**
      * Lets the process of a service die, with all services in it, as {@link #kill} does with one.
      *
+     * @param service one of them
      * @throws IllegalArgumentException when nothing in that process runs
      */
-    public static void killProcess(String service) {
+    public void killProcess(String service) {
         check(service, services(), "service");
         List<String> running = new ArrayList<>(services());
         running.removeIf(name -> !isProcessRunning(name));
@@ -129,14 +175,24 @@ public final class SimulatedDevice {
         awaitHeard(PATIENCE_MS);
     }
 
-    /** Starts again what ran in the process of a service when it was killed. Returns at once. */
-    public static void restartProcess(String service) {
+    /**
+     * Starts again what ran in the process of a service when it was killed. Returns at once.
+     *
+     * @param service the service
+     */
+    public void restartProcess(String service) {
         check(service, services(), "service");
         restartProcessOf(service);
     }
 
-    /** Has the next call of a method answered so; each further answer serves one more call. */
-    public static void answer(String method, int code, String text) {
+    /**
+     * Has the next call of a method answered so; each further answer serves one more call.
+     *
+     * @param method the vendor's method
+     * @param code the number that it answers
+     * @param text the text that it answers
+     */
+    public void answer(String method, int code, String text) {
         answer(method, code, text, "");
     }
 
@@ -145,10 +201,14 @@ public final class SimulatedDevice {
      * of the values does not look at it. Over AIDL texts of more than half a megabyte fail on their
      * way.
      *
+     * @param method the vendor's method
+     * @param code the number that it answers
+     * @param text the text that it answers
+     * @param detail the second text
      * @throws IllegalArgumentException also for texts that are null or that no call could carry to
      *     Java: too long, or with U+0000 or half a surrogate pair
      */
-    public static void answer(String method, int code, String text, String detail) {
+    public void answer(String method, int code, String text, String detail) {
         check(method, methods(), "method");
         if (text == null || detail == null) {
             throw new IllegalArgumentException("a text is null, which no service's can be");
@@ -171,10 +231,12 @@ public final class SimulatedDevice {
      * Lets the next call of a method over this backend fail on its way: the service has been asked,
      * its answer does not arrive.
      *
+     * @param backend the backend
+     * @param method the vendor's method
      * @throws IllegalArgumentException also for a method that returns one number over HIDL, since
      *     there such a failure ends the process
      */
-    public static void fail(Backend backend, String method) {
+    public void fail(Backend backend, String method) {
         check(backend);
         check(method, methods(), "method");
         List<String> ending = List.of(methodsOfOneNumber());
@@ -188,10 +250,12 @@ public final class SimulatedDevice {
     }
 
     /**
-     * The calls that have reached services since the last time, such as {@code aidl
-     * factory.writeNv(7, "abc")}, without those that the library makes by itself.
+     * The calls that have reached services since the last time, without those that the library
+     * makes by itself.
+     *
+     * @return each as {@code aidl factory.writeNv(7, "abc")}
      */
-    public static List<String> received() {
+    public List<String> received() {
         List<String> calls = new ArrayList<>(receivedInAll());
         calls.removeIf(call -> call.startsWith(OWN_CALL));
         return calls;
@@ -200,16 +264,20 @@ public final class SimulatedDevice {
     /**
      * The same with what the library asks by itself: a session of the fingerprint service, whenever
      * it connects that over AIDL.
+     *
+     * @return the calls
      */
-    public static List<String> receivedInAll() {
+    public List<String> receivedInAll() {
         return List.of(takeCalls());
     }
 
     /**
      * Whether calls are kept for {@link #received}, as they are in the beginning and after {@link
      * #restore}; millions of them would take memory.
+     *
+     * @param record whether they are
      */
-    public static native void recordCalls(boolean record);
+    public native void recordCalls(boolean record);
 
     /**
      * Waits until the library has handled every death and registration, for at most five seconds.
@@ -217,12 +285,16 @@ public final class SimulatedDevice {
      * @throws IllegalStateException when it has not by then; as a rule it waits for a declared
      *     service that does not run
      */
-    public static void settle() {
+    public void settle() {
         settle(Duration.ofMillis(PATIENCE_MS));
     }
 
-    /** The same with another limit. */
-    public static void settle(Duration limit) {
+    /**
+     * The same with another limit.
+     *
+     * @param limit the longest wait
+     */
+    public void settle(Duration limit) {
         if (!settle((int) Math.min(limit.toMillis(), Integer.MAX_VALUE))) {
             throw new IllegalStateException("the library still waits for a declared service");
         }
@@ -234,27 +306,27 @@ public final class SimulatedDevice {
      * has connected everything again when this returns, whatever it was waiting for; except over
      * AIDL a fingerprint service that has refused it a session, which it gives up for good.
      */
-    public static native void restore();
+    public native void restore();
 
-    private static void check(String name, List<String> right, String what) {
+    private void check(String name, List<String> right, String what) {
         if (name == null || !right.contains(name)) {
             throw new IllegalArgumentException(
                     "no " + what + " \"" + name + "\"; there are: " + String.join(", ", right));
         }
     }
 
-    private static void check(Backend backend) {
+    private void check(Backend backend) {
         if (backend == null) throw new IllegalArgumentException("the backend is AIDL or HIDL");
     }
 
-    private static void checkHas(Backend backend, String service) {
+    private void checkHas(Backend backend, String service) {
         check(backend);
         List<String> having = new ArrayList<>(services());
         having.removeIf(name -> !has(backend.ordinal(), name));
         check(service, having, "service over " + backend);
     }
 
-    private static void checkRuns(Backend backend, String service) {
+    private void checkRuns(Backend backend, String service) {
         check(backend);
         List<String> running = new ArrayList<>(services());
         running.removeIf(name -> !isRunning(backend.ordinal(), name));

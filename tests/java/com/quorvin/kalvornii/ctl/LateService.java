@@ -12,13 +12,13 @@ public final class LateService {
     private LateService() {}
 
     public static void main(String[] arguments) {
-        SimulatedDevice.declare(AIDL, "satellite");
+        SimulatedDevice.get().declare(AIDL, "satellite");
         Thread events = new Thread(() -> {
             pause(4500);
-            SimulatedDevice.kill(AIDL, "power");
-            SimulatedDevice.restart(AIDL, "power");
+            SimulatedDevice.get().kill(AIDL, "power");
+            SimulatedDevice.get().restart(AIDL, "power");
             pause(500);
-            SimulatedDevice.restart(AIDL, "satellite");
+            SimulatedDevice.get().restart(AIDL, "satellite");
         });
         events.setDaemon(true);
         events.start();

@@ -18,16 +18,16 @@ final class Unload {
         SimulatedDevice.start("mixed");
         expect("board name", "KV-MAIN-V3", loadAndAskBoardName());
 
-        SimulatedDevice.kill(AIDL, "factory");
-        expect("power, before the restart", null, SimulatedDevice.holder("power"));
+        SimulatedDevice.get().kill(AIDL, "factory");
+        expect("power, before the restart", null, SimulatedDevice.get().holder("power"));
         awaitUnload();
 
-        SimulatedDevice.kill(HIDL, "light");
-        SimulatedDevice.restart(HIDL, "light");
-        SimulatedDevice.restart(AIDL, "factory");
-        SimulatedDevice.settle();
-        expect("light, announced to the watcher", HIDL, SimulatedDevice.holder("light"));
-        expect("power, of the restart", AIDL, SimulatedDevice.holder("power"));
+        SimulatedDevice.get().kill(HIDL, "light");
+        SimulatedDevice.get().restart(HIDL, "light");
+        SimulatedDevice.get().restart(AIDL, "factory");
+        SimulatedDevice.get().settle();
+        expect("light, announced to the watcher", HIDL, SimulatedDevice.get().holder("light"));
+        expect("power, of the restart", AIDL, SimulatedDevice.get().holder("power"));
 
         expect("board name after the second load", "KV-MAIN-V3", loadAndAskBoardName());
     }
@@ -45,12 +45,12 @@ final class Unload {
 
     /** JNI_OnUnload releases the HIDL services too, which the death of an AIDL one leaves held. */
     private static void awaitUnload() throws InterruptedException {
-        expect("light, before the unload", HIDL, SimulatedDevice.holder("light"));
-        for (int i = 0; i < 100 && SimulatedDevice.holder("light") == HIDL; i++) {
+        expect("light, before the unload", HIDL, SimulatedDevice.get().holder("light"));
+        for (int i = 0; i < 100 && SimulatedDevice.get().holder("light") == HIDL; i++) {
             System.gc();
             Thread.sleep(10);
         }
-        expect("light, after the unload", null, SimulatedDevice.holder("light"));
+        expect("light, after the unload", null, SimulatedDevice.get().holder("light"));
         Thread.sleep(100);  // JNI_OnUnload has yet to return before anything is unmapped
     }
 

@@ -16,11 +16,12 @@ import org.junit.jupiter.api.BeforeEach;
 import org.junit.jupiter.api.Test;
 
 class SimulatedDeviceTest {
+    private final SimulatedDevice device = SimulatedDevice.get();
     private final KvNativeInterface kv = new KvNativeInterface();
 
     @BeforeEach
     void restore() {
-        SimulatedDevice.restore();
+        device.restore();
     }
 
     private static void refused(String naming, Runnable call) {
@@ -30,108 +31,107 @@ class SimulatedDeviceTest {
 
     @Test
     void namesWhatIsRightInsteadOfWhatIsWrong() {
-        String all = String.join(", ", SimulatedDevice.services());
+        String all = String.join(", ", device.services());
         refused("aidl, hidl, mixed, bare", () -> SimulatedDevice.start("Mixed"));
-        refused(all, () -> SimulatedDevice.holder("Factory"));
-        refused(all, () -> SimulatedDevice.holder(null));
-        refused(all, () -> SimulatedDevice.runs(""));
-        refused("touch, sensors, light", () -> SimulatedDevice.kill(HIDL, "factory"));
-        refused("radio, display_factory", () -> SimulatedDevice.kill(AIDL, "satellite"));
-        refused("fingerprint, chip", () -> SimulatedDevice.restart(HIDL, "sim"));
-        refused("sim, satellite", () -> SimulatedDevice.declare(AIDL, "factory@1.0"));
-        refused("AIDL or HIDL", () -> SimulatedDevice.kill(null, "factory"));
-        refused(all, () -> SimulatedDevice.killProcess("nobody"));
-        refused(all, () -> SimulatedDevice.restartProcess(null));
-        refused("readNv, ", () -> SimulatedDevice.answer("nativeReadNvValue", 0, ""));
-        refused("1000000 bytes", () -> SimulatedDevice.answer("readNv", 0, "x".repeat(1000001)));
-        refused("null", () -> SimulatedDevice.answer("readNv", 0, null));
-        refused("U+0000", () -> SimulatedDevice.answer("readNv", 0, "cut\0off"));
-        refused("surrogate", () -> SimulatedDevice.answer("readNv", 0, "\uD83D \uDE00"));
-        refused("surrogate", () -> SimulatedDevice.answer("i2cTest", 0, "", "\uDE00"));
-        refused("null", () -> SimulatedDevice.answer("i2cTest", 0, "", null));
-        refused("readNv, ", () -> SimulatedDevice.fail(AIDL, null));
-        refused("readNv, ", () -> SimulatedDevice.fail(HIDL, "setLightsBrightness"));
-        refused("AIDL or HIDL", () -> SimulatedDevice.fail(null, "readNv"));
+        refused(all, () -> device.holder("Factory"));
+        refused(all, () -> device.holder(null));
+        refused(all, () -> device.runs(""));
+        refused("touch, sensors, light", () -> device.kill(HIDL, "factory"));
+        refused("radio, display_factory", () -> device.kill(AIDL, "satellite"));
+        refused("fingerprint, chip", () -> device.restart(HIDL, "sim"));
+        refused("sim, satellite", () -> device.declare(AIDL, "factory@1.0"));
+        refused("AIDL or HIDL", () -> device.kill(null, "factory"));
+        refused(all, () -> device.killProcess("nobody"));
+        refused(all, () -> device.restartProcess(null));
+        refused("readNv, ", () -> device.answer("nativeReadNvValue", 0, ""));
+        refused("1000000 bytes", () -> device.answer("readNv", 0, "x".repeat(1000001)));
+        refused("null", () -> device.answer("readNv", 0, null));
+        refused("U+0000", () -> device.answer("readNv", 0, "cut\0off"));
+        refused("surrogate", () -> device.answer("readNv", 0, "\uD83D \uDE00"));
+        refused("surrogate", () -> device.answer("i2cTest", 0, "", "\uDE00"));
+        refused("null", () -> device.answer("i2cTest", 0, "", null));
+        refused("readNv, ", () -> device.fail(AIDL, null));
+        refused("readNv, ", () -> device.fail(HIDL, "setLightsBrightness"));
+        refused("AIDL or HIDL", () -> device.fail(null, "readNv"));
         assertThrows(IllegalStateException.class, () -> SimulatedDevice.start("aidl"));
         SimulatedDevice.start("mixed");
     }
 
     @Test
     void hasReleasedEverythingOfABackendWhenAKillReturns() {
-        SimulatedDevice.kill(AIDL, "factory");
-        assertNull(SimulatedDevice.holder("power"));
-        assertEquals(AIDL, SimulatedDevice.runs("power"));
-        assertEquals(HIDL, SimulatedDevice.holder("light"));
+        device.kill(AIDL, "factory");
+        assertNull(device.holder("power"));
+        assertEquals(AIDL, device.runs("power"));
+        assertEquals(HIDL, device.holder("light"));
 
-        SimulatedDevice.kill(HIDL, "light");
-        assertNull(SimulatedDevice.holder("sensors"));
+        device.kill(HIDL, "light");
+        assertNull(device.holder("sensors"));
         assertEquals(SERVICE_ABSENT, kv.nativeSetLedBrightness(1, 1));
 
-        SimulatedDevice.restart(HIDL, "light");
-        SimulatedDevice.restart(AIDL, "factory");
-        SimulatedDevice.settle();
-        assertEquals(AIDL, SimulatedDevice.holder("power"));
-        assertEquals(HIDL, SimulatedDevice.holder("sensors"));
+        device.restart(HIDL, "light");
+        device.restart(AIDL, "factory");
+        device.settle();
+        assertEquals(AIDL, device.holder("power"));
+        assertEquals(HIDL, device.holder("sensors"));
     }
 
     @Test
     void killsWhatSharesAProcess() {
-        SimulatedDevice.killProcess("sensors");
-        assertNull(SimulatedDevice.runs("touch"));
-        assertNull(SimulatedDevice.runs("light"));
-        refused("factory, display, power", () -> SimulatedDevice.killProcess("light"));
-        SimulatedDevice.restartProcess("light");
-        SimulatedDevice.settle();
-        assertEquals(HIDL, SimulatedDevice.holder("touch"));
+        device.killProcess("sensors");
+        assertNull(device.runs("touch"));
+        assertNull(device.runs("light"));
+        refused("factory, display, power", () -> device.killProcess("light"));
+        device.restartProcess("light");
+        device.settle();
+        assertEquals(HIDL, device.holder("touch"));
     }
 
     @Test
     void makesTheLibraryWaitForAServiceDeclaredLate() {
-        SimulatedDevice.declare(AIDL, "satellite");
-        SimulatedDevice.kill(AIDL, "radio");
-        SimulatedDevice.restart(AIDL, "radio");
-        assertThrows(
-                IllegalStateException.class, () -> SimulatedDevice.settle(Duration.ofMillis(50)));
-        SimulatedDevice.restart(AIDL, "satellite");
-        SimulatedDevice.settle();
+        device.declare(AIDL, "satellite");
+        device.kill(AIDL, "radio");
+        device.restart(AIDL, "radio");
+        assertThrows(IllegalStateException.class, () -> device.settle(Duration.ofMillis(50)));
+        device.restart(AIDL, "satellite");
+        device.settle();
         assertEquals("cp ok", kv.nativeChipTtTestCp("cp"));
     }
 
     /** What runs, and what is held. */
-    private static List<String> state() {
-        return SimulatedDevice.services()
+    private List<String> state() {
+        return device.services()
                 .stream()
-                .map(name -> name + SimulatedDevice.runs(name) + SimulatedDevice.holder(name))
+                .map(name -> name + device.runs(name) + device.holder(name))
                 .collect(Collectors.toList());
     }
 
-    private static void addOverHidl() {
-        SimulatedDevice.restart(HIDL, "camera");
-        SimulatedDevice.declare(HIDL, "chip");
-        SimulatedDevice.killProcess("light");
+    private void addOverHidl() {
+        device.restart(HIDL, "camera");
+        device.declare(HIDL, "chip");
+        device.killProcess("light");
     }
 
-    private static void waitForAServiceThatNeverComes() {
-        SimulatedDevice.declare(AIDL, "satellite");
-        SimulatedDevice.kill(AIDL, "radio");
+    private void waitForAServiceThatNeverComes() {
+        device.declare(AIDL, "satellite");
+        device.kill(AIDL, "radio");
     }
 
-    private static void dieAndComeBack() {
-        SimulatedDevice.kill(AIDL, "sim");
-        SimulatedDevice.restart(AIDL, "sim");
-        SimulatedDevice.settle();
+    private void dieAndComeBack() {
+        device.kill(AIDL, "sim");
+        device.restart(AIDL, "sim");
+        device.settle();
     }
 
     @Test
     void isAsAtItsStartWhateverHappened() {
         List<String> atStart = state();
-        for (Runnable happening : List.<Runnable>of(SimulatedDeviceTest::addOverHidl,
-                     SimulatedDeviceTest::waitForAServiceThatNeverComes,
-                     ()
-                             -> SimulatedDevice.killProcess("factory"),
-                     () -> SimulatedDevice.restart(AIDL, "satellite"))) {
+        for (Runnable happening :
+                List.<Runnable>of(this::addOverHidl, this::waitForAServiceThatNeverComes,
+                        ()
+                                -> device.killProcess("factory"),
+                        () -> device.restart(AIDL, "satellite"))) {
             happening.run();
-            SimulatedDevice.restore();
+            device.restore();
             assertEquals(atStart, state());
             dieAndComeBack();  // so nothing that was declared is waited for
             assertEquals(atStart, state());
@@ -144,9 +144,9 @@ class SimulatedDeviceTest {
         kv.nativeSetSimPowerState(1);
         assertEquals(List.of("aidl fingerprint.createSession(-1, -1000, \"\")",
                              "aidl sim.setSimPowerState(1)"),
-                SimulatedDevice.receivedInAll());
+                device.receivedInAll());
         dieAndComeBack();
-        assertEquals(List.of(), SimulatedDevice.received());
+        assertEquals(List.of(), device.received());
     }
 
     @Test
@@ -160,26 +160,26 @@ class SimulatedDeviceTest {
 
     @Test
     void answersAndFailsAsToldAndShowsWhatItWasAsked() {
-        SimulatedDevice.answer("readNv", 0, "Prüfstand 測試 \uD83D\uDE00");
-        SimulatedDevice.answer("i2cTest", 0, "pass", "bus9");
-        SimulatedDevice.fail(AIDL, "setTestResult");
+        device.answer("readNv", 0, "Prüfstand 測試 \uD83D\uDE00");
+        device.answer("i2cTest", 0, "pass", "bus9");
+        device.fail(AIDL, "setTestResult");
         assertEquals("Prüfstand 測試 \uD83D\uDE00", kv.nativeReadNvValue(7));
         assertEquals("pass", kv.nativeI2cTest());
         assertEquals("bus9", KvNativeInterface.i2cInfo);
         assertEquals(-1, kv.nativeSetTestResult("ä", 7));
         assertEquals(List.of("aidl factory.readNv(7)", "aidl factory.i2cTest(1024)",
                              "aidl factory.setTestResult(7, \"ä\")"),
-                SimulatedDevice.received());
+                device.received());
     }
 
     @Test
     void forgetsWhenItIsRestored() {
         kv.nativeWriteNvValue("kept", 8);
-        SimulatedDevice.answer("getVersionName", 0, "another board");
-        SimulatedDevice.fail(HIDL, "handleSensorPara");
-        SimulatedDevice.kill(AIDL, "display");
-        SimulatedDevice.restore();
-        assertEquals(List.of(), SimulatedDevice.receivedInAll());
+        device.answer("getVersionName", 0, "another board");
+        device.fail(HIDL, "handleSensorPara");
+        device.kill(AIDL, "display");
+        device.restore();
+        assertEquals(List.of(), device.receivedInAll());
         assertNull(kv.nativeReadNvValue(8));
         assertEquals("KV-MAIN-V3", kv.nativeGetBoardName());
         assertEquals("shown", kv.nativeDisplayTest("red"));

@@ -106,7 +106,7 @@ public final class RunningTest {
         }
         Session.blank();
         Session.row("service", "backend", "serves");
-        for (String service : SimulatedDevice.services()) {
+        for (String service : SimulatedDevice.get().services()) {
             session.check("SERVES in RunningTest.java tells of " + service, true,
                     SERVES.containsKey(service));
             Session.row(service, Session.holder(service), SERVES.getOrDefault(service, ""));
@@ -117,7 +117,7 @@ public final class RunningTest {
     }
 
     private void settle() {
-        SimulatedDevice.settle();
+        SimulatedDevice.get().settle();
     }
 
     /** A chapter, of the samples below its title. */
@@ -168,7 +168,7 @@ public final class RunningTest {
 
     private static Item answered(int code, String scripted, Item item) {
         return new Item(item.method, item.name, item.sound, () -> {
-            SimulatedDevice.answer(scripted, code, "");
+            SimulatedDevice.get().answer(scripted, code, "");
             return item.run.get();
         });
     }
@@ -213,13 +213,13 @@ public final class RunningTest {
 
     private void deaths() {
         Session.chapter("A service dies in the middle of the test");
-        boolean aidl = SimulatedDevice.holder("factory") == AIDL;
-        boolean hidl = SimulatedDevice.holder("light") == HIDL;
+        boolean aidl = SimulatedDevice.get().holder("factory") == AIDL;
+        boolean hidl = SimulatedDevice.get().holder("light") == HIDL;
         if (!aidl && !hidl) Session.say("No service is up on this device, so none can die.");
         if (aidl) aidlDeath();
         if (aidl && hidl) Session.blank();
         if (hidl) hidlDeath();
-        if (aidl || hidl) processDeath(SimulatedDevice.holder("display"));
+        if (aidl || hidl) processDeath(SimulatedDevice.get().holder("display"));
     }
 
     private void aidlDeath() {
@@ -228,7 +228,7 @@ public final class RunningTest {
         session.call(0, "nativeSetTestResult", "PASS;first", 21);
 
         Session.event("the factory service dies (AIDL)");
-        SimulatedDevice.kill(AIDL, "factory");
+        SimulatedDevice.get().kill(AIDL, "factory");
         sleep(50);  // for the lines of the restart, up to where it waits
         Session.event("the library has released all AIDL services: " + Session.holders());
         session.checkReleased(AIDL);
@@ -237,7 +237,7 @@ public final class RunningTest {
                 + "here the power service too: it lives, but has been released with the others.");
         session.call(0, "nativeSetTestResult", "PASS;second", 22);
         session.play("nativeGetPowerState");
-        if (SimulatedDevice.holder("light") == HIDL) {
+        if (SimulatedDevice.get().holder("light") == HIDL) {
             Session.say("The light is held over HIDL and serves on.");
             session.call(0, "nativeSetLedBrightness", 1, 64);
         }
@@ -247,7 +247,7 @@ public final class RunningTest {
         sleep(250);
 
         Session.event("the factory service is back");
-        SimulatedDevice.restart(AIDL, "factory");
+        SimulatedDevice.get().restart(AIDL, "factory");
         reconnected();
         session.call(0, "nativeSetTestResult", "PASS;second", 22);
         session.call("PASS;first", "nativeGetTestResult", 21);
@@ -259,21 +259,21 @@ public final class RunningTest {
         session.call(0, "nativeSetLedBrightness", 1, 255);
 
         Session.event("the light service dies (HIDL)");
-        SimulatedDevice.kill(HIDL, "light");
+        SimulatedDevice.get().kill(HIDL, "light");
         settle();
         Session.event("the library has released all HIDL services: " + Session.holders());
         session.checkReleased(HIDL);
         Session.say("Calls fail with their own values; the sensors live, but are released too.");
         session.call(0, "nativeSetLedBrightness", 1, 0);
         session.play("nativeGetSensorPara");
-        if (SimulatedDevice.holder("factory") == AIDL) {
+        if (SimulatedDevice.get().holder("factory") == AIDL) {
             Session.say("The factory service is held over AIDL and serves on.");
             session.play("nativeReadNvValue");
         }
         sleep(250);
 
         Session.event("the light service is back and registers anew");
-        SimulatedDevice.restart(HIDL, "light");
+        SimulatedDevice.get().restart(HIDL, "light");
         reconnected();
         session.call(0, "nativeSetLedBrightness", 1, 0);
         session.play("nativeGetSensorPara");
@@ -283,7 +283,7 @@ public final class RunningTest {
         Session.blank();
         Session.say("The two display services run in one process, as on many devices.");
         Session.event("their process dies (" + backend + ")");
-        SimulatedDevice.killProcess("display");
+        SimulatedDevice.get().killProcess("display");
         sleep(50);
         if (backend == AIDL) {
             Session.say("Each death has a notice, on a thread of its own. The first to come "
@@ -296,7 +296,7 @@ public final class RunningTest {
         sleep(250);
 
         Session.event("the process is back");
-        SimulatedDevice.restartProcess("display");
+        SimulatedDevice.get().restartProcess("display");
         reconnected();
         session.play("nativeDisplayTest");
         session.play("nativeDisplayGeneralTest");

@@ -98,7 +98,7 @@ final class Session {
 
     /** Shows what the last call became on the way to the service. */
     void follow() {
-        for (String call : SimulatedDevice.received())
+        for (String call : SimulatedDevice.get().received())
             Screen.print(NO_TIME + "    -> ", call, CYAN);
     }
 
@@ -109,7 +109,7 @@ final class Session {
             say("    KvNativeInterface." + sample.field() + " = " + show(value));
             if (!isConnected(sample)) return;
             check(sample.field() + " (" + sample.where + ")",
-                    sample.fieldText(lower(SimulatedDevice.holder(sample.service()))), value);
+                    sample.fieldText(lower(SimulatedDevice.get().holder(sample.service()))), value);
         } catch (ReflectiveOperationException e) {
             throw new IllegalStateException(sample.where, e);
         }
@@ -122,7 +122,7 @@ final class Session {
 
     private static boolean isConnected(Sample sample) {
         if (sample.service() == null) return true;
-        Backend holder = SimulatedDevice.holder(sample.service());
+        Backend holder = SimulatedDevice.get().holder(sample.service());
         return holder != null && sample.isServedOver(lower(holder));
     }
 
@@ -133,10 +133,10 @@ final class Session {
 
     /** The same, but for the services of one backend, which are held no more. */
     void checkReleased(Backend backend) {
-        for (String service : SimulatedDevice.services()) {
-            Backend runs = SimulatedDevice.runs(service);
+        for (String service : SimulatedDevice.get().services()) {
+            Backend runs = SimulatedDevice.get().runs(service);
             check("the backend that holds " + service, runs == backend ? null : runs,
-                    SimulatedDevice.holder(service));
+                    SimulatedDevice.get().holder(service));
         }
     }
 
@@ -153,20 +153,20 @@ final class Session {
 
     /** The backend over which the library holds a service: "AIDL", "HIDL" or "none". */
     static String holder(String service) {
-        return Objects.toString(SimulatedDevice.holder(service), "none");
+        return Objects.toString(SimulatedDevice.get().holder(service), "none");
     }
 
     /** How many services are held over which backend. */
     static String holders() {
-        List<String> all = SimulatedDevice.services().stream().map(Session::holder).toList();
+        List<String> all = SimulatedDevice.get().services().stream().map(Session::holder).toList();
         return String.format("%d over AIDL, %d over HIDL, %d not connected",
                 Collections.frequency(all, "AIDL"), Collections.frequency(all, "HIDL"),
                 Collections.frequency(all, "none"));
     }
 
     static boolean anyHolds(Backend backend) {
-        return SimulatedDevice.services().stream().anyMatch(
-                service -> SimulatedDevice.holder(service) == backend);
+        return SimulatedDevice.get().services().stream().anyMatch(
+                service -> SimulatedDevice.get().holder(service) == backend);
     }
 
     static void chapter(String title) {
@@ -206,7 +206,7 @@ final class Session {
 
     private Object invoke(Method method, Object[] arguments) {
         String time = time();
-        SimulatedDevice.received();
+        SimulatedDevice.get().received();
         Screen.holdLog();
         Object result;
         try {

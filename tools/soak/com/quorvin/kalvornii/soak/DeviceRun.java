@@ -67,7 +67,7 @@ final class DeviceRun {
         if (!Native.keepLog(arguments[3])) {
             throw new IllegalStateException("cannot write " + arguments[3]);
         }
-        SimulatedDevice.recordCalls(false);
+        SimulatedDevice.get().recordCalls(false);
         DeviceRun run = new DeviceRun(Long.parseLong(arguments[0]), Integer.parseInt(arguments[1]),
                 Long.parseLong(arguments[2]), arguments[4]);
         System.exit(run.run() ? 0 : 1);
@@ -78,7 +78,7 @@ final class DeviceRun {
         listener.setDaemon(true);
         listener.start();
         try {
-            SimulatedDevice.settle();
+            SimulatedDevice.get().settle();
             playCallsAndDeaths();
             if (!isOver()) measureEachCall();
         } catch (RuntimeException e) {
@@ -119,7 +119,7 @@ final class DeviceRun {
             boolean dies = deaths * (i + 1) / stretches > deaths * i / stretches;
             boolean secondHalf = i >= stretches / 2;
             if (!plant.isEmpty() && i == stretches / 2) {
-                SimulatedDevice.answer(plant, 4711, "planted");
+                SimulatedDevice.get().answer(plant, 4711, "planted");
             }
             long before = Native.bytesInUse();
             long callsBefore = crew.made();
@@ -160,10 +160,10 @@ final class DeviceRun {
 
     private Death chooseDeath() {
         List<String> mortal = new ArrayList<>(situation.services);
-        mortal.removeIf(service -> SimulatedDevice.runs(service) == null);
+        mortal.removeIf(service -> SimulatedDevice.get().runs(service) == null);
         String service = mortal.get(random.nextInt(mortal.size()));
         String what = deathsOfAll > 0 ? "all" : random.nextBoolean() ? "process" : "one";
-        return new Death(service, SimulatedDevice.runs(service), what);
+        return new Death(service, SimulatedDevice.get().runs(service), what);
     }
 
     /** Only over AIDL: a call on a dead HIDL service ends the process, as on a device. */
@@ -175,7 +175,7 @@ final class DeviceRun {
         death.kill();
         pause();
         death.restart();
-        SimulatedDevice.settle();
+        SimulatedDevice.get().settle();
         crew.stop();
     }
 
@@ -192,7 +192,7 @@ final class DeviceRun {
         long listeners = look().listeners();
         long begin = System.nanoTime();
         death.restart();
-        SimulatedDevice.settle();
+        SimulatedDevice.get().settle();
         long end = System.nanoTime();
         if (underCalls) {
             crew.stop();
@@ -210,17 +210,17 @@ final class DeviceRun {
 
         void kill() {
             if (what.equals("one")) {
-                SimulatedDevice.kill(backend, service);
+                SimulatedDevice.get().kill(backend, service);
             } else {
-                SimulatedDevice.killProcess(service);
+                SimulatedDevice.get().killProcess(service);
             }
         }
 
         void restart() {
             if (what.equals("one")) {
-                SimulatedDevice.restart(backend, service);
+                SimulatedDevice.get().restart(backend, service);
             } else {
-                SimulatedDevice.restartProcess(service);
+                SimulatedDevice.get().restartProcess(service);
             }
         }
     }

@@ -18,14 +18,14 @@ final class Situation {
         NO_SERVICE
     }
 
-    final List<String> services = SimulatedDevice.services();
+    final List<String> services = SimulatedDevice.get().services();
     /** The backend of each service on this device; null for none. */
     private final Backend[] backends;
     private final int[] may;
     private volatile int changes;
 
     Situation() {
-        backends = services.stream().map(SimulatedDevice::runs).toArray(Backend[]::new);
+        backends = services.stream().map(SimulatedDevice.get()::runs).toArray(Backend[]::new);
         may = new int[services.size()];
         allHealthy();
     }
@@ -79,10 +79,10 @@ final class Situation {
         boolean aidlWaits = false;
         boolean hidlDied = false;
         for (int i = 0; i < may.length; i++) {
-            hidlDied |= backends[i] == HIDL && SimulatedDevice.runs(services.get(i)) == null;
+            hidlDied |= backends[i] == HIDL && SimulatedDevice.get().runs(services.get(i)) == null;
         }
         for (int i = 0; i < may.length; i++) {
-            aidlWaits |= backends[i] == AIDL && SimulatedDevice.runs(services.get(i)) == null;
+            aidlWaits |= backends[i] == AIDL && SimulatedDevice.get().runs(services.get(i)) == null;
             boolean absent = backends[i] == null || (backends[i] == AIDL ? aidlWaits : hidlDied);
             may[i] = absent ? Call.ABSENT : Call.HEALTHY;
         }
