@@ -96,7 +96,7 @@ class EveryMethodTest : public LibraryTest {
     std::string Play(const Sample& sample, Lines* log) {
         std::vector<int> linesBefore;
         device.OnCall([&] { linesBefore.push_back(LinesLogged()); });
-        const std::string result = java::Call(sample.method, sample.args);
+        std::string result = java::Call(sample.method, sample.args);
         device.OnCall(nullptr);
         *log = TakeLog();
         for (auto at = linesBefore.rbegin(); at != linesBefore.rend(); ++at) {

@@ -90,11 +90,9 @@ void Entry::Add(const std::string& line, const std::string& where) {
 }
 
 const std::string* Entry::Fact(const std::string& backend, const std::string& word) const {
-    for (const std::string& name : {backend + " " + word, word}) {
-        const auto found = mFacts.find(name);
-        if (found != mFacts.end()) return &found->second;
-    }
-    return nullptr;
+    auto found = mFacts.find(std::string(backend).append(" ").append(word));
+    if (found == mFacts.end()) found = mFacts.find(word);
+    return found == mFacts.end() ? nullptr : &found->second;
 }
 
 Entry::Declared Entry::Declaration() const {
