@@ -16,7 +16,7 @@ declare -A lists=(
     [package]="junit5 openjdk-17-jdk-headless"
     [bench]="binutils libbenchmark-dev valgrind"
     [tidy]="clang-tidy"
-    [arm]="binutils-arm-linux-gnueabihf mmdebstrap qemu-user-static"
+    [arm]="binutils-arm-linux-gnueabihf mmdebstrap qemu-user-static xz-utils"
     [fuzz]="android-liblog-dev clang libclang-rt-14-dev"
 )
 

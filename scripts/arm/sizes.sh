@@ -1,11 +1,14 @@
 #!/bin/bash
-# What the stripped 32-bit ARM library is made of, and whether it keeps to its limit on disk.
+# What the stripped 32-bit ARM library is made of, and whether it keeps to its limit and to the size that
+# was recorded: sizes.sh [record]
 set -euo pipefail
 cd "$(dirname "$0")/../.."
-limit=$((80 * 1024))
+limit=$((96 * 1024))
+recorded=scripts/arm/size.txt
 
-stripped=$(mktemp)
-trap 'rm -f "$stripped"' EXIT
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+stripped=$work/stripped
 arm-linux-gnueabihf-strip -o "$stripped" build/arm/lib_kalvorn.so
 
 # The linker's map has a line for each function: its place twice, its size, alignment, object and
@@ -65,5 +68,22 @@ arm-linux-gnueabihf-size -A "$stripped" | awk '
         row("relocations", relocations)
     }'
 size=$(stat -c %s "$stripped")
-printf '  %-38s %7d of at most %d\n' "on disk" "$size" "$limit"
+printf '  %-38s %7d of at most %d, recorded are %d\n' "on disk" "$size" "$limit" "$(<"$recorded")"
+
+# What the platform keeps beside it for backtraces: the names of the functions and their frames, packed.
+mini=$work/mini_debug_info
+arm-linux-gnueabihf-nm --format=posix --defined-only build/arm/lib_kalvorn.so |
+    awk '$2 ~ /[TtD]/ { print $1 }' >"$work/functions"
+arm-linux-gnueabihf-objcopy --only-keep-debug build/arm/lib_kalvorn.so "$work/debug"
+arm-linux-gnueabihf-objcopy --strip-all --remove-section=.comment --keep-section=.debug_frame \
+    --keep-symbols="$work/functions" "$work/debug" "$mini"
+xz --block-size=64k "$mini"
+printf '  %-38s %7d\n' "mini debug info, on a device's disk" "$(stat -c %s "$mini.xz")"
+
 [ "$size" -le "$limit" ] || { echo "sizes: lib_kalvorn.so is too large" >&2; exit 1; }
+if [ "${1-}" = record ]; then
+    echo "$size" >"$recorded"
+elif [ $((100 * size)) -gt $((102 * $(<"$recorded"))) ]; then
+    echo "sizes: lib_kalvorn.so has grown by more than 2 %. If it is meant to: scripts/arm/sizes.sh record" >&2
+    exit 1
+fi
