@@ -1,5 +1,7 @@
 #include "common/big_data.h"
 
+#include <iterator>
+
 #include "common/java_values.h"
 #include "common/log.h"
 
@@ -40,6 +42,24 @@ class Fields {
 jstring StringAt(JNIEnv* env, jobject object, jfieldID field) {
     return static_cast<jstring>(env->GetObjectField(object, field));
 }
+
+// The texts of a BigDataValue, in the order in which they are read.
+constexpr struct {
+    const char* name;
+    const char* BigDataValue::*chars;
+} kTexts[] = {
+        {"deviceName", &BigDataValue::deviceName},
+        {"station", &BigDataValue::station},
+        {"testName", &BigDataValue::testName},
+        {"bsn", &BigDataValue::bsn},
+        {"value", &BigDataValue::value},
+        {"minThreshold", &BigDataValue::minThreshold},
+        {"maxThreshold", &BigDataValue::maxThreshold},
+        {"result", &BigDataValue::result},
+        {"time", &BigDataValue::time},
+        {"firmware", &BigDataValue::firmware},
+        {"description", &BigDataValue::description},
+};
 
 }  // namespace
 
@@ -85,35 +105,20 @@ bool ReadBigData(JNIEnv* env, JavaBigDataValue* value, BigDataValue* record) {
     jfieldID errorCode = fields.Id("errorCode", kInt);
     jfieldID itemId = fields.Id("itemId", kInt);
     jfieldID cycle = fields.Id("cycle", kInt);
-    struct {
-        const char* name;
-        const char** chars;
-        jfieldID field;
-        jstring text;
-    } texts[] = {
-            {"deviceName", &record->deviceName, nullptr, nullptr},
-            {"station", &record->station, nullptr, nullptr},
-            {"testName", &record->testName, nullptr, nullptr},
-            {"bsn", &record->bsn, nullptr, nullptr},
-            {"value", &record->value, nullptr, nullptr},
-            {"minThreshold", &record->minThreshold, nullptr, nullptr},
-            {"maxThreshold", &record->maxThreshold, nullptr, nullptr},
-            {"result", &record->result, nullptr, nullptr},
-            {"time", &record->time, nullptr, nullptr},
-            {"firmware", &record->firmware, nullptr, nullptr},
-            {"description", &record->description, nullptr, nullptr},
-    };
-    // All ids, then all objects, then all texts, each in this order.
-    for (auto& text : texts) text.field = fields.Id(text.name, kString);
+    // All ids, then all objects, then all texts.
+    jfieldID ids[std::size(kTexts)];
+    for (size_t i = 0; i < std::size(kTexts); i++) ids[i] = fields.Id(kTexts[i].name, kString);
     if (!fields.Found()) return false;
 
     record->errorCode = env->GetIntField(value, errorCode);
     record->itemId = env->GetIntField(value, itemId);
     record->cycle = env->GetIntField(value, cycle);
-    for (auto& text : texts) text.text = StringAt(env, value, text.field);
-    for (auto& text : texts) {
-        *text.chars = GetText(env, text.text, text.name);
-        if (*text.chars == nullptr) return false;
+    jstring texts[std::size(kTexts)];
+    for (size_t i = 0; i < std::size(kTexts); i++) texts[i] = StringAt(env, value, ids[i]);
+    for (size_t i = 0; i < std::size(kTexts); i++) {
+        const char* chars = GetText(env, texts[i], kTexts[i].name);
+        if (chars == nullptr) return false;
+        record->*kTexts[i].chars = chars;
     }
     return true;
 }

@@ -2,6 +2,9 @@
 
 #include <string.h>
 
+#include <algorithm>
+#include <iterator>
+
 namespace kalvorn {
 
 namespace {
@@ -51,22 +54,22 @@ constexpr NamedScene kDisplayGeneralTestScenes[] = {
 };
 // clang-format on
 
-template <size_t N>
-PanelScene Find(const NamedScene (&scenes)[N], const char* text, PanelScene fallback) {
-    for (const NamedScene& scene : scenes) {
-        if (strcmp(scene.text, text) == 0) return scene.number;
-    }
-    return fallback;
+PanelScene Find(const NamedScene* first, const NamedScene* last, const char* text,
+                PanelScene fallback) {
+    const NamedScene* const found = std::find_if(
+            first, last, [text](const NamedScene& scene) { return strcmp(scene.text, text) == 0; });
+    return found == last ? fallback : found->number;
 }
 
 }  // namespace
 
 PanelScene DisplayTestScene(const char* text, PanelScene fallback) {
-    return Find(kDisplayTestScenes, text, fallback);
+    return Find(std::begin(kDisplayTestScenes), std::end(kDisplayTestScenes), text, fallback);
 }
 
 PanelScene DisplayGeneralTestScene(const char* text, PanelScene fallback) {
-    return Find(kDisplayGeneralTestScenes, text, fallback);
+    return Find(std::begin(kDisplayGeneralTestScenes), std::end(kDisplayGeneralTestScenes), text,
+                fallback);
 }
 
 }  // namespace kalvorn

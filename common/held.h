@@ -103,9 +103,12 @@ bool IsHeld(const android::sp<T>& global) {
     return __atomic_load_n(internal::WordIn(global), __ATOMIC_SEQ_CST) != 0;
 }
 
-/** A reference of the caller's own, whatever happens to the global meanwhile; null when empty. */
+/**
+ * A reference of the caller's own, whatever happens to the global meanwhile; null when empty. Not
+ * inlined, so that the linker makes one function of those of all services.
+ */
 template <typename T>
-android::sp<T> Copy(const android::sp<T>& global) {
+[[gnu::noinline]] android::sp<T> Copy(const android::sp<T>& global) {
     const Reading reading;
     return android::sp<T>(
             internal::ObjectIn<T>(__atomic_load_n(internal::WordIn(global), __ATOMIC_SEQ_CST)));

@@ -59,10 +59,10 @@ extern kalvorn::held::Retired<IBase> g_retired;
 
 /**
  * The service as an operation uses it: read once and held for the length of the call, so that a
- * death meanwhile cannot free it. Null, after the line, when it is absent.
+ * death meanwhile cannot free it. Null, after the line, when it is absent. Not inlined, as Copy.
  */
 template <typename Interface>
-sp<Interface> Held(const sp<Interface>& global, const char* nullText) {
+[[gnu::noinline]] sp<Interface> Held(const sp<Interface>& global, const char* nullText) {
     sp<Interface> service = kalvorn::held::Copy(global);
     if (service == nullptr) KV_LOGE("%s", nullText);
     return service;
