@@ -2,7 +2,7 @@
 # Installs the Debian packages that the given lists name and that are missing: "demo" for the build and
 # the demo; besides these "test" for the tests, "tidy" for clang-tidy, "arm" for the 32-bit ARM target;
 # "ctl" for kalvornctl; "package" for ./package; "fuzz" for the fuzzers; besides the demo's "bench" for the
-# measurements. Needs root or sudo to install.
+# measurements and "soak" for the soak. Needs root or sudo to install.
 set -euo pipefail
 
 declare -A lists=(
@@ -14,11 +14,13 @@ declare -A lists=(
         libbenchmark-dev libclang-rt-14-dev libgmock-dev libgtest-dev libmaven-install-plugin-java maven
         proguard-cli shellcheck valgrind zsh"
     [package]="junit5 openjdk-17-jdk-headless"
+    [soak]="jq libgoogle-gson-java libhdrhistogram-java libjs-chart.js"
     [bench]="binutils libbenchmark-dev valgrind"
     [tidy]="clang-tidy"
     [arm]="binutils-arm-linux-gnueabihf mmdebstrap qemu-user-static xz-utils"
     [fuzz]="android-liblog-dev clang libclang-rt-14-dev"
 )
+lists[test]+=" ${lists[soak]}"
 
 wanted=()
 for list in "$@"; do

@@ -9,7 +9,6 @@ failed=0
 java=java/com/quorvin/kalvornii/KvNativeInterface.java
 demo=tools/demo/com/quorvin/kalvornii/demo/RunningTest.java
 table=ctl/com/quorvin/kalvornii/ctl/Services.java
-soak=tools/soak/com/quorvin/kalvornii/soak/Calls.java
 
 # every NAMES PLACE WHAT: each of these names is in that place's.
 every() {
@@ -27,13 +26,12 @@ names() {
 }
 
 check_methods() {
-    local declared table asking on_both sampled soaked
+    local declared table asking on_both sampled
     declared=$(names '\bnative [^ ]+ [A-Za-z0-9]+\(' "$java")
     table=$(names '^[A-Z_]+\( *[A-Za-z0-9]+,' jni/methods.inc)
     asking=$(names '^(TWO_BACKENDS|AIDL_ONLY)\( *[A-Za-z0-9]+,' jni/methods.inc)
     on_both=$(names '^TWO_BACKENDS\( *[A-Za-z0-9]+,' jni/methods.inc)
     sampled=$(names '^[A-Za-z0-9]+' samples/methods.samples)
-    soaked=$(names '"[A-Za-z0-9]+"' "$soak" | uniq)
 
     every "$declared" "$table" "$java declares, but jni/methods.inc has no row for"
     every "$table" "$declared" "jni/methods.inc has a row too many, or $java does not declare"
@@ -42,7 +40,6 @@ check_methods() {
         "tools/bench/aidl_calls.cpp has no row for"
     every "$on_both" "$(names '^ +\{"[A-Za-z0-9]+"' tools/bench/hidl_calls.cpp)" \
         "tools/bench/hidl_calls.cpp has no row for"
-    every "$declared" "$soaked" "The soak never calls; the place is $soak"
 }
 
 check_services() {

@@ -166,6 +166,17 @@ public final class Sample {
         return fact(backend, "logs") != null;
     }
 
+    /** What is answered over "aidl" or "hidl" when the call to the service breaks off. */
+    public Object broken(String backend) {
+        String broken = fact(backend, "broken");
+        return broken == null ? null : value(method.getReturnType(), words(broken.split("\\|")[0]));
+    }
+
+    /** Whether texts from Java are not released, on purpose. */
+    public boolean keeps() {
+        return facts.containsKey("keeps");
+    }
+
     /** The static field that is filled; null for none. */
     public String field() {
         String fills = fact("aidl", "fills");

@@ -1,10 +1,19 @@
 package com.quorvin.kalvornii.soak;
 
+import com.google.gson.Gson;
+import com.google.gson.GsonBuilder;
 import com.quorvin.kalvornii.KvNativeInterface;
+import com.quorvin.kalvornii.samples.Sample;
+import com.quorvin.kalvornii.simulated.SimulatedDevice.Backend;
+import com.quorvin.kalvornii.soak.Situation.Route;
+import com.quorvin.kalvornii.soak.Situation.Service;
 import java.util.ArrayList;
+import java.util.Arrays;
+import java.util.EnumMap;
 import java.util.List;
-import java.util.Objects;
-import java.util.function.Supplier;
+import java.util.Map;
+import org.HdrHistogram.ConcurrentHistogram;
+import org.HdrHistogram.Histogram;
 
 /** A call of one method, and what it may answer when its service is there, away or dying. */
 final class Call {
@@ -14,133 +23,124 @@ final class Call {
     static final int BROKEN = 4;
     static final int ANYTHING = HEALTHY | ABSENT | BROKEN;
 
-    enum Keeps {
-        NOTHING,
-        TEXTS,
-        TEXTS_WHEN_ABSENT
-    }
+    /** What the library keeps of each call on purpose. */
+    enum Keeps { NOTHING, TEXTS, TEXTS_WHEN_ABSENT }
 
-    /** Calls, with arguments of the caller, and returns a number or a text. */
-    interface Deed {
+    /** How an argument varies from call to call; varying little, a text has at most 64 bytes. */
+    enum Varies { FREELY, LITTLE }
+
+    /** Texts that the device stores. */
+    enum Kind { RESULT, NV_ITEM, FLAG }
+
+    /** Makes a call that needs code of its own. */
+    interface Action {
         Object call(KvNativeInterface library, Caller caller);
     }
 
-    /** A static field, with what a healthy call leaves in it; a broken one leaves an empty text. */
-    private record StaticText(Supplier<String> value, String overAidl, String overHidl) {}
+    private static final Gson JSON =
+            new GsonBuilder().serializeNulls().disableHtmlEscaping().create();
 
     final String method;
-    /** Null for a method that no service serves. */
-    final String service;
-    /** What the library keeps of each call on purpose. */
-    Keeps keeps = Keeps.NOTHING;
-    /** Whether it touches what all threads share, so that only one may call it. */
-    boolean single;
-    private final Object healthy;
-    private final Object broken;
+    final Service service;
+    final Map<Route, Histogram> times = new EnumMap<>(Route.class);
+    Keeps keeps;
+    Object healthy;
+    List<?> broken;
+    /** Fixed ones, or how they vary. */
+    Object[] arguments;
+    /** Null for all but a few, like the next two. */
+    Action action;
+    Kind reads;
+    Kind writes;
+    private final Sample sample;
     private final Object absent;
-    private final Deed deed;
-    private StaticText field;
-    private Stored.Kind reads;
-    private Stored.Kind writes;
 
-    Call(String method, String service, Object healthy, Object broken, Deed deed) {
-        this.method = method;
+    Call(Sample sample, Service service) {
+        this.sample = sample;
         this.service = service;
-        this.healthy = healthy;
-        this.broken = broken;
-        this.deed = deed;
-        absent = broken instanceof Integer ? (Object) KvNativeInterface.SERVICE_ABSENT
-                : KvNativeInterface.INVALID_SERVICE;
+        method = sample.method.getName();
+        for (Route route : Route.values()) times.put(route, new ConcurrentHistogram(2));
+        keeps = sample.keeps() ? Keeps.TEXTS : Keeps.NOTHING;
+        healthy = comparable(sample.result);
+        broken = service.name == null ? List.of() : List.of(comparable(sample.broken("aidl")));
+        arguments = new Object[sample.arguments.length];
+        Arrays.fill(arguments, Varies.FREELY);
+        int number = KvNativeInterface.SERVICE_ABSENT;
+        absent = healthy instanceof String ? KvNativeInterface.INVALID_SERVICE
+                : healthy instanceof List  ? List.of(number, number)
+                                           : (Object) number;
+        if (service.backend == Backend.HIDL && !sample.isServedOver("hidl")) healthy = absent;
     }
 
-    Call keeping(Keeps what) {
-        keeps = what;
-        return this;
+    static Object comparable(Object answer) {
+        return answer instanceof int[] several ? Arrays.stream(several).boxed().toList() : answer;
     }
 
-    Call onOneThread() {
-        single = true;
-        return this;
+    /** Whether it touches what all threads share, so that only one may call it. */
+    boolean isSingle() {
+        return sample.field() != null || action != null;
     }
 
-    Call filling(Supplier<String> value, String overAidl, String overHidl) {
-        field = new StaticText(value, overAidl, overHidl);
-        return onOneThread();
-    }
-
-    /** A healthy answer is what this caller has stored. */
-    Call reading(Stored.Kind kind) {
-        reads = kind;
-        return this;
-    }
-
-    /** Sends what the caller is to store, in {@code storing}. */
-    Call writing(Stored.Kind kind) {
-        writes = kind;
-        return this;
+    /** The static field that is filled, now; null for none. */
+    private Object field() throws ReflectiveOperationException {
+        if (sample.field() == null) return null;
+        return KvNativeInterface.class.getField(sample.field()).get(null);
     }
 
     /** What has to be known before. */
-    void prepare(Caller caller) {
-        if (field != null) caller.fieldBefore = field.value.get();
-        if (writes != null) {
-            caller.storing = caller.stored(writes).toWrite(caller.slot, caller.first());
+    void prepare(Caller caller) throws ReflectiveOperationException {
+        caller.fieldBefore = field();
+        caller.arguments = arguments.clone();
+        for (int i = 0; i < arguments.length; i++) {
+            if (!(arguments[i] instanceof Varies how)) continue;
+            Class<?> type = sample.method.getParameterTypes()[i];
+            boolean isId = (reads != null || writes != null) && type == int.class;
+            caller.arguments[i] = isId ? caller.id() : caller.argument(type, i, how);
+            if (type == String.class) caller.storing = (String) caller.arguments[i];
         }
     }
 
-    void make(Caller caller) {
-        caller.answer = deed.call(caller.library, caller);
+    Object make(Caller caller) throws ReflectiveOperationException {
+        if (action != null) return action.call(caller.library, caller);
+        return sample.method.invoke(caller.library, caller.arguments);
     }
 
-    /** Whether answer and static field are such; then the caller knows what is stored. */
-    boolean isRight(Caller caller, boolean overHidl, int may) {
-        Object answer = caller.answer;
-        boolean isAbsent = absent.equals(answer);
-        boolean right = ((may & HEALTHY) != 0 && isHealthy(caller))
-                || ((may & ABSENT) != 0 && isAbsent)
-                || ((may & BROKEN) != 0 && broken.equals(answer));
-        if (!right) return false;
-        if (field != null && !isFieldRight(caller, isAbsent, overHidl, may)) return false;
-        if (reads != null && may == HEALTHY) {
-            caller.stored(reads).found(caller.slot, (String) answer);
-        }
-        if (writes != null && !isAbsent) {
-            caller.stored(writes).wrote(caller.slot, caller.storing, may == HEALTHY);
-        }
-        return true;
+    /** What is wrong with the answer or the static field; null when all is right. */
+    String fault(Caller caller, int may) throws ReflectiveOperationException {
+        List<Object> right = new ArrayList<>();
+        if ((may & HEALTHY) != 0 && reads == null) right.add(healthy);
+        if ((may & HEALTHY) != 0 && reads != null) right.addAll(caller.stored(reads));
+        if ((may & ABSENT) != 0) right.add(absent);
+        if ((may & BROKEN) != 0) right.addAll(broken);
+        String fault = fault("answered", caller.answer, right);
+        if (fault != null || sample.field() == null) return fault;
+        right.clear();
+        boolean isAbsent = absent.equals(caller.answer);
+        if (isAbsent) right.add(caller.fieldBefore);
+        if (!isAbsent)
+            right.add(sample.fieldText(service.backend == Backend.HIDL ? "hidl" : "aidl"));
+        if (!isAbsent && (may & BROKEN) != 0) right.add("");
+        return fault("left " + sample.field() + " as", field(), right);
     }
 
-    private boolean isHealthy(Caller caller) {
-        if (reads == null) return healthy.equals(caller.answer);
-        return caller.stored(reads).isOneOf(caller.slot, caller.answer);
+    private static String fault(String verb, Object found, List<Object> right) {
+        return right.contains(found) ? null
+                                     : verb + " " + quoted(found) + "; right is "
+                        + String.join(" or ", right.stream().map(Call::quoted).toList());
     }
 
-    private boolean isFieldRight(Caller caller, boolean isAbsent, boolean overHidl, int may) {
-        String found = field.value.get();
-        if (isAbsent) return Objects.equals(caller.fieldBefore, found);
-        if (Objects.equals(overHidl ? field.overHidl : field.overAidl, found)) return true;
-        return (may & BROKEN) != 0 && "".equals(found);
+    /** What is stored after a right answer; a write that broke off may have arrived or not. */
+    void remember(Caller caller, int may) {
+        Kind kind = reads != null ? reads : writes;
+        boolean isCertain = may == HEALTHY;
+        if (kind == null || absent.equals(caller.answer) || (reads != null && !isCertain)) return;
+        if (isCertain) caller.stored(kind).clear();
+        caller.stored(kind).add(reads != null ? (String) caller.answer : caller.storing);
     }
 
-    /** What was expected, and what came, for people. */
-    String verdict(Caller caller, boolean overHidl, int may) {
-        String found = "answered " + quoted(caller.answer);
-        String expected =
-                reads == null ? quoted(healthy) : caller.stored(reads).expected(caller.slot);
-        if (field != null) {
-            found += " and left " + quoted(field.value.get());
-            expected += " leaving " + quoted(overHidl ? field.overHidl : field.overAidl);
-        }
-        List<String> right = new ArrayList<>();
-        if ((may & HEALTHY) != 0) right.add(expected);
-        if ((may & ABSENT) != 0) right.add(quoted(absent) + " of an absent service");
-        if ((may & BROKEN) != 0) right.add(quoted(broken) + " of a broken call");
-        return found + "; right is " + String.join(" or ", right);
-    }
-
-    /** A number as it is, a text in quotes and not too long. */
+    /** As JSON has it, but not too long. */
     static String quoted(Object value) {
-        if (!(value instanceof String text)) return String.valueOf(value);
-        return '"' + (text.length() > 80 ? text.substring(0, 80) + "..." : text) + '"';
+        String text = JSON.toJson(value);
+        return text.length() > 200 ? text.substring(0, 200) + "..." : text;
     }
 }

@@ -5,83 +5,73 @@ import static java.nio.charset.StandardCharsets.ISO_8859_1;
 import com.quorvin.kalvornii.BigDataOperation;
 import com.quorvin.kalvornii.BigDataValue;
 import com.quorvin.kalvornii.KvNativeInterface;
-import com.quorvin.kalvornii.simulated.SimulatedDevice.Backend;
-import com.quorvin.kalvornii.soak.Situation.Way;
+import com.quorvin.kalvornii.soak.Call.Keeps;
 import java.lang.reflect.Field;
-import java.util.EnumMap;
+import java.util.ArrayList;
+import java.util.Arrays;
+import java.util.HashSet;
 import java.util.List;
-import java.util.Map;
+import java.util.Set;
+import org.HdrHistogram.Histogram;
 
 /**
- * One who calls the library and judges the answers. Each call's arguments are made from a sequence
- * of numbers that the seed decides; nothing is allocated for a call but its result.
+ * One thread's calls of the library, and the judgement of their answers. The arguments are made
+ * from a sequence of numbers that the seed decides.
  */
 final class Caller {
-    private static final String[] TEXTS = {
-        "", "a", "RT5", "emmc_rw", "size=64M;loops=12", "38.2 °C", "prüfen: µA ±5 %", "测试通过",
-        "ABCDEFGHIJ".repeat(10), "αβγδεζηθικλμ".repeat(10), "abcdefghij".repeat(100),
-        "一丁丂七丄丅丆万丈三上".repeat(30),
-    };
+    private static final String[] TEXTS = {"", "a", "RT5", "emmc_rw", "size=64M;loops=12",
+            "38.2 °C", "prüfen: µA ±5 %", "测试通过", "ABCDEFGHIJ".repeat(10),
+            "αβγδεζηθικλμ".repeat(10), "abcdefghij".repeat(100),
+            "一丁丂七丄丅丆万丈三上".repeat(30)};
     private static final String SIXTEEN = "0123456789abcdef";
+    private static final int SLOTS = 8;
 
-    // The last answer, and what the calls are made with.
+    final KvNativeInterface library = new KvNativeInterface();
+    // The last call.
+    Object[] arguments;
     Object answer;
-    String fieldBefore;
+    Object fieldBefore;
     String storing;
     int slot;
     int mode;
-    final KvNativeInterface library = new KvNativeInterface();
-    final byte[] bytes = "\0\7\16\u00ff".repeat(16).getBytes(ISO_8859_1);
-    final BigDataOperation operation = filled(new BigDataOperation());
-    final BigDataValue measured = filled(new BigDataValue());
+    /** The first call with a wrong answer, and what was wrong; null while all are right. */
+    volatile Call wrong;
+    String fault;
+    volatile boolean mayCall;
+    /** The times of the calls since it was last reset. */
+    final Histogram recent = new Histogram(2);
 
+    private final byte[] bytes = "\0\7\16\u00ff".repeat(16).getBytes(ISO_8859_1);
+    private final BigDataOperation operation = filled(new BigDataOperation());
+    private final BigDataValue measured = filled(new BigDataValue());
     private final int index;
     private final Situation situation;
-    private final Call[] calls;
-    private final int[] services;
-    private final Histogram[][] durations;
-    private final Map<Stored.Kind, Stored> stored = new EnumMap<>(Stored.Kind.class);
+    private final List<Call> calls;
+    private final List<Set<String>> stored = new ArrayList<>();
     private long random;
     private boolean uniform;
-    private String wrong;
-    private String verdict;
 
-    Caller(int index, long seed, Situation situation, List<Call> calls) {
+    Caller(int index, long seed, Situation situation, List<Call> calls)
+            throws ReflectiveOperationException {
         this.index = index;
         this.situation = situation;
-        this.calls = calls.toArray(new Call[0]);
+        this.calls = calls;
         random = seed * 31 + index + 0x9E3779B97F4A7C15L;
-        services = calls.stream().mapToInt(situation::indexOf).toArray();
-        durations = new Histogram[this.calls.length][Way.values().length];
-        stored.put(Stored.Kind.RESULT, new Stored(null));
-        stored.put(Stored.Kind.NV_ITEM, new Stored(null));
-        stored.put(Stored.Kind.FLAG, new Stored(""));
+        for (Call.Kind kind : Call.Kind.values()) {
+            String unwritten = kind == Call.Kind.FLAG ? "" : null;
+            for (int i = 0; i < SLOTS; i++) stored.add(new HashSet<>(Arrays.asList(unwritten)));
+        }
     }
 
-    // What the calls ask for as arguments.
-
-    String first() {
-        return text(8);
-    }
-
-    String second() {
-        return text(24);
-    }
-
-    String third() {
-        return text(40);
-    }
-
-    private String text(int bits) {
-        return uniform ? SIXTEEN : TEXTS[(int) (random >>> bits & 0xffff) % TEXTS.length];
-    }
-
-    String shortText() {
-        return uniform ? SIXTEEN : TEXTS[(int) (random >>> 8 & 7)];
-    }
-
-    int value() {
-        return (int) random;
+    /** What to call a method with. */
+    Object argument(Class<?> type, int position, Call.Varies how) {
+        if (type == int.class) return (int) random;
+        if (type == byte[].class) return bytes;
+        if (type == BigDataOperation.class) return operation;
+        if (type == BigDataValue.class) return measured;
+        if (uniform) return SIXTEEN;
+        int chosen = (int) (random >>> 8 + 16 * position & 0xffff);
+        return TEXTS[chosen % (how == Call.Varies.LITTLE ? 8 : TEXTS.length)];
     }
 
     /** Of a text that this caller alone stores; never that of the signature. */
@@ -89,29 +79,32 @@ final class Caller {
         return 1000 * (index + 1) + slot;
     }
 
-    Stored stored(Stored.Kind kind) {
-        return stored.get(kind);
+    /** The texts of which one is stored under that id. */
+    Set<String> stored(Call.Kind kind) {
+        return stored.get(kind.ordinal() * SLOTS + slot);
     }
 
-    /** One call of any method that keeps nothing; false when its answer was wrong. */
-    boolean callAny() {
-        for (;;) {
+    /** Calls any methods that keep nothing, up to a wrong answer; returns how often. */
+    long callAny(long times) throws ReflectiveOperationException {
+        long made = 0;
+        while (made < times && mayCall && wrong == null) {
             advance();
-            int chosen = (int) (random >>> 33) % calls.length;
-            Call call = calls[chosen];
-            if (call.keeps == Call.Keeps.TEXTS || (call.single && index != 0)) continue;
-            boolean isAway = situation.may(services[chosen]) == Call.ABSENT;
-            if (call.keeps == Call.Keeps.TEXTS_WHEN_ABSENT && isAway) continue;
-            return call(chosen);
+            Call call = calls.get((int) (random >>> 33) % calls.size());
+            boolean isAway = call.service.may == Call.ABSENT;
+            if (call.keeps == (isAway ? Keeps.TEXTS_WHEN_ABSENT : Keeps.TEXTS)) continue;
+            if (call.isSingle() && index != 0) continue;
+            call(call);
+            made++;
         }
+        return made;
     }
 
     /** Calls a method again and again with texts of sixteen characters, up to a wrong answer. */
-    void callUniformly(int chosen, int times) {
+    void callUniformly(Call call, int times) throws ReflectiveOperationException {
         uniform = true;
         for (int i = 0; i < times && wrong == null; i++) {
             advance();
-            call(chosen);
+            call(call);
         }
         uniform = false;
     }
@@ -120,58 +113,33 @@ final class Caller {
         random ^= random << 13;
         random ^= random >>> 7;
         random ^= random << 17;
-        slot = (int) (random >>> 56) % Stored.SLOTS;
+        slot = (int) (random >>> 56) % SLOTS;
     }
 
-    private boolean call(int chosen) {
-        Call call = calls[chosen];
-        int service = services[chosen];
-        int changes = situation.changes();
-        int may = situation.may(service);
+    private void call(Call call) throws ReflectiveOperationException {
+        int changes = situation.changes;
+        int may = call.service.may;
         call.prepare(this);
         long start = System.nanoTime();
-        call.make(this);
-        long end = System.nanoTime();
-        if (situation.changes() != changes && service >= 0) may = Call.ANYTHING;
-        boolean overHidl = situation.backend(service) == Backend.HIDL;
-        if (!call.isRight(this, overHidl, may)) {
+        Object made = call.make(this);
+        long time = System.nanoTime() - start;
+        answer = Call.comparable(made);
+        if (situation.changes != changes && call.service.name != null) may = Call.ANYTHING;
+        fault = call.fault(this, may);
+        if (fault != null) {
             Native.freezeLog();
-            wrong = call.method;
-            verdict = call.verdict(this, overHidl, may) + "; the arguments were made of " + value()
-                    + ", " + Call.quoted(first()) + ", " + Call.quoted(second()) + ", "
-                    + Call.quoted(third());
-            return false;
+            wrong = call;
+            return;
         }
-        if (may == Call.HEALTHY || may == Call.ABSENT) {
-            int way = situation.way(service, may).ordinal();
-            if (durations[chosen][way] == null) durations[chosen][way] = new Histogram();
-            durations[chosen][way].add(end - start);
-        }
-        return true;
+        call.remember(this, may);
+        if (may != Call.HEALTHY && may != Call.ABSENT) return;
+        call.times.get(call.service.route(may)).recordValue(time);
+        recent.recordValue(time);
     }
 
-    /** Of a call that went this way; null when none did. */
-    Histogram durations(int chosen, Way way) {
-        return durations[chosen][way.ordinal()];
-    }
-
-    /** The method with a wrong answer; null while all are right. */
-    String wrong() {
-        return wrong;
-    }
-
-    /** What was wrong with it. */
-    String verdict() {
-        return verdict;
-    }
-
-    private static <T> T filled(T record) {
-        try {
-            for (Field field : record.getClass().getFields()) {
-                if (field.getType() == String.class) field.set(record, SIXTEEN);
-            }
-        } catch (IllegalAccessException e) {
-            throw new IllegalStateException(e);
+    private static <T> T filled(T record) throws IllegalAccessException {
+        for (Field field : record.getClass().getFields()) {
+            if (field.getType() == String.class) field.set(record, SIXTEEN);
         }
         return record;
     }

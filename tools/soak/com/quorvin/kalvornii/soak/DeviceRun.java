@@ -2,145 +2,146 @@ package com.quorvin.kalvornii.soak;
 
 import static com.quorvin.kalvornii.simulated.SimulatedDevice.Backend.AIDL;
 import static com.quorvin.kalvornii.simulated.SimulatedDevice.Backend.HIDL;
+import static com.quorvin.kalvornii.soak.Situation.DEVICE;
 
-import com.quorvin.kalvornii.simulated.SimulatedDevice;
-import com.quorvin.kalvornii.simulated.SimulatedDevice.Backend;
-import com.quorvin.kalvornii.soak.Situation.Way;
-import java.io.FileDescriptor;
-import java.io.FileOutputStream;
+import com.quorvin.kalvornii.soak.Call.Keeps;
+import com.quorvin.kalvornii.soak.Situation.Route;
+import com.quorvin.kalvornii.soak.Situation.Service;
 import java.io.IOException;
-import java.io.ObjectOutputStream;
-import java.io.UncheckedIOException;
+import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.Random;
+import java.util.TreeMap;
 import java.util.concurrent.locks.LockSupport;
+import org.HdrHistogram.Histogram;
 
 /**
- * The part of a soak on one device, in a process of its own. What it finds goes to standard output,
- * as objects; it ends early when standard input ends, and at the first wrong answer, with status 1.
+ * A soak on one device, in a process of its own. It ends early at the first wrong answer, when it
+ * is told to stop and when the time is up; its status is 0 unless it could not go on.
  */
 final class DeviceRun {
     private static final int SAMPLES = 200;
     private static final int CALLERS = 2;
     /** In calls, so that a stretch is over in an instant. */
     private static final int LONGEST = 10_000;
-    private static final int MEASURED = 100;
-    private static final int MEASUREMENTS = 7;
-    private static final long STATE_NS = 200_000_000;
+    /** In calls; what the virtual machine takes and gives is seen in shorter stretches. */
+    private static final int JUDGED = 2000;
+    private static final int MEASURED = 70;
+    private static final int MEASUREMENTS = 10;
     /** As often as the death of all services at once was played on a real platform. */
     private static final int DEATHS_OF_ALL = 40;
+    private static final int NOT_WRITTEN = 3;
 
-    private final long calls;
-    private final int deaths;
-    private final String plant;
-    private final Random random;
+    private final long calls = Long.getLong("soak.calls");
+    private final long seed = Long.getLong("soak.seed");
+    private final String plant = System.getProperty("soak.plant");
+    private final Random random = new Random(seed);
     private final Situation situation = new Situation();
-    private final List<Call> table = Calls.all();
+    private final List<Call> table = Calls.all(situation);
     private final List<Caller> callers = new ArrayList<>();
-    private final Crew crew;
-    private final ObjectOutputStream findings;
-    private long lastState;
-    private int died;
-    private int deathsOfAll;
+    private final Pool pool = new Pool(callers);
+    private final Events events;
+    private final Progress progress;
+    private final long deaths;
+    private long died;
+    private long deathsOfAll;
     private String happened = "no death yet";
-    private volatile boolean stopped;
 
     // Of the second half.
-    private final Growth ofCalls = new Growth();
-    private final Growth ofAidlDeaths = new Growth();
-    private final Growth ofHidlDeaths = new Growth();
+    private final Growth ofCalls = new Growth(JUDGED);
+    private final Growth ofAidlDeaths = new Growth(1);
+    private final Growth ofHidlDeaths = new Growth(1);
 
-    private DeviceRun(long calls, int deaths, long seed, String plant) throws IOException {
-        this.calls = calls;
-        this.plant = plant;
-        random = new Random(seed);
-        this.deaths = situation.has(AIDL) || situation.has(HIDL) ? deaths : 0;
+    private DeviceRun(Path folder, String device) throws IOException, ReflectiveOperationException {
+        events = new Events(folder.resolve(device + ".events"), device);
+        progress = new Progress(device, folder.resolve("stop"), calls);
+        deaths = situation.has(AIDL) || situation.has(HIDL) ? Long.getLong("soak.deaths") : 0;
         deathsOfAll = Math.min(DEATHS_OF_ALL, deaths / 4);
         for (int i = 0; i < CALLERS; i++) callers.add(new Caller(i, seed, situation, table));
-        crew = new Crew(callers);
-        findings = new ObjectOutputStream(new FileOutputStream(FileDescriptor.out));
     }
 
-    /** Arguments: calls, deaths, seed, the log's file, the service's method to plant or "". */
-    public static void main(String[] arguments) throws IOException {
-        if (!Native.keepLog(arguments[3])) {
-            throw new IllegalStateException("cannot write " + arguments[3]);
-        }
-        SimulatedDevice.get().recordCalls(false);
-        DeviceRun run = new DeviceRun(Long.parseLong(arguments[0]), Integer.parseInt(arguments[1]),
-                Long.parseLong(arguments[2]), arguments[4]);
-        System.exit(run.run() ? 0 : 1);
-    }
-
-    private boolean run() {
-        Thread listener = new Thread(this::awaitEndOfInput, "input");
-        listener.setDaemon(true);
-        listener.start();
+    /** Takes a folder, which has the file for the log, and the device; the rest are properties. */
+    public static void main(String[] arguments) {
+        int status = 0;
         try {
-            SimulatedDevice.get().settle();
-            playCallsAndDeaths();
-            if (!isOver()) measureEachCall();
-        } catch (RuntimeException e) {
-            Native.freezeLog();
-            tell(new Finding.End(e.toString(), true));
-            return false;
-        }
-        boolean right = tellWrong();
-        tellDurations();
-        tell(ofCalls.grown("calls"));
-        tell(ofAidlDeaths.grown("AIDL deaths"));
-        tell(ofHidlDeaths.grown("HIDL deaths"));
-        tellState();
-        tell(new Finding.End(stopped ? "stopped" : "done", false));
-        return right;
-    }
-
-    private void awaitEndOfInput() {
-        try {
-            while (System.in.read() >= 0) continue;
+            Native.keepLog(Path.of(arguments[0], arguments[1] + ".log").toString());
+            DEVICE.recordCalls(false);
+            new DeviceRun(Path.of(arguments[0]), arguments[1]).run();
         } catch (IOException e) {
-            // as its end
+            System.err.println(e.getMessage());
+            status = NOT_WRITTEN;
+        } catch (ReflectiveOperationException | RuntimeException e) {
+            Native.freezeLog();
+            e.printStackTrace();
+            status = 1;
         }
-        stopped = true;
+        System.exit(status);
+    }
+
+    private void run() throws IOException, ReflectiveOperationException {
+        DEVICE.settle();
+        playCallsAndDeaths();
+        sample();
+        if (!isOver()) measureEachCall();
+        for (Caller caller : callers) {
+            if (caller.wrong == null) continue;
+            events.tell("wrong", "method", caller.wrong.method, "verdict", caller.fault,
+                    "arguments", Call.quoted(caller.arguments), "afterDeaths", died,
+                    "circumstances", happened);
+        }
+        tellTimes();
+        tell("calls", ofCalls);
+        tell("AIDL deaths", ofAidlDeaths);
+        tell("HIDL deaths", ofHidlDeaths);
+        events.tell("end", "how",
+                isWrong()          ? "wrong answer"
+                        : isOver() ? progress.early()
+                                   : "done");
+        progress.end();
+    }
+
+    private boolean isWrong() {
+        return callers.stream().anyMatch(caller -> caller.wrong != null);
     }
 
     private boolean isOver() {
-        return stopped || callers.stream().anyMatch(caller -> caller.wrong() != null);
+        return isWrong() || progress.early() != null;
     }
 
     /** The calls come in stretches with every answer as in health, with deaths in between. */
-    private void playCallsAndDeaths() {
+    private void playCallsAndDeaths() throws IOException {
         long stretches = Math.max(calls / LONGEST, Math.max(deaths, SAMPLES));
         if (deathsOfAll > 0) Native.groupProcesses("one");
-        tell(look());
+        sample();
         for (long i = 0; i < stretches && !isOver(); i++) {
-            long left = Math.max(0, calls * (i + 1) / stretches - crew.made());
+            long left = Math.max(0, calls * (i + 1) / stretches - pool.made);
             boolean dies = deaths * (i + 1) / stretches > deaths * i / stretches;
             boolean secondHalf = i >= stretches / 2;
             if (!plant.isEmpty() && i == stretches / 2) {
-                SimulatedDevice.get().answer(plant, 4711, "planted");
+                DEVICE.answer(plant, 4711, "planted");
             }
             long before = Native.bytesInUse();
-            long callsBefore = crew.made();
-            crew.work(dies ? left - left / 2 : left);
+            long callsBefore = pool.made;
+            pool.call(dies ? left - left / 2 : left);
             long between = Native.bytesInUse();
-            if (secondHalf) ofCalls.add(crew.made() - callsBefore, between - before);
+            if (secondHalf) ofCalls.add(pool.made - callsBefore, between - before);
             if (dies && !isOver()) {
                 Growth ofDeaths = die(left / 2) ? ofHidlDeaths : ofAidlDeaths;
                 if (secondHalf) ofDeaths.add(1, Native.bytesInUse() - between);
             }
-            if (SAMPLES * (i + 1) / stretches > SAMPLES * i / stretches) tell(look());
-            tellStateNowAndThen();
+            if (SAMPLES * (i + 1) / stretches > SAMPLES * i / stretches) sample();
+            progress.hear(pool.made, died);
         }
         // What the last death left over.
-        if (!isOver()) crew.work(Math.max(0, calls - crew.made()));
+        if (!isOver()) pool.call(Math.max(0, calls - pool.made));
     }
 
-    /** Somebody dies and comes back; true when somebody of HIDL did. */
-    private boolean die(long spareCalls) {
+    /** A service or process dies and comes back; true when it was one of HIDL. */
+    private boolean die(long spareCalls) throws IOException {
         Death death = chooseDeath();
-        boolean hidlDies = death.what.equals("all") ? situation.has(HIDL) : death.backend == HIDL;
+        boolean hidlDies =
+                death.what.equals("all") ? situation.has(HIDL) : death.service.backend == HIDL;
         if (!hidlDies && random.nextBoolean()) {
             dieUnderCalls(death, spareCalls);
         } else {
@@ -151,77 +152,71 @@ final class DeviceRun {
         happened = "after the death of " + death;
         situation.allHealthy();
         if (death.what.equals("all") && --deathsOfAll == 0) {
-            Finding.Sample now = look();
-            tell(new Finding.AfterDeathsOfAll(died, now.listeners(), now.notifications()));
+            events.tell("afterDeathsOfAll", "deaths", died, "listeners", Native.listeners(),
+                    "notifications", Native.notifications());
             Native.groupProcesses("device");
         }
         return hidlDies;
     }
 
     private Death chooseDeath() {
-        List<String> mortal = new ArrayList<>(situation.services);
-        mortal.removeIf(service -> SimulatedDevice.get().runs(service) == null);
-        String service = mortal.get(random.nextInt(mortal.size()));
+        List<Service> mortal = new ArrayList<>(situation.services.values());
+        mortal.removeIf(service -> service.backend == null);
         String what = deathsOfAll > 0 ? "all" : random.nextBoolean() ? "process" : "one";
-        return new Death(service, SimulatedDevice.get().runs(service), what);
+        return new Death(mortal.get(random.nextInt(mortal.size())), what);
     }
 
     /** Only over AIDL: a call on a dead HIDL service ends the process, as on a device. */
     private void dieUnderCalls(Death death, long spareCalls) {
         happened = "during the death of " + death;
         situation.aidlInTurmoil();
-        crew.start(spareCalls);
+        pool.start(spareCalls);
         pause();
         death.kill();
         pause();
         death.restart();
-        SimulatedDevice.get().settle();
-        crew.stop();
+        DEVICE.settle();
+        pool.stop();
     }
 
-    private void dieBetweenCalls(Death death, long spareCalls, boolean hidlDies) {
+    private void dieBetweenCalls(Death death, long spareCalls, boolean hidlDies)
+            throws IOException {
         death.kill();
         happened = "away after the death of " + death;
         situation.away();
-        crew.work(spareCalls / 2);
+        pool.call(spareCalls / 2);
         if (isOver()) return;
         happened = "on the return from the death of " + death;
         situation.coming();
         boolean underCalls = !death.what.equals("all") && random.nextBoolean();
-        if (underCalls) crew.start(spareCalls - spareCalls / 2);
-        long listeners = look().listeners();
+        if (underCalls) pool.start(spareCalls - spareCalls / 2);
+        long listeners = Native.listeners();
         long begin = System.nanoTime();
         death.restart();
-        SimulatedDevice.get().settle();
-        long end = System.nanoTime();
-        if (underCalls) {
-            crew.stop();
-        } else if (hidlDies) {
-            tell(new Finding.Restart(listeners, death.what, (end - begin) / 1000));
-        }
+        DEVICE.settle();
+        long microseconds = (System.nanoTime() - begin) / 1000;
+        if (underCalls) pool.stop();
+        if (underCalls || !hidlDies) return;
+        events.tell("restart", "listeners", listeners, "what", death.what, "microseconds",
+                microseconds);
     }
 
     /** Of "one" service, of a "process" with several, or of "all", which are in one process. */
-    private record Death(String service, Backend backend, String what) {
+    private record Death(Service service, String what) {
         @Override
         public String toString() {
-            return (what.equals("one") ? "" : "the process of ") + service + " over " + backend;
+            String one = service.name + " over " + service.backend;
+            return what.equals("one") ? one : "the process of " + one;
         }
 
         void kill() {
-            if (what.equals("one")) {
-                SimulatedDevice.get().kill(backend, service);
-            } else {
-                SimulatedDevice.get().killProcess(service);
-            }
+            if (what.equals("one")) DEVICE.kill(service.backend, service.name);
+            if (!what.equals("one")) DEVICE.killProcess(service.name);
         }
 
         void restart() {
-            if (what.equals("one")) {
-                SimulatedDevice.get().restart(backend, service);
-            } else {
-                SimulatedDevice.get().restartProcess(service);
-            }
+            if (what.equals("one")) DEVICE.restart(service.backend, service.name);
+            if (!what.equals("one")) DEVICE.restartProcess(service.name);
         }
     }
 
@@ -230,98 +225,58 @@ final class DeviceRun {
     }
 
     /** What each call leaves behind; told at the end, since to tell makes the compiler busy. */
-    private void measureEachCall() {
-        List<Finding> kept = new ArrayList<>();
-        for (int i = 0; i < table.size() && !isOver(); i++) {
-            Growth growth = new Growth();
+    private void measureEachCall() throws IOException, ReflectiveOperationException {
+        List<Growth> growths = new ArrayList<>();
+        for (Call call : table) {
+            Growth growth = new Growth(MEASURED);
             for (int n = 0; n < MEASUREMENTS && !isOver(); n++) {
                 long before = Native.bytesInUse();
-                callers.get(0).callUniformly(i, MEASURED);
+                callers.get(0).callUniformly(call, MEASURED);
                 growth.add(MEASURED, Native.bytesInUse() - before);
             }
+            growths.add(growth);
+            progress.hear(pool.made, died);
+        }
+        for (int i = 0; i < table.size() && !isOver(); i++) {
             Call call = table.get(i);
-            int service = situation.indexOf(call);
-            Way way = situation.way(service, situation.may(service));
-            Call.Keeps keeping =
-                    way == Way.ABSENT ? Call.Keeps.TEXTS_WHEN_ABSENT : Call.Keeps.TEXTS;
-            kept.add(new Finding.Kept(call.method, way, call.keeps == keeping, growth.typical(),
-                    growth.count));
-        }
-        kept.forEach(this::tell);
-    }
-
-    /**
-     * By how much memory in use grew, stretch by stretch. The virtual machine itself takes and
-     * gives much now and then, which the typical stretch is free of.
-     */
-    private static final class Growth {
-        private final List<Double> each = new ArrayList<>();
-        private long count;
-        private long total;
-
-        /** A stretch of so many calls or deaths, and the bytes that it left. */
-        void add(long length, long bytes) {
-            if (length == 0) return;
-            each.add(bytes / (double) length);
-            count += length;
-            total += bytes;
-        }
-
-        /** The median of the stretches, in bytes for each call or death. */
-        double typical() {
-            return each.isEmpty() ? 0 : each.stream().sorted().toList().get(each.size() / 2);
-        }
-
-        Finding.Grown grown(String what) {
-            return new Finding.Grown(what, each.size(), count, typical(), total);
+            Route route = call.service.route(call.service.may);
+            Keeps onPurpose = route == Route.ABSENT ? Keeps.TEXTS_WHEN_ABSENT : Keeps.TEXTS;
+            events.tell("kept", "method", call.method, "route", route, "onPurpose",
+                    call.keeps == onPurpose, "bytesPerCall", growths.get(i).typical(), "calls",
+                    growths.get(i).count);
         }
     }
 
-    // What is told.
-
-    private void tell(Finding finding) {
-        try {
-            findings.writeObject(finding);
-            findings.reset();  // or it would remember all
-            findings.flush();
-        } catch (IOException e) {
-            throw new UncheckedIOException(e);
-        }
-    }
-
-    private Finding.Sample look() {
-        long[] seen = Native.look();
-        return new Finding.Sample(crew.made(), died, seen[0], seen[1], seen[2], seen[3], seen[4],
-                seen[5], seen[6], seen[7]);
-    }
-
-    private void tellStateNowAndThen() {
-        if (System.nanoTime() - lastState >= STATE_NS) tellState();
-    }
-
-    private void tellState() {
-        lastState = System.nanoTime();
-        tell(new Finding.State(crew.made(), died, look().resident()));
-    }
-
-    private boolean tellWrong() {
-        boolean right = true;
+    private void sample() throws IOException {
+        Histogram times = new Histogram(2);
         for (Caller caller : callers) {
-            if (caller.wrong() == null) continue;
-            tell(new Finding.Wrong(caller.wrong(), caller.verdict(), died, happened));
-            right = false;
+            times.add(caller.recent);
+            caller.recent.reset();
         }
-        return right;
+        events.tell("sample", "seconds", progress.elapsed(), "calls", pool.made, "deaths", died,
+                "resident", Events.resident(), "inUse", Native.bytesInUse(), "liveServices",
+                Native.liveServices(), "deathLinks", Native.deathLinks(), "listeners",
+                Native.listeners(), "notifications", Native.notifications(), "threads",
+                Events.entries("task"), "files", Events.entries("fd"), "times",
+                Events.times(times));
     }
 
-    private void tellDurations() {
-        for (int i = 0; i < table.size(); i++) {
-            for (Way way : Way.values()) {
-                for (Caller caller : callers) {
-                    Histogram durations = caller.durations(i, way);
-                    if (durations == null) continue;
-                    tell(new Finding.Latency(table.get(i).method, way, durations));
-                }
+    private void tell(String what, Growth growth) throws IOException {
+        events.tell("grown", "what", what, "count", growth.count, "typicalBytesEach",
+                growth.typical(), "totalBytes", growth.total);
+    }
+
+    /** Of the calls of a method on a route, with whatever arguments. */
+    private void tellTimes() throws IOException {
+        for (Route route : Route.values()) {
+            TreeMap<String, Histogram> all = new TreeMap<>();
+            for (Call call : table)
+                all.computeIfAbsent(call.method, name -> new Histogram(2))
+                        .add(call.times.get(route));
+            for (String method : all.keySet()) {
+                if (all.get(method).getTotalCount() == 0) continue;
+                events.tell("latency", "method", method, "route", route, "times",
+                        Events.times(all.get(method)));
             }
         }
     }

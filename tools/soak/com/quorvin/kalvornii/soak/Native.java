@@ -1,5 +1,7 @@
 package com.quorvin.kalvornii.soak;
 
+import java.io.IOException;
+
 /** What Java cannot see or do itself. */
 final class Native {
     static {
@@ -8,18 +10,24 @@ final class Native {
 
     private Native() {}
 
-    /** From now on this file has the last hundred lines of the log; false when it cannot be. */
-    static native boolean keepLog(String path);
+    /** From now on this file has the last lines of the log. */
+    static native void keepLog(String path) throws IOException;
 
     /** The file stays as it is. */
     static native void freezeLog();
 
-    /** Puts services into processes: "each" in its own, all in "one", or as on a "device". */
+    /** Puts services into processes: all in "one", or as on a "device". */
     static native boolean groupProcesses(String grouping);
 
-    /** What a sample has behind calls and deaths, in that order. */
-    static native long[] look();
-
-    /** The native heap in use. */
+    /** The native heap in use: small blocks, and those mapped by themselves. */
     static native long bytesInUse();
+
+    static native long liveServices();
+
+    static native long deathLinks();
+
+    /** Of HIDL; they add up, and so does what they are told. */
+    static native long listeners();
+
+    static native long notifications();
 }

@@ -1,55 +1,90 @@
 package com.quorvin.kalvornii.soak;
 
+import java.nio.file.Files;
+import java.nio.file.Path;
 import java.util.Locale;
+import java.util.concurrent.locks.LockSupport;
 
-/** How far the soak is: a bar on a terminal, elsewhere a line every few seconds. */
-final class Progress {
-    private static final long LINE_NS = 5_000_000_000L;
+/** Shows how far a run is, on a thread of its own, and tells when it has to end early. */
+final class Progress extends Thread {
+    private static final int SILENCE_SECONDS = 120;
+    private static final int TICKS_A_LINE = 25;
+    private static final int BAR = 20;
 
-    private final long calls;
-    private final long limitSeconds;
-    private final int columns;
+    private final String device;
+    private final Path stop;
+    private final ProcessHandle parent = ProcessHandle.current().parent().orElseThrow();
+    private final long all;
+    private final long seconds = Long.getLong("soak.seconds");
+    /** Of the terminal; 0 for none. */
+    private final int columns = Integer.getInteger("soak.columns");
     private final long start = System.nanoTime();
-    private long lastLine = start;
+    private volatile long calls;
+    private volatile long deaths;
+    private volatile double lastHeard;
+    private volatile String early;
+    private boolean ended;
 
-    /** @param columns of the terminal; 0 for none */
-    Progress(long calls, long limitSeconds, int columns) {
-        this.calls = calls;
-        this.limitSeconds = limitSeconds;
-        this.columns = columns;
+    /** @param stop a file that ends the run when it is there */
+    Progress(String device, Path stop, long all) {
+        this.device = device;
+        this.stop = stop;
+        this.all = all;
+        setDaemon(true);
+        start();
     }
 
-    double seconds() {
+    /** That the run goes on. */
+    void hear(long nowCalls, long nowDeaths) {
+        calls = nowCalls;
+        deaths = nowDeaths;
+        lastHeard = elapsed();
+    }
+
+    /** Why the run has to end; null while it may go on. */
+    String early() {
+        return early;
+    }
+
+    double elapsed() {
         return (System.nanoTime() - start) / 1e9;
     }
 
-    synchronized void show(String device, long made, long deaths, int wrong, long resident) {
-        String state = String.format(Locale.ROOT,
-                "%-5s %,d calls  %,d deaths  %d wrong  %.1f MiB  %s left", device, made, deaths,
-                wrong, resident / 1048576.0, left(made));
-        if (columns > 0) {
-            int width = Math.max(0, Math.min(30, columns - state.length() - 4));
-            int full = (int) Math.min(width, calls == 0 ? 0 : width * made / calls);
-            String bar = width < 5 ? "" : "[" + "#".repeat(full) + " ".repeat(width - full) + "] ";
-            String line = bar + state;
-            System.out.print("\r" + line.substring(0, Math.min(line.length(), columns - 1))
-                    + "\u001b[K");
-            System.out.flush();
-        } else if (System.nanoTime() - lastLine >= LINE_NS) {
-            lastLine = System.nanoTime();
-            System.out.println(state);
+    @Override
+    public void run() {
+        for (int ticks = 1;; ticks++) {
+            LockSupport.parkNanos(200_000_000);
+            if (elapsed() > seconds) early = "time limit";
+            if (Files.exists(stop) || !parent.isAlive()) early = "interrupted";
+            if (elapsed() - lastHeard > SILENCE_SECONDS) {
+                System.err.println("nothing has moved for " + SILENCE_SECONDS + " seconds");
+                Runtime.getRuntime().halt(4);
+            }
+            if (columns > 0) show("\r" + line() + "\u001b[K");
+            if (columns == 0 && ticks % TICKS_A_LINE == 0) show(line() + "\n");
         }
     }
 
+    /** The last that is shown. */
     void end() {
-        if (columns > 0) System.out.print("\r\u001b[K");
+        show(columns > 0 ? "\r\u001b[K" : line() + "\n");
+        ended = true;
+    }
+
+    private synchronized void show(String text) {
+        if (ended) return;
+        System.out.print(text);
         System.out.flush();
     }
 
-    private String left(long made) {
-        double limit = Math.max(0, limitSeconds - seconds());
-        double left = made == 0 ? limit : Math.min(limit, seconds() * (calls - made) / made);
-        long whole = Math.max(0, Math.round(left));
-        return whole >= 60 ? whole / 60 + " min " + whole % 60 + " s" : whole + " s";
+    private String line() {
+        double limit = Math.max(0, seconds - elapsed());
+        double left = calls == 0 ? limit : Math.min(limit, elapsed() * (all - calls) / calls);
+        String line = String.format(Locale.ROOT, "%-5s %,d calls  %,d deaths  %.0f s left", device,
+                calls, deaths, left);
+        if (columns == 0) return line;
+        String bar = "#".repeat((int) (BAR * calls / Math.max(1, all)));
+        line = String.format("[%-" + BAR + "s] %s", bar, line);
+        return line.substring(0, Math.min(line.length(), columns - 1));
     }
 }

@@ -5,70 +5,63 @@ import static com.quorvin.kalvornii.simulated.SimulatedDevice.Backend.HIDL;
 
 import com.quorvin.kalvornii.simulated.SimulatedDevice;
 import com.quorvin.kalvornii.simulated.SimulatedDevice.Backend;
-import java.util.Arrays;
-import java.util.List;
+import java.util.LinkedHashMap;
+import java.util.Map;
+import java.util.function.ToIntFunction;
 
 /** What the services of the device may answer now. One thread changes it, callers look at it. */
 final class Situation {
+    static final SimulatedDevice DEVICE = SimulatedDevice.get();
+
     /** How a call is served. */
-    enum Way {
-        AIDL,
-        HIDL,
-        ABSENT,
-        NO_SERVICE
+    enum Route { AIDL, HIDL, ABSENT, NO_SERVICE }
+
+    /** A service, or what stands for it where no service is asked. */
+    static final class Service {
+        final String name;
+        /** As the device was at its start; null for none. */
+        final Backend backend;
+        volatile int may;
+
+        Service(String name) {
+            this.name = name;
+            backend = name == null ? null : DEVICE.runs(name);
+        }
+
+        boolean isAway() {
+            return backend != null && DEVICE.runs(name) == null;
+        }
+
+        /** Of a call that may be answered so. */
+        Route route(int may) {
+            if (name == null) return Route.NO_SERVICE;
+            if (may == Call.ABSENT) return Route.ABSENT;
+            return backend == HIDL ? Route.HIDL : Route.AIDL;
+        }
     }
 
-    final List<String> services = SimulatedDevice.get().services();
-    /** The backend of each service on this device; null for none. */
-    private final Backend[] backends;
-    private final int[] may;
-    private volatile int changes;
+    final Map<String, Service> services = new LinkedHashMap<>();
+    volatile int changes;
 
     Situation() {
-        backends = services.stream().map(SimulatedDevice.get()::runs).toArray(Backend[]::new);
-        may = new int[services.size()];
+        services.put(null, new Service(null));
+        DEVICE.services().forEach(name -> services.put(name, new Service(name)));
         allHealthy();
     }
 
-    /** Where a call finds what it may answer; -1 for one that asks no service. */
-    int indexOf(Call call) {
-        return call.service == null ? -1 : services.indexOf(call.service);
-    }
-
-    Backend backend(int service) {
-        return service < 0 ? null : backends[service];
-    }
-
-    Way way(int service, int may) {
-        if (service < 0) return Way.NO_SERVICE;
-        if (may == Call.ABSENT) return Way.ABSENT;
-        return backends[service] == HIDL ? Way.HIDL : Way.AIDL;
-    }
-
     boolean has(Backend backend) {
-        return Arrays.asList(backends).contains(backend);
-    }
-
-    int changes() {
-        return changes;
-    }
-
-    int may(int service) {
-        return service < 0 ? Call.HEALTHY : may[service];
+        return services.values().stream().anyMatch(service -> service.backend == backend);
     }
 
     /** At rest, all that the device has are there. */
     void allHealthy() {
-        for (int i = 0; i < may.length; i++) {
-            may[i] = backends[i] == null ? Call.ABSENT : Call.HEALTHY;
-        }
-        changes++;
+        change(service
+                -> service.backend == null && service.name != null ? Call.ABSENT : Call.HEALTHY);
     }
 
     /** Whoever is held over AIDL may die during a call, be away or have come back. */
     void aidlInTurmoil() {
-        for (int i = 0; i < may.length; i++) if (backends[i] == AIDL) may[i] = Call.ANYTHING;
-        changes++;
+        change(service -> service.backend == AIDL ? Call.ANYTHING : service.may);
     }
 
     /**
@@ -76,22 +69,24 @@ final class Situation {
      * all are released; of AIDL they are connected again one by one, up to the first that is away.
      */
     void away() {
-        boolean aidlWaits = false;
-        boolean hidlDied = false;
-        for (int i = 0; i < may.length; i++) {
-            hidlDied |= backends[i] == HIDL && SimulatedDevice.get().runs(services.get(i)) == null;
-        }
-        for (int i = 0; i < may.length; i++) {
-            aidlWaits |= backends[i] == AIDL && SimulatedDevice.get().runs(services.get(i)) == null;
-            boolean absent = backends[i] == null || (backends[i] == AIDL ? aidlWaits : hidlDied);
-            may[i] = absent ? Call.ABSENT : Call.HEALTHY;
-        }
-        changes++;
+        boolean[] aidlWaits = {false};
+        boolean hidlDied = services.values().stream().anyMatch(
+                service -> service.backend == HIDL && service.isAway());
+        change(service -> {
+            aidlWaits[0] |= service.backend == AIDL && service.isAway();
+            boolean isReleased =
+                    service.backend == AIDL ? aidlWaits[0] : service.backend == HIDL && hidlDied;
+            return isReleased ? Call.ABSENT : service.may;
+        });
     }
 
     /** What is away may be back at any moment. */
     void coming() {
-        for (int i = 0; i < may.length; i++) if (backends[i] != null) may[i] |= Call.HEALTHY;
+        change(service -> service.backend == null ? service.may : service.may | Call.HEALTHY);
+    }
+
+    private void change(ToIntFunction<Service> may) {
+        services.values().forEach(service -> service.may = may.applyAsInt(service));
         changes++;
     }
 }
