@@ -11,11 +11,11 @@ declare -A lists=(
         openjdk-17-jdk-headless"
     [ctl]="help2man libandroid-json-java"
     [test]="bats binutils blueprint-tools clang-format g++ help2man jq junit5 libandroid-json-java
-        libbenchmark-dev libclang-rt-14-dev libgmock-dev libgtest-dev libmaven-install-plugin-java maven
-        proguard-cli shellcheck valgrind zsh"
+        libclang-rt-14-dev libgmock-dev libgtest-dev libmaven-install-plugin-java maven
+        nlohmann-json3-dev proguard-cli shellcheck valgrind zsh"
     [package]="junit5 openjdk-17-jdk-headless"
     [soak]="jq libgoogle-gson-java libhdrhistogram-java libjs-chart.js"
-    [bench]="binutils libbenchmark-dev valgrind"
+    [bench]="binutils nlohmann-json3-dev valgrind"
     [tidy]="clang-tidy"
     [arm]="binutils-arm-linux-gnueabihf mmdebstrap qemu-user-static xz-utils"
     [fuzz]="android-liblog-dev clang libclang-rt-14-dev"

@@ -26,20 +26,14 @@ names() {
 }
 
 check_methods() {
-    local declared table asking on_both sampled
+    local declared table sampled
     declared=$(names '\bnative [^ ]+ [A-Za-z0-9]+\(' "$java")
     table=$(names '^[A-Z_]+\( *[A-Za-z0-9]+,' jni/methods.inc)
-    asking=$(names '^(TWO_BACKENDS|AIDL_ONLY)\( *[A-Za-z0-9]+,' jni/methods.inc)
-    on_both=$(names '^TWO_BACKENDS\( *[A-Za-z0-9]+,' jni/methods.inc)
     sampled=$(names '^[A-Za-z0-9]+' samples/methods.samples)
 
     every "$declared" "$table" "$java declares, but jni/methods.inc has no row for"
     every "$table" "$declared" "jni/methods.inc has a row too many, or $java does not declare"
     every "$declared" "$sampled" "samples/methods.samples has no sample of"
-    every "$asking" "$(names '^ +\{"[A-Za-z0-9]+"' tools/bench/aidl_calls.cpp)" \
-        "tools/bench/aidl_calls.cpp has no row for"
-    every "$on_both" "$(names '^ +\{"[A-Za-z0-9]+"' tools/bench/hidl_calls.cpp)" \
-        "tools/bench/hidl_calls.cpp has no row for"
 }
 
 check_services() {

@@ -1,344 +1,232 @@
-// Measures what the library adds to a call: each method on each backend through Java, the same call
-// on the bare proxy, and, for a method of each shape, the floor. The built library, a real virtual
-// machine, the simulated device; one thread.
+// Measures what the library adds to a call: each method on each backend through Java, and, for a
+// method of each shape, the floor and the bare proxy. The built library, a real virtual machine,
+// the simulated device; one thread. Figures are medians over processes.
 
-#include <android/log.h>
-#include <benchmark/benchmark.h>
-#include <fcntl.h>
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <map>
+#include <nlohmann/json.hpp>
 #include <thread>
 
-#include "allocations.h"
-#include "bare_calls.h"
-#include "load.h"
-#include "machine.h"
+#include "bench.h"
 
 namespace bench {
 
 namespace {
 
+using nlohmann::json;
+
 constexpr double kGoal = 1.03;  // times the floor
-
-/** Nanoseconds of the thread's processor time, and requests to the heap, a call. */
-struct Figure {
-    double ns = NAN;
-    double allocations = NAN;
-    bool there = false;
-};
-
-struct Row {
-    std::string method;
-    Backend backend;
-    Figure java, javaWithLog, proxy, floor;
-    std::string fault;  // why its figures are not to be compared
-
-    double Added() const { return java.ns - proxy.ns; }
-    /** Those without figures are at the top. */
-    bool operator<(const Row& other) const { return SortedBy() > other.SortedBy(); }
-    double SortedBy() const { return fault.empty() ? Added() : INFINITY; }
-    double TimesFloor() const { return java.ns / floor.ns; }
-};
-
-/** What the library does more than a floor on purpose, and the requests to the heap in that. */
-struct OnPurpose {
-    double allocations;
-    const char* why;
-};
-
-OnPurpose FindOnPurpose(const Row& row) {
-    if (row.method == "nativeSendBigDataOperation") {
-        return {0, "looks class and fields up each time"};
-    }
-    if (row.method == "nativeSetTestItemName" && row.backend == Backend::kHidl) {
-        return {10, "asks for revision 1.1 each time"};
-    }
-    return {0, "the choice and its line, the reference"};
-}
+// Where the libraries lie in memory is worth up to 0.03: a ratio is of many processes, and of more
+// while its interval is wide. So narrow, two runs differ by less than 0.02.
+constexpr double kHalfWidth = 0.0075;
+constexpr int kProcesses = 25, kMoreProcesses = 150, kLoads = 21;
+constexpr int kProcessesOfAll = 9;  // for the methods that have no floor
 
 struct Options {
-    bool quick = false;  // everything once
-    std::string filter, json;
+    bool quick;  // everything once
+    std::string filter, jsonFile;
 };
 
-/** Runs the call so many times. */
-using Run = std::function<void(int64_t times)>;
+/** The 95 % confidence interval of the median, by order statistics: whatever the distribution. */
+struct Interval {
+    double low = NAN, high = NAN;  // too few values give none
 
-class JavaCalls {
-  public:
-    explicit JavaCalls(JNIEnv* env) : mEnv(env), mClass(Find(env)) {
-        mRepeat = mEnv->GetStaticMethodID(mClass, "repeat",
-                                          "(Lcom/quorvin/kalvornii/bench/Calls$Call;I)V");
+    explicit Interval(std::vector<double> values) {
+        const size_t count = values.size();
+        std::sort(values.begin(), values.end());
+        // How probable it is that fewer than so many of the values are below the median.
+        double term = std::pow(0.5, static_cast<double>(count)), probability = 0;
+        for (size_t below = 0; (probability += term) <= 0.025; below++) {
+            low = values[below];
+            high = values[count - 1 - below];
+            term *= static_cast<double>(count - below) / static_cast<double>(below + 1);
+        }
     }
-
-    /** Empty when there is no such method; `of` is "ofLibrary" or "ofFloor". */
-    Run Of(const char* of, const std::string& method) const {
-        jmethodID find = mEnv->GetStaticMethodID(
-                mClass, of, "(Ljava/lang/String;)Lcom/quorvin/kalvornii/bench/Calls$Call;");
-        jobject call =
-                mEnv->CallStaticObjectMethod(mClass, find, mEnv->NewStringUTF(method.c_str()));
-        Demand(!mEnv->ExceptionCheck(), "Calls.java has no arguments for a method");
-        if (call == nullptr) return nullptr;
-        call = mEnv->NewGlobalRef(call);
-        return [this, call](int64_t times) {
-            mEnv->CallStaticVoidMethod(mClass, mRepeat, call, static_cast<jint>(times));
-            Demand(!mEnv->ExceptionCheck(), "a call threw");
-        };
-    }
-
-  private:
-    static jclass Find(JNIEnv* env) {
-        jclass clazz = env->FindClass("com/quorvin/kalvornii/bench/Calls");
-        if (clazz == nullptr) env->ExceptionDescribe();
-        Demand(clazz != nullptr, "the class of the calls does not load");
-        return static_cast<jclass>(env->NewGlobalRef(clazz));
-    }
-
-    JNIEnv* const mEnv;
-    const jclass mClass;
-    jmethodID mRepeat;
 };
 
-Run Repeat(void (*call)()) {
-    return [call](int64_t times) {
-        for (int64_t i = 0; i < times; i++) call();
-    };
-}
-
-/** Puts the median of a benchmark's repetitions where it belongs. */
-class Collector : public benchmark::BenchmarkReporter {
+/** What the processes print: the values of each figure, by its place in the result. */
+class Figures {
   public:
-    std::map<std::string, Figure*> figures;
+    /** Runs one process; `what` as in RunOne. */
+    void Collect(const char* what, Backend backend, const std::string& filter = "") {
+        setenv("KALVORN_BENCH_FILTER", filter.c_str(), 1);
+        const std::string command =
+                std::string("\"$KALVORN_BENCH\" ") + what + " " + NameOf(backend);
+        FILE* output = popen(command.c_str(), "r");
+        Demand(output != nullptr, "no process");
+        char line[256] = "";
+        while (fgets(line, sizeof(line), output) != nullptr) {
+            char* value = strchr(line, ' ');
+            Demand(value != nullptr, "a process printed what is no figure");
+            *value++ = '\0';
+            value[strcspn(value, "\n")] = '\0';
+            mValues[line].push_back(value);
+        }
+        Demand(pclose(output) == 0, "a process that measures failed");
+    }
 
-    bool ReportContext(const Context&) override { return true; }
-    void ReportRuns(const std::vector<benchmark::BenchmarkReporter::Run>& runs) override {
-        std::vector<double> times;
-        for (const auto& run : runs) {
-            if (run.run_type == benchmark::BenchmarkReporter::Run::RT_Iteration) {
-                times.push_back(run.GetAdjustedCPUTime());
+    /** The method with the widest interval, or empty where all are narrow enough. */
+    std::string FindWidest(Backend backend) const {
+        const std::string start = std::string("/calls/") + NameOf(backend) + "/";
+        std::string widest;
+        double width = 2 * kHalfWidth;
+        for (const auto& [place, values] : mValues) {
+            if (place.rfind(start, 0) != 0 || !IsRatio(place)) continue;
+            const Interval interval(Numbers(values));
+            if (interval.high - interval.low <= width) continue;
+            width = interval.high - interval.low;
+            widest = place.substr(start.size(), place.rfind('/') - start.size());
+        }
+        return widest;
+    }
+
+    /** Medians; of a ratio its interval besides, and how many processes it is of. */
+    json Result() const {
+        json result;
+        for (const auto& [place, values] : mValues) {
+            json& figure = result[json::json_pointer(place)];
+            if (EndsWith(place, "/fault")) {
+                figure = values.front();
+                continue;
             }
+            const std::vector<double> numbers = Numbers(values);
+            figure = Median(numbers);
+            if (!IsRatio(place)) continue;
+            const Interval interval(numbers);
+            figure = {{"median", figure},
+                      {"low", interval.low},
+                      {"high", interval.high},
+                      {"processes", numbers.size()}};
         }
-        if (times.empty()) return;  // the aggregates come apart
-        figures.at(runs[0].run_name.function_name)->ns = Median(times);
-    }
-};
-
-/** All benchmarks of one backend. */
-class Pass {
-  public:
-    Pass(const Options& options, Backend backend) : mOptions(options), mProgress(NameOf(backend)) {}
-
-    void Add(Row* row, const char* kind, Figure* figure, const Run& run, int repetitions,
-             void (*log)()) {
-        log();
-        run(mOptions.quick ? 1 : 3000);  // compiles what is Java
-        figure->there = true;
-        figure->allocations = CountAllocations(run);
-        const std::string name = row->method + "/" + NameOf(row->backend) + "/" + kind;
-        mCollector.figures[name] = figure;
-        Progress* progress = &mProgress;
-        benchmark::RegisterBenchmark(name.c_str(),
-                                     [run, log, progress](benchmark::State& state) {
-                                         log();
-                                         const auto times = state.max_iterations;
-                                         while (state.KeepRunningBatch(times)) run(times);
-                                         progress->Step();
-                                     })
-                ->Iterations(IterationsOf(run))
-                ->Repetitions(mOptions.quick ? 1 : repetitions);
-        mProgress.Expect(mOptions.quick ? 1 : repetitions);
-    }
-
-    void Run() {
-        benchmark::RunSpecifiedBenchmarks(&mCollector);
-        benchmark::ClearRegisteredBenchmarks();
+        return result;
     }
 
   private:
-    /** Exact: what happens once in a while, as when the virtual machine tidies up, is no call's. */
-    static double CountAllocations(const bench::Run& run) {
-        constexpr int kCalls = 32;
-        long least = -1;
-        for (int i = 0; i < 5; i++) {
-            const long before = Allocations();
-            run(kCalls);
-            const long made = Allocations() - before;
-            if (least < 0 || made < least) least = made;
+    static bool EndsWith(const std::string& text, const std::string& end) {
+        return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+    }
+    static bool IsRatio(const std::string& place) { return EndsWith(place, "/timesFloor"); }
+    static std::vector<double> Numbers(const std::vector<std::string>& values) {
+        std::vector<double> numbers;
+        for (const std::string& value : values) numbers.push_back(std::stod(value));
+        return numbers;
+    }
+
+    std::map<std::string, std::vector<std::string>> mValues;
+};
+
+/** Says how far it is, when there is a terminal to see it. */
+void Tell(const char* what, Backend backend, int process) {
+    if (isatty(STDERR_FILENO)) fprintf(stderr, "\r\033[K%s %s %d", what, NameOf(backend), process);
+}
+
+json MeasureAll(const Options& options) {
+    Figures figures;
+    for (const Backend backend : kBackends) {
+        const int loads = !options.filter.empty() ? 0 : options.quick ? 1 : kLoads;
+        for (int i = 0; i < loads; i++) {
+            Tell("load", backend, i);
+            figures.Collect("load", backend);
+            figures.Collect("look-ups", backend);
         }
-        return static_cast<double>(least) / kCalls;
+        for (int i = 0; i < (options.quick ? 1 : kProcesses); i++) {
+            Tell("calls", backend, i);
+            const char* what = options.quick ? "once" : i < kProcessesOfAll ? "calls" : "shapes";
+            figures.Collect(what, backend, options.filter);
+        }
+        for (int i = 0; i < (options.quick ? 0 : kMoreProcesses); i++) {
+            const std::string wide = figures.FindWidest(backend);
+            if (wide.empty()) break;
+            Tell(wide.c_str(), backend, i);
+            figures.Collect("shapes", backend, wide);
+        }
     }
-
-    /** So many as take ten milliseconds. */
-    int64_t IterationsOf(const bench::Run& run) const {
-        if (mOptions.quick) return 1;
-        constexpr int kCalls = 500;
-        const auto start = std::chrono::steady_clock::now();
-        run(kCalls);
-        const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-        return std::max<int64_t>(50, static_cast<int64_t>(0.01 * kCalls / time.count()));
-    }
-
-    const Options& mOptions;
-    Progress mProgress;
-    Collector mCollector;
-};
-
-std::vector<Row> RowsOf(Backend backend, const std::string& filter) {
-    std::vector<Row> rows;
-    for (const Method& method : kMethods) {
-        if (!method.IsOn(backend) || strcasestr(method.name, filter.c_str()) == nullptr) continue;
-        rows.push_back({});
-        rows.back().method = method.name;
-        rows.back().backend = backend;
-    }
-    return rows;
+    if (isatty(STDERR_FILENO)) fprintf(stderr, "\r\033[K");
+    return figures.Result();
 }
 
-/** What one call asks of the services, and what it logs. */
-struct Trace {
-    std::vector<std::string> calls;
-    std::string lines;
-};
-
-Trace TraceOf(const Run& run) {
-    static std::string lines;
-    lines.clear();
-    __android_log_set_logger([](const __android_logger_data* data, const char* message) {
-        lines += std::to_string(data->priority) + " " + message + "\n";
-    });
-    auto& device = kalvorn::device::Device::Get();
-    device.RecordCalls(true);
-    run(1);
-    device.RecordCalls(false);
-    LogToNowhere();
-    return {device.TakeCalls(), lines};
+/** What the library does more than a floor, on purpose. */
+const char* FindOnPurpose(const std::string& method, Backend backend) {
+    if (method == "nativeSendBigDataOperation") return "looks class and fields up each time";
+    const bool asksRevision = method == "nativeSetTestItemName" && backend == Backend::kHidl;
+    return asksRevision ? "asks for revision 1.1 each time" : "the choice, the reference";
 }
 
-/** Only what does the same is compared. */
-std::string FaultOf(const Run& java, const Run& proxy, const Run& floor) {
-    if (java == nullptr || proxy == nullptr) return "HAS NO PROXY IN tools/bench/";
-    const Trace trace = TraceOf(java);
-    if (trace.calls.empty()) return "ASKS NO SERVICE";
-    if (TraceOf(proxy).calls != trace.calls) return "ITS PROXY IS ASKED OTHERWISE";
-    if (floor == nullptr) return "";
-    const Trace floorTrace = TraceOf(floor);
-    if (floorTrace.calls != trace.calls) return "ITS FLOOR ASKS OTHERWISE";
-    return floorTrace.lines == trace.lines ? "" : "ITS FLOOR LOGS OTHERWISE";
+std::string Judge(const json& ratio, const std::string& method, Backend backend) {
+    if (!ratio["low"].is_number()) return "";
+    if (ratio["low"] > kGoal) return std::string("above: ") + FindOnPurpose(method, backend);
+    return ratio["high"] > kGoal ? "not decided" : "";
 }
 
-/** Where a shape is judged by a ratio, the medians are of more repetitions. */
-void Measure(const Options& options, const JavaCalls& java, const BareCalls& bare,
-             std::vector<Row>* rows) {
-    if (rows->empty()) return;
-    Pass pass(options, rows->front().backend);
-    for (Row& row : *rows) {
-        const Run call = java.Of("ofLibrary", row.method);
-        const Run floor = java.Of("ofFloor", row.method);
-        const auto found = bare.find(row.method);
-        const Run proxy = found == bare.end() ? nullptr : Repeat(found->second);
-        row.fault = FaultOf(call, proxy, floor);
-        if (!row.fault.empty()) continue;
-        const int repetitions = floor == nullptr ? 9 : 61;
-        if (floor != nullptr) pass.Add(&row, "floor", &row.floor, floor, repetitions, LogToNowhere);
-        pass.Add(&row, "java", &row.java, call, repetitions, LogToNowhere);
-        pass.Add(&row, "proxy", &row.proxy, proxy, 9, LogToNowhere);
-        pass.Add(&row, "java with log", &row.javaWithLog, call, 9, LogByDefault);
-    }
-    pass.Run();
-}
-
-/** First with all services over AIDL, then, with both libraries loaded anew, over HIDL. */
-std::vector<Row> MeasureCalls(JNIEnv* env, const Options& options) {
-    Progress::FindTerminal();
-    const int quiet = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    dup2(quiet, STDERR_FILENO);
-    LogToNowhere();
-    StartDevice(Backend::kAidl);
-    const JavaCalls java(env);
-    const Library library("_kalvorn"), floor("kalvorn_floor");
-
-    std::vector<Row> rows = RowsOf(Backend::kAidl, options.filter);
-    Measure(options, java, ConnectAidl(), &rows);
-    LetGoOfAidl();
-    LogToNowhere();
-    library.Unload();
-    floor.Unload();
-
-    StartDevice(Backend::kHidl);
-    library.Load();
-    floor.Load();
-    std::vector<Row> hidlRows = RowsOf(Backend::kHidl, options.filter);
-    Measure(options, java, ConnectHidl(), &hidlRows);
-    LetGoOfHidl();
-    LogToNowhere();
-    library.Unload();
-    floor.Unload();
-    rows.insert(rows.end(), hidlRows.begin(), hidlRows.end());
-    return rows;
-}
-
-/** What is wrong with a row, or worth to be said. */
-struct Verdict {
-    std::string note;
-    bool isFailure = false;
-};
-
-Verdict Judge(const Row& row) {
-    if (!row.fault.empty()) return {row.fault, true};
-    if (!row.floor.there) return {"no floor", false};
-    const OnPurpose onPurpose = FindOnPurpose(row);
-    if (row.java.allocations > row.floor.allocations + onPurpose.allocations) {
-        return {"ALLOCATES MORE THAN ITS FLOOR", true};
-    }
-    if (row.TimesFloor() > kGoal) return {std::string("above 1.03: ") + onPurpose.why, false};
-    return {"", false};
-}
-
-std::string Number(double value, int decimals) {
-    if (std::isnan(value)) return "-";
+std::string Number(const json& figures, const char* name, int decimals = 0) {
+    if (!figures.contains(name) || !figures[name].is_number()) return "-";
     char text[32];
-    snprintf(text, sizeof(text), "%.*f", decimals, value);
+    snprintf(text, sizeof(text), "%.*f", decimals, figures[name].get<double>());
     return text;
 }
 
-void PrintTable(const std::vector<Row>& rows) {
-    printf("Nanoseconds and requests to the heap a call; \"adds\" is Java less proxy.\n\n"
-           "%-32s %-4s %7s %7s %7s %7s %7s %7s  %s\n",
-           "method", "over", "adds", "java", "proxy", "floor", "x floor", "w/ log",
-           "heap of java/proxy/floor");
-    for (const Row& row : rows) {
-        const std::string heap = Number(row.java.allocations, 0) + "/" +
-                                 Number(row.proxy.allocations, 0) + "/" +
-                                 Number(row.floor.allocations, 0);
-        printf("%-32s %-4s %7s %7s %7s %7s %7s %7s  %-8s %s\n", row.method.c_str(),
-               NameOf(row.backend), Number(row.Added(), 0).c_str(), Number(row.java.ns, 0).c_str(),
-               Number(row.proxy.ns, 0).c_str(), Number(row.floor.ns, 0).c_str(),
-               Number(row.TimesFloor(), 3).c_str(), Number(row.javaWithLog.ns, 0).c_str(),
-               heap.c_str(), Judge(row).note.c_str());
+/** The method's figures on each backend that has it. */
+using Print = void(const std::string& method, Backend backend, const json& figures);
+
+void ForEach(const json& calls, Print print) {
+    for (const auto& [method, ofAidl] : calls["aidl"].items()) {
+        print(method, Backend::kAidl, ofAidl);
+        if (calls.value("hidl", json()).contains(method)) {
+            print(method, Backend::kHidl, calls["hidl"][method]);
+        }
     }
 }
 
-void PrintGoals(const std::vector<Row>& rows) {
-    int floors = 0, met = 0;
-    for (const Row& row : rows) {
-        floors += row.floor.there;
-        met += row.floor.there && row.TimesFloor() <= kGoal;
-    }
-    if (floors > 0) printf("\nAt most %.2f times the floor: %d of %d.\n", kGoal, met, floors);
+void PrintCalls(const json& calls) {
+    printf("A method of each shape, beside its floor and the bare proxy; nanoseconds a call.\n"
+           "Goal: at most %.2f times the floor. Interval: of the median, at 95 %%.\n\n"
+           "%-32s %-4s %7s %7s %7s %7s  %s\n",
+           kGoal, "method", "over", "Java", "floor", "proxy", "x floor", "interval");
+    ForEach(calls, [](const std::string& method, Backend backend, const json& figures) {
+        if (!figures.contains("timesFloor")) return;
+        const json& ratio = figures["timesFloor"];
+        printf("%-32s %-4s %7s %7s %7s %7s  %s to %s  %s\n", method.c_str(), NameOf(backend),
+               Number(figures, "java").c_str(), Number(figures, "floor").c_str(),
+               Number(figures, "proxy").c_str(), Number(ratio, "median", 3).c_str(),
+               Number(ratio, "low", 3).c_str(), Number(ratio, "high", 3).c_str(),
+               Judge(ratio, method, backend).c_str());
+    });
+    printf("\nEach method, with the log going nowhere, and to where it goes by default.\n\n"
+           "%-32s %-4s %7s %8s\n",
+           "method", "over", "Java", "with log");
+    ForEach(calls, [](const std::string& method, Backend backend, const json& figures) {
+        printf("%-32s %-4s %7s %8s %s\n", method.c_str(), NameOf(backend),
+               Number(figures, "java").c_str(), Number(figures, "javaWithLog").c_str(),
+               figures.value("fault", "").c_str());
+    });
 }
 
-void PrintLoads(LoadFigures aidl, LoadFigures hidl) {
-    printf("\nLoading, and a death with its restart, each in a fresh process; microseconds and "
-           "KiB.\n\n"
-           "%-52s %7s %7s\n",
-           "", "aidl", "hidl");
-    for (const auto& [name, what] : kLoadFigures) {
-        printf("%-52s %7.0f %7.0f\n", what, aidl[name], hidl[name]);
+void PrintLoads(const json& loads) {
+    constexpr std::pair<const char*, const char*> kRows[] = {
+            {"mapUs", "mapping and relocating the library"},
+            {"loadLibraryUs", "System.loadLibrary and the class that calls it"},
+            {"connectorsUs", "  its connectors, with 2 to 4 lines a service"},
+            {"connectorsBareUs", "    their look-ups and death links done bare"},
+            {"registrationUs", "  after them: registration of the methods"},
+            {"connectorsAgainUs", "JNI_OnLoad once more: connectors"},
+            {"connectorsAgainBareUs", "    look-ups and death links done bare"},
+            {"registrationAgainUs", "  registration"},
+            {"deathUs", "a death and its restart, until all is held again"},
+            {"deathBareUs", "    the same, look-ups and links done bare"},
+            {"touchedKiB", "the library's pages that were touched"},
+            {"writtenKiB", "  of which written"},
+            {"residentKiB", "resident memory more than before the load"}};
+    printf("\nLoading, and a death with its restart; microseconds and KiB.\n\n%-52s %7s %7s\n", "",
+           "aidl", "hidl");
+    for (const auto& [name, what] : kRows) {
+        printf("%-52s %7s %7s\n", what, Number(loads["aidl"], name).c_str(),
+               Number(loads["hidl"], name).c_str());
     }
 }
 
@@ -350,90 +238,60 @@ std::string Machine() {
     return "unknown";
 }
 
-void WriteJson(const std::string& path, const std::vector<Row>& rows,
-               const std::vector<LoadFigures>& loads) {
-    FILE* file = fopen(path.c_str(), "w");
-    Demand(file != nullptr, "the JSON file cannot be written");
-    const auto number = [](double value) {
-        return std::isnan(value) ? std::string("null") : Number(value, 4);
-    };
-    fprintf(file, "{\"machine\": \"%s\", \"cores\": %u, \"calls\": [", Machine().c_str(),
-            std::thread::hardware_concurrency());
-    const char* separator = "";
-    for (const Row& row : rows) {
-        fprintf(file, "%s\n  {\"method\": \"%s\", \"backend\": \"%s\", \"addedNs\": %s", separator,
-                row.method.c_str(), NameOf(row.backend), number(row.Added()).c_str());
-        for (const auto& [name, figure] : {std::pair("java", row.java),
-                                           {"javaWithLog", row.javaWithLog},
-                                           {"proxy", row.proxy},
-                                           {"floor", row.floor}}) {
-            fprintf(file, ", \"%sNs\": %s, \"%sAllocations\": %s", name, number(figure.ns).c_str(),
-                    name, number(figure.allocations).c_str());
-        }
-        fprintf(file, ", \"timesFloor\": %s, \"goal\": %.2f, \"note\": \"%s\"}",
-                number(row.TimesFloor()).c_str(), kGoal, Judge(row).note.c_str());
-        separator = ",";
+/** Returns the program's status: no figure is a fault, but calls that cannot be compared are. */
+int Main(const Options& options) {
+    json result = MeasureAll(options);
+    Demand(result.contains("calls"), "no method has such a name");
+    result["machine"] = Machine();
+    result["cores"] = std::thread::hardware_concurrency();
+    printf("%s, %u cores\n\n", Machine().c_str(), std::thread::hardware_concurrency());
+    PrintCalls(result["calls"]);
+    if (result.contains("loads")) PrintLoads(result["loads"]);
+    if (!options.jsonFile.empty()) {
+        std::ofstream file(options.jsonFile);
+        file << result.dump(2) << std::endl;
+        Demand(file.good(), "the JSON file cannot be written");
     }
-    fprintf(file, "\n], \"loads\": [");
-    separator = "";
-    for (size_t i = 0; i < loads.size(); i++) {
-        fprintf(file, "%s\n  {\"backend\": \"%s\"", separator, NameOf(kBackends[i]));
-        for (const auto& [name, figure] : loads[i]) {
-            fprintf(file, ", \"%s\": %.1f", name.c_str(), figure);
-        }
-        fprintf(file, "}");
-        separator = ",";
+    Demand(fflush(stdout) == 0 && ferror(stdout) == 0, "the table cannot be written");
+    bool failed = false;
+    for (const json& ofBackend : result["calls"]) {
+        for (const json& figures : ofBackend) failed = failed || figures.contains("fault");
     }
-    fprintf(file, "\n]}\n");
-    Demand(fclose(file) == 0, "the JSON file cannot be written");
+    return failed ? 1 : 0;
 }
 
-int Main(const Options& options) {
-    char program[] = "kalvorn_bench",
-         interleaving[] = "--benchmark_enable_random_interleaving=true";
-    char* arguments[] = {program, interleaving, nullptr};
-    int count = 2;
-    benchmark::Initialize(&count, arguments);
-
-    const int processes = options.quick ? 1 : 21;
-    std::vector<LoadFigures> loads;
-    if (options.filter.empty()) {
-        for (const Backend backend : kBackends) loads.push_back(MeasureLoad(backend, processes));
+/** One of the processes that measure. */
+void RunOne(const std::string& what, Backend backend, const char* filter) {
+    if (what == "load") {
+        MeasureLoad(backend);
+    } else if (what == "look-ups") {
+        MeasureLookUps(backend);
+    } else {
+        MeasureCalls(backend, {what == "once", what == "shapes", filter == nullptr ? "" : filter});
     }
-    std::vector<Row> rows = MeasureCalls(StartVm(), options);
-    Demand(!rows.empty(), "no method has such a name");
-    std::stable_sort(rows.begin(), rows.end());
-    printf("%s, %u cores\n", Machine().c_str(), std::thread::hardware_concurrency());
-    PrintTable(rows);
-    PrintGoals(rows);
-    if (!loads.empty()) PrintLoads(loads[0], loads[1]);
-    if (!options.json.empty()) WriteJson(options.json, rows, loads);
-    const bool failed = std::any_of(rows.begin(), rows.end(),
-                                    [](const Row& row) { return Judge(row).isFailure; });
-    Demand(fflush(stdout) == 0 && ferror(stdout) == 0, "the table cannot be written");
-    _exit(failed ? 1 : 0);  // the virtual machine's own end is of no interest
+    fflush(stdout);
+    _exit(0);  // the virtual machine's own end is of no interest
 }
 
 }  // namespace
 
 }  // namespace bench
 
+/**
+ * "kalvorn_bench FILTER JSON_FILE", both possibly empty, measures and prints all; "kalvorn_bench
+ * quick" does everything once. The processes that it starts are told what to measure, and the
+ * backend.
+ */
 int main(int argc, char** argv) {
-    const std::vector<std::string> words(argv + 1, argv + argc);
-    if (words.size() == 3 && words[0] == "--one-load") return bench::RunOneLoad(words[1], words[2]);
-    bench::Options options;
-    for (size_t i = 0; i < words.size(); i++) {
-        const bool hasValue = i + 1 < words.size();
-        if (words[i] == "--quick") {
-            options.quick = true;
-        } else if (words[i] == "--filter" && hasValue) {
-            options.filter = words[++i];
-        } else if (words[i] == "--json" && hasValue) {
-            options.json = words[++i];
-        } else {
-            fprintf(stderr, "kalvorn_bench: not %s\n", words[i].c_str());
-            return 2;
-        }
+    using bench::Backend;
+    const std::string first = argc > 1 ? argv[1] : "", second = argc > 2 ? argv[2] : "";
+    if (second == "aidl" || second == "hidl") {
+        const auto backend = second == "aidl" ? Backend::kAidl : Backend::kHidl;
+        bench::RunOne(first, backend, getenv("KALVORN_BENCH_FILTER"));
     }
-    return bench::Main(options);
+    char program[4096] = "";
+    bench::Demand(readlink("/proc/self/exe", program, sizeof(program) - 1) > 0, "/proc is missing");
+    setenv("KALVORN_BENCH", program, 1);  // whatever its path is made of
+    const bool quick = argc == 2 && first == "quick";
+    return bench::Main({quick, quick ? "" : first, second});
 }

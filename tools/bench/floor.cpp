@@ -17,15 +17,18 @@
 #include <vendor/zantor/hardware/sensors/ISensors.h>
 
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "common/bounds_checked.h"
 #include "common/failure.h"
 #include "common/log.h"
 #include "common/service_constants.h"
+#include "jni/descriptor.h"
 
 using namespace kalvorn;
 using android::sp;
+using android::hardware::hidl_string;
 
 namespace {
 
@@ -87,14 +90,17 @@ struct OperationFields {
     jfieldID version, commandId, operation, bsn, station, cycle;
 } g_fields;
 
-struct Operation {
-    jint version, commandId, operation, cycle;
-    const char* bsn;
-    const char* station;
-};
+void Assign(std::string* to, const char* text) {
+    *to = text;
+}
+
+void Assign(hidl_string* to, const char* text) {
+    to->setToExternal(text, strlen(text));
+}
 
 // The texts are never released, as the library keeps them.
-bool ReadOperation(JNIEnv* env, jobject object, Operation* record) {
+template <typename Record>
+bool ReadOperation(JNIEnv* env, jobject object, Record* record) {
     if (object == nullptr) return false;
     record->version = env->GetIntField(object, g_fields.version);
     record->commandId = env->GetIntField(object, g_fields.commandId);
@@ -102,10 +108,12 @@ bool ReadOperation(JNIEnv* env, jobject object, Operation* record) {
     auto* bsn = static_cast<jstring>(env->GetObjectField(object, g_fields.bsn));
     auto* station = static_cast<jstring>(env->GetObjectField(object, g_fields.station));
     record->cycle = env->GetIntField(object, g_fields.cycle);
-    record->station = ReadText(env, station, "station");
-    if (record->station == nullptr) return false;
-    record->bsn = ReadText(env, bsn, "bsn");
-    return record->bsn != nullptr;
+    const char* stationText = ReadText(env, station, "station");
+    const char* bsnText = stationText == nullptr ? nullptr : ReadText(env, bsn, "bsn");
+    if (bsnText == nullptr) return false;
+    Assign(&record->station, stationText);
+    Assign(&record->bsn, bsnText);
+    return true;
 }
 
 namespace over_aidl {
@@ -187,22 +195,15 @@ jint GetVerifySignatureResult(JNIEnv* env, jobject, jbyteArray signature) {
     return ret;
 }
 
-jint KvSendFmdOperation(JNIEnv* env, jobject, jobject operation) {
+jint KvSendFmdOperation(JNIEnv* env, jobject, JavaBigDataOperation* operation) {
     KV_LOGI("KvSendFmdOperationByAidl");
     const sp<IQxFactoryInterface> factory = g_factory;
     if (factory == nullptr) return kServiceAbsent;
-    Operation record;
-    if (!ReadOperation(env, operation, &record)) return kServiceAbsent;
-    KV_LOGI("Version: %d; commandId: %d; operation: %d; bsn: %s; station: %s; cycle: %d",
-            record.version, record.commandId, record.operation, record.bsn, record.station,
-            record.cycle);
     FmdCmdData data{};
-    data.version = record.version;
-    data.commandId = record.commandId;
-    data.operation = record.operation;
-    data.cycle = record.cycle;
-    data.station = record.station;
-    data.bsn = record.bsn;
+    if (!ReadOperation(env, operation, &data)) return kServiceAbsent;
+    KV_LOGI("Version: %d; commandId: %d; operation: %d; bsn: %s; station: %s; cycle: %d",
+            data.version, data.commandId, data.operation, data.bsn.c_str(), data.station.c_str(),
+            data.cycle);
     int32_t result = 0;
     factory->sendBigDataOperation(data, &result);
     KV_LOGI("SendBigDataOperation, result: %d", result);
@@ -249,7 +250,6 @@ bool Connect() {
 
 namespace over_hidl {
 
-using android::hardware::hidl_string;
 using android::hardware::Return;
 using vendor::zantor::hardware::qxfactoryinterface::V1_0::FmdCmdData;
 using vendor::zantor::hardware::qxfactoryinterface::V1_1::IQxFactoryInterface;
@@ -344,22 +344,15 @@ jint GetVerifySignatureResult(JNIEnv* env, jobject, jbyteArray signature) {
     return ret;
 }
 
-jint KvSendFmdOperation(JNIEnv* env, jobject, jobject operation) {
+jint KvSendFmdOperation(JNIEnv* env, jobject, JavaBigDataOperation* operation) {
     KV_LOGI("KvSendFmdOperationByHidl");
     const sp<IQxFactoryInterface> factory = g_factory;
     if (factory == nullptr) return kServiceAbsent;
-    Operation record;
-    if (!ReadOperation(env, operation, &record)) return kServiceAbsent;
-    KV_LOGD("version: %d; commandId: %d; operation: %d; bsn: %s; station: %s; cycle: %d",
-            record.version, record.commandId, record.operation, record.bsn, record.station,
-            record.cycle);
     FmdCmdData data{};
-    data.version = record.version;
-    data.commandId = record.commandId;
-    data.operation = record.operation;
-    data.cycle = record.cycle;
-    data.station.setToExternal(record.station, strlen(record.station));
-    data.bsn.setToExternal(record.bsn, strlen(record.bsn));
+    if (!ReadOperation(env, operation, &data)) return kServiceAbsent;
+    KV_LOGD("version: %d; commandId: %d; operation: %d; bsn: %s; station: %s; cycle: %d",
+            data.version, data.commandId, data.operation, data.bsn.c_str(), data.station.c_str(),
+            data.cycle);
     return factory->sendBigDataOperation(data);
 }
 
@@ -404,22 +397,23 @@ void FindFields(JNIEnv* env) {
                 env->GetFieldID(clazz, "cycle", "I")};
 }
 
-#define ROW(javaName, signature, function) \
-    { javaName, signature, reinterpret_cast<void*>(function) }
-#define ROWS(backend)                                                                              \
-    {                                                                                              \
-        ROW("nativeGetSensorSelfTestResult", "(I)I", backend::GetSensorSelfTestResult),            \
-                ROW("nativeWriteNvValue", "(Ljava/lang/String;I)I", backend::WriteNv),             \
-                ROW("nativeReadNvValue", "(I)Ljava/lang/String;", backend::ReadNv),                \
-                ROW("nativeEmmcTest",                                                              \
-                    "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;)Ljava/lang/String;",  \
-                    backend::EmmcTest),                                                            \
-                ROW("nativeGetVerifySignatureResult", "([B)I", backend::GetVerifySignatureResult), \
-                ROW("nativeSendBigDataOperation", "(Lcom/quorvin/kalvornii/BigDataOperation;)I",   \
-                    backend::KvSendFmdOperation),                                                  \
-                ROW("nativeSetTestItemName", "(Ljava/lang/String;Ljava/lang/String;)[I",           \
-                    backend::KvSetTestItemName),                                                   \
-    }
+/** The function as a Java method. */
+template <auto function>
+JNINativeMethod Row(const char* javaName) {
+    using Function = std::remove_pointer_t<decltype(function)>;
+    return {javaName, descriptor::Of<Function>::text.data(), reinterpret_cast<void*>(function)};
+}
+
+// clang-format off
+#define ROWS(backend) { \
+    Row<backend::GetSensorSelfTestResult>("nativeGetSensorSelfTestResult"), \
+    Row<backend::WriteNv>("nativeWriteNvValue"), \
+    Row<backend::ReadNv>("nativeReadNvValue"), \
+    Row<backend::EmmcTest>("nativeEmmcTest"), \
+    Row<backend::GetVerifySignatureResult>("nativeGetVerifySignatureResult"), \
+    Row<backend::KvSendFmdOperation>("nativeSendBigDataOperation"), \
+    Row<backend::KvSetTestItemName>("nativeSetTestItemName")}
+// clang-format on
 const JNINativeMethod kAidlMethods[] = ROWS(over_aidl);
 const JNINativeMethod kHidlMethods[] = ROWS(over_hidl);
 

@@ -13,6 +13,7 @@
 
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "arguments.h"
@@ -28,7 +29,8 @@ namespace {
 constexpr int kUncounted = 3;  // what is done once only is behind a method then
 constexpr int kCounted = 10;
 
-std::map<std::string, JNINativeMethod> g_registered;
+using Registered = std::map<std::string, JNINativeMethod>;
+Registered g_registered;
 jint g_pair[2];
 
 // Every text is one, and an object is as good as another.
@@ -40,7 +42,6 @@ JNINativeInterface MakeFunctions() {
     JNINativeInterface f{};
     f.FindClass = [](JNIEnv*, const char*) { return static_cast<jclass>(AnyObject()); };
     f.RegisterNatives = [](JNIEnv*, jclass, const JNINativeMethod* methods, jint count) {
-        g_registered.clear();
         for (jint i = 0; i < count; i++) g_registered[methods[i].name] = methods[i];
         return JNI_OK;
     };
@@ -94,10 +95,9 @@ std::vector<intptr_t> ArgumentsFor(const char* descriptor) {
     return words;
 }
 
-void Call(const JNINativeMethod& method, int times) {
+void Call(const JNINativeMethod& method, const std::vector<intptr_t>& words, int times) {
     using Function = intptr_t(JNIEnv*, jobject, intptr_t, intptr_t, intptr_t, intptr_t);
     auto* function = reinterpret_cast<Function*>(method.fnPtr);
-    const std::vector<intptr_t> words = ArgumentsFor(method.signature);
     for (int i = 0; i < times; i++) {
         function(&g_env, nullptr, words[0], words[1], words[2], words[3]);
     }
@@ -133,19 +133,38 @@ Function* EntryPoint(void* library, const char* name) {
     return reinterpret_cast<Function*>(found);
 }
 
-void CallAll(Backend backend, void* library, const char* file) {
-    StartDevice(backend);
+using Libraries = std::map<std::string, void*>;  // handles by file
+
+/** What the library registers when it is loaded. */
+Registered Load(void* library) {
     if (EntryPoint<jint(JavaVM*, void*)>(library, "JNI_OnLoad")(Vm(), nullptr) < 0) exit(2);
+    return std::exchange(g_registered, {});
+}
+
+void Count(const JNINativeMethod& method, const std::string& file, Backend backend) {
+    const std::vector<intptr_t> words = ArgumentsFor(method.signature);
+    Call(method, words, kUncounted);
+    Mark();
+    Call(method, words, kCounted);
+    Mark();
+    printf("calls %d %s %s %s\n", kCounted, file.c_str(), NameOf(backend), method.name);
+}
+
+/** On one device: what it keeps of its clients makes its own work more. */
+void CallAll(Backend backend, const Libraries& libraries) {
+    StartDevice(backend);
+    std::map<std::string, Registered> registered;
+    for (const auto& [file, library] : libraries) registered[file] = Load(library);
+    if (!kalvorn::device::Device::Settle()) exit(2);  // other threads are counted too
     for (const Method& method : kMethods) {
-        const auto found = g_registered.find(method.name);
-        if (found == g_registered.end() || !method.IsOn(backend)) continue;
-        Call(found->second, kUncounted);
-        Mark();
-        Call(found->second, kCounted);
-        Mark();
-        printf("calls %d %s %s %s\n", kCounted, file, NameOf(backend), method.name);
+        for (const auto& [file, methods] : registered) {
+            const auto found = methods.find(method.name);
+            if (found != methods.end() && method.IsOn(backend)) Count(found->second, file, backend);
+        }
     }
-    EntryPoint<void(JavaVM*, void*)>(library, "JNI_OnUnload")(Vm(), nullptr);
+    for (const auto& [file, library] : libraries) {
+        EntryPoint<void(JavaVM*, void*)>(library, "JNI_OnUnload")(Vm(), nullptr);
+    }
 }
 
 }  // namespace
@@ -160,18 +179,14 @@ int main(int argc, char** argv) {
     __android_log_set_logger([](const __android_logger_data*, const char*) {});
     const std::string program = argv[0];
     const std::string folder = program.substr(0, program.rfind('/') + 1);
-    std::map<std::string, void*> libraries;
+    bench::Libraries libraries;
     for (const char* file : {"lib_kalvorn.so", "libkalvorn_floor.so"}) {
         libraries[file] = dlopen((folder + file).c_str(), RTLD_NOW);
     }
     dl_iterate_phdr(bench::PrintRangeOfLibrary, nullptr);
     bench::PrintRange("mark", reinterpret_cast<uintptr_t>(Mark) & ~uintptr_t{1}, 1);
     if (argc > 1 && strcmp(argv[1], "where") == 0) return 0;
-    for (const Backend backend : bench::kBackends) {
-        for (const auto& [file, library] : libraries) {
-            bench::CallAll(backend, library, file.c_str());
-        }
-    }
+    for (const Backend backend : bench::kBackends) bench::CallAll(backend, libraries);
     fflush(stdout);
     _Exit(0);
 }
