@@ -24,7 +24,7 @@ def device:
         $samples,
         restarts: map(.restart // empty),
         kept: map(.kept // empty),
-        latencies: map(.latency // empty)
+        latencies: map(.latency // empty) | unique
     };
 
 [inputs | fromjson? // empty]
@@ -48,7 +48,7 @@ def device:
     referencesLeft: map(.referencesLeft) | max,
     keepsUnexpectedly: $unexpected,
     kept: $kept | sort_by(-.bytesPerCall),
-    latencies: [.[] | .device as $device | .latencies[] | {$device} + .] | sort_by(-.times.p99),
+    latencies: [.[] | .device as $device | .latencies[] | {$device} + .] | sort_by(.times.calls < 1000, -.times.p99),
     devices: map(del(.kept, .latencies))
 }
 | [

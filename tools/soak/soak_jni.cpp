@@ -6,7 +6,6 @@
 #include <jni.h>
 #include <malloc.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -29,8 +28,8 @@ using kalvorn::host::Text;
 /** A line of the log: its number, milliseconds, thread, priority, tag and text, then zeros. */
 using Line = char[512];
 
+constexpr uint64_t kLines = 100;
 Line* g_ring = nullptr;
-uint64_t g_lines = 0;
 std::atomic<uint64_t> g_written{0};
 std::atomic<uint64_t> g_notifications{0};
 std::atomic<bool> g_frozen{false};
@@ -44,7 +43,7 @@ void Keep(const __android_logger_data* data, const char* message) {
     const uint64_t number = ++g_written;
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
-    Line& line = g_ring[number % g_lines];
+    Line& line = g_ring[number % kLines];
     memset(line, 0, sizeof(line));
     snprintf(line, sizeof(line), "%" PRIu64 " %lld%03ld %5d %c %-8s: %s", number,
              static_cast<long long>(now.tv_sec), now.tv_nsec / 1'000'000, thread,
@@ -60,16 +59,13 @@ void Keep(const __android_logger_data* data, const char* message) {
 // A mapped file, so that the lines outlast a process that ends in the middle of a call.
 SOAK(void, keepLog)(JNIEnv* env, jclass, jstring path) {
     const int file = open(Text(env, path).c_str(), O_RDWR | O_CLOEXEC);
-    struct stat found {};
-    fstat(file, &found);
-    void* ring = mmap(nullptr, found.st_size, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+    void* ring = mmap(nullptr, kLines * sizeof(Line), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
     close(file);
     if (ring == MAP_FAILED) {
         env->ThrowNew(env->FindClass("java/io/IOException"), "the log's file cannot be mapped");
         return;
     }
     g_ring = static_cast<Line*>(ring);
-    g_lines = found.st_size / sizeof(Line);
     __android_log_set_logger(Keep);
 }
 

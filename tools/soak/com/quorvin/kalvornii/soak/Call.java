@@ -12,6 +12,7 @@ import java.util.Arrays;
 import java.util.EnumMap;
 import java.util.List;
 import java.util.Map;
+import java.util.function.BiFunction;
 import org.HdrHistogram.ConcurrentHistogram;
 import org.HdrHistogram.Histogram;
 
@@ -26,30 +27,24 @@ final class Call {
     /** What the library keeps of each call on purpose. */
     enum Keeps { NOTHING, TEXTS, TEXTS_WHEN_ABSENT }
 
-    /** How an argument varies from call to call; varying little, a text has at most 64 bytes. */
-    enum Varies { FREELY, LITTLE }
+    /** Stands for an argument, a number or a text, that varies from call to call. */
+    static final Object VARIES = new Object();
 
     /** Texts that the device stores. */
     enum Kind { RESULT, NV_ITEM, FLAG }
-
-    /** Makes a call that needs code of its own. */
-    interface Action {
-        Object call(KvNativeInterface library, Caller caller);
-    }
 
     private static final Gson JSON =
             new GsonBuilder().serializeNulls().disableHtmlEscaping().create();
 
     final String method;
     final Service service;
-    final Map<Route, Histogram> times = new EnumMap<>(Route.class);
+    Map<Route, Histogram> times = new EnumMap<>(Route.class);
     Keeps keeps;
     Object healthy;
     List<?> broken;
-    /** Fixed ones, or how they vary. */
     Object[] arguments;
-    /** Null for all but a few, like the next two. */
-    Action action;
+    /** Makes the call, where that takes code of its own; null as a rule, like the next two. */
+    BiFunction<KvNativeInterface, Caller, Object> action;
     Kind reads;
     Kind writes;
     private final Sample sample;
@@ -63,12 +58,14 @@ final class Call {
         keeps = sample.keeps() ? Keeps.TEXTS : Keeps.NOTHING;
         healthy = comparable(sample.result);
         broken = service.name == null ? List.of() : List.of(comparable(sample.broken("aidl")));
-        arguments = new Object[sample.arguments.length];
-        Arrays.fill(arguments, Varies.FREELY);
+        arguments = sample.arguments.clone();
+        for (int i = 0; i < arguments.length; i++) {
+            if (arguments[i] instanceof String || arguments[i] instanceof Integer)
+                arguments[i] = VARIES;
+        }
         int number = KvNativeInterface.SERVICE_ABSENT;
-        absent = healthy instanceof String ? KvNativeInterface.INVALID_SERVICE
-                : healthy instanceof List  ? List.of(number, number)
-                                           : (Object) number;
+        Object numbers = healthy instanceof List ? List.of(number, number) : number;
+        absent = healthy instanceof String ? KvNativeInterface.INVALID_SERVICE : numbers;
         if (service.backend == Backend.HIDL && !sample.isServedOver("hidl")) healthy = absent;
     }
 
@@ -92,16 +89,16 @@ final class Call {
         caller.fieldBefore = field();
         caller.arguments = arguments.clone();
         for (int i = 0; i < arguments.length; i++) {
-            if (!(arguments[i] instanceof Varies how)) continue;
-            Class<?> type = sample.method.getParameterTypes()[i];
-            boolean isId = (reads != null || writes != null) && type == int.class;
-            caller.arguments[i] = isId ? caller.id() : caller.argument(type, i, how);
-            if (type == String.class) caller.storing = (String) caller.arguments[i];
+            if (arguments[i] != VARIES) continue;
+            boolean isNumber = sample.arguments[i] instanceof Integer;
+            if (!isNumber) caller.storing = caller.text(i);
+            int number = reads != null || writes != null ? caller.id() : caller.number();
+            caller.arguments[i] = isNumber ? (Object) number : caller.storing;
         }
     }
 
     Object make(Caller caller) throws ReflectiveOperationException {
-        if (action != null) return action.call(caller.library, caller);
+        if (action != null) return action.apply(caller.library, caller);
         return sample.method.invoke(caller.library, caller.arguments);
     }
 
@@ -115,18 +112,19 @@ final class Call {
         String fault = fault("answered", caller.answer, right);
         if (fault != null || sample.field() == null) return fault;
         right.clear();
-        boolean isAbsent = absent.equals(caller.answer);
-        if (isAbsent) right.add(caller.fieldBefore);
-        if (!isAbsent)
+        if (absent.equals(caller.answer)) {
+            right.add(caller.fieldBefore);
+        } else {
             right.add(sample.fieldText(service.backend == Backend.HIDL ? "hidl" : "aidl"));
-        if (!isAbsent && (may & BROKEN) != 0) right.add("");
+            if ((may & BROKEN) != 0) right.add("");
+        }
         return fault("left " + sample.field() + " as", field(), right);
     }
 
     private static String fault(String verb, Object found, List<Object> right) {
-        return right.contains(found) ? null
-                                     : verb + " " + quoted(found) + "; right is "
-                        + String.join(" or ", right.stream().map(Call::quoted).toList());
+        if (right.contains(found)) return null;
+        return verb + " " + quoted(found) + "; right is "
+                + String.join(" or ", right.stream().map(Call::quoted).toList());
     }
 
     /** What is stored after a right answer; a write that broke off may have arrived or not. */

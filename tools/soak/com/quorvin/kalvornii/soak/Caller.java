@@ -1,12 +1,7 @@
 package com.quorvin.kalvornii.soak;
 
-import static java.nio.charset.StandardCharsets.ISO_8859_1;
-
-import com.quorvin.kalvornii.BigDataOperation;
-import com.quorvin.kalvornii.BigDataValue;
 import com.quorvin.kalvornii.KvNativeInterface;
 import com.quorvin.kalvornii.soak.Call.Keeps;
-import java.lang.reflect.Field;
 import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.HashSet;
@@ -41,9 +36,6 @@ final class Caller {
     /** The times of the calls since it was last reset. */
     final Histogram recent = new Histogram(2);
 
-    private final byte[] bytes = "\0\7\16\u00ff".repeat(16).getBytes(ISO_8859_1);
-    private final BigDataOperation operation = filled(new BigDataOperation());
-    private final BigDataValue measured = filled(new BigDataValue());
     private final int index;
     private final Situation situation;
     private final List<Call> calls;
@@ -51,8 +43,7 @@ final class Caller {
     private long random;
     private boolean uniform;
 
-    Caller(int index, long seed, Situation situation, List<Call> calls)
-            throws ReflectiveOperationException {
+    Caller(int index, long seed, Situation situation, List<Call> calls) {
         this.index = index;
         this.situation = situation;
         this.calls = calls;
@@ -63,15 +54,14 @@ final class Caller {
         }
     }
 
-    /** What to call a method with. */
-    Object argument(Class<?> type, int position, Call.Varies how) {
-        if (type == int.class) return (int) random;
-        if (type == byte[].class) return bytes;
-        if (type == BigDataOperation.class) return operation;
-        if (type == BigDataValue.class) return measured;
+    int number() {
+        return (int) random;
+    }
+
+    /** Another at each position among the arguments. */
+    String text(int position) {
         if (uniform) return SIXTEEN;
-        int chosen = (int) (random >>> 8 + 16 * position & 0xffff);
-        return TEXTS[chosen % (how == Call.Varies.LITTLE ? 8 : TEXTS.length)];
+        return TEXTS[(int) (random >>> 8 + 16 * position & 0xffff) % TEXTS.length];
     }
 
     /** Of a text that this caller alone stores; never that of the signature. */
@@ -135,12 +125,5 @@ final class Caller {
         if (may != Call.HEALTHY && may != Call.ABSENT) return;
         call.times.get(call.service.route(may)).recordValue(time);
         recent.recordValue(time);
-    }
-
-    private static <T> T filled(T record) throws IllegalAccessException {
-        for (Field field : record.getClass().getFields()) {
-            if (field.getType() == String.class) field.set(record, SIXTEEN);
-        }
-        return record;
     }
 }

@@ -1,13 +1,13 @@
 package com.quorvin.kalvornii.soak;
 
-import static com.quorvin.kalvornii.soak.Call.Varies.FREELY;
-import static com.quorvin.kalvornii.soak.Call.Varies.LITTLE;
+import static com.quorvin.kalvornii.soak.Call.VARIES;
 
+import com.quorvin.kalvornii.KvNativeInterface;
 import com.quorvin.kalvornii.samples.Sample;
-import com.quorvin.kalvornii.soak.Call.Action;
 import com.quorvin.kalvornii.soak.Call.Kind;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.function.BiFunction;
 
 /** The samples, with arguments that vary, and what they do not tell. */
 final class Calls {
@@ -34,13 +34,13 @@ final class Calls {
     }
 
     private void limitArguments() {
-        add("nativeSocTest", "0", "secure_flash", FREELY);
-        add("nativeSocTest", "0", "secure_weaver", FREELY);
-        add("nativeDdrTest", "busy", FREELY, FREELY, "getstate");
-        add("nativeSetTestCycle", 0, FREELY, -100);
-        add("sendCmdToFingerprintHalNative", 0, FREELY, null);
+        add("nativeSocTest", "0", "secure_flash", VARIES);
+        add("nativeSocTest", "0", "secure_weaver", VARIES);
+        add("nativeDdrTest", "busy", VARIES, VARIES, "getstate");
+        add("nativeSetTestCycle", 0, VARIES, -100);
+        add("sendCmdToFingerprintHalNative", 0, VARIES, null);
         Call itemName = call("nativeSetTestItemName");
-        itemName.arguments = new Object[] {LITTLE, LITTLE};
+        itemName.arguments = new Object[] {"storage", "emmc_rw"};
         // A service that died in the first of the two calls to it is dead in the second.
         itemName.broken = List.of(List.of(-1, -1), List.of(0, -1));
         itemName.keeps = Call.Keeps.TEXTS_WHEN_ABSENT;
@@ -50,6 +50,7 @@ final class Calls {
     private void add(String method, Object answer, Object... arguments) {
         Call call = add(samples.get(calls.indexOf(call(method))));
         call.arguments = arguments;
+        call.times = call(method).times;
         if (!call.healthy.equals(answer)) call.broken = List.of(answer);
         call.healthy = answer;
     }
@@ -84,7 +85,7 @@ final class Calls {
                 (kv, c) -> kv.nativeInperpolateFrameRecoverFreshRate() + (c.mode = 0));
     }
 
-    private void act(String method, Action action) {
+    private void act(String method, BiFunction<KvNativeInterface, Caller, Object> action) {
         call(method).action = action;
         call(method).healthy = 0;
     }

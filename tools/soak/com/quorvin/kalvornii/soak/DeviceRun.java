@@ -12,7 +12,9 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.Random;
-import java.util.TreeMap;
+import java.util.concurrent.ExecutorService;
+import java.util.concurrent.Executors;
+import java.util.concurrent.Future;
 import java.util.concurrent.locks.LockSupport;
 import org.HdrHistogram.Histogram;
 
@@ -40,10 +42,12 @@ final class DeviceRun {
     private final Situation situation = new Situation();
     private final List<Call> table = Calls.all(situation);
     private final List<Caller> callers = new ArrayList<>();
-    private final Pool pool = new Pool(callers);
+    private final ExecutorService threads = Executors.newCachedThreadPool();
+    private final List<Future<Long>> calling = new ArrayList<>();
     private final Events events;
     private final Progress progress;
     private final long deaths;
+    private long made;
     private long died;
     private long deathsOfAll;
     private String happened = "no death yet";
@@ -53,7 +57,7 @@ final class DeviceRun {
     private final Growth ofAidlDeaths = new Growth(1);
     private final Growth ofHidlDeaths = new Growth(1);
 
-    private DeviceRun(Path folder, String device) throws IOException, ReflectiveOperationException {
+    private DeviceRun(Path folder, String device) throws Exception {
         events = new Events(folder.resolve(device + ".events"), device);
         progress = new Progress(device, folder.resolve("stop"), calls);
         deaths = situation.has(AIDL) || situation.has(HIDL) ? Long.getLong("soak.deaths") : 0;
@@ -63,23 +67,19 @@ final class DeviceRun {
 
     /** Takes a folder, which has the file for the log, and the device; the rest are properties. */
     public static void main(String[] arguments) {
-        int status = 0;
         try {
             Native.keepLog(Path.of(arguments[0], arguments[1] + ".log").toString());
             DEVICE.recordCalls(false);
             new DeviceRun(Path.of(arguments[0]), arguments[1]).run();
-        } catch (IOException e) {
-            System.err.println(e.getMessage());
-            status = NOT_WRITTEN;
-        } catch (ReflectiveOperationException | RuntimeException e) {
+            System.exit(0);
+        } catch (Exception e) {
             Native.freezeLog();
             e.printStackTrace();
-            status = 1;
+            System.exit(e instanceof IOException ? NOT_WRITTEN : 1);
         }
-        System.exit(status);
     }
 
-    private void run() throws IOException, ReflectiveOperationException {
+    private void run() throws Exception {
         DEVICE.settle();
         playCallsAndDeaths();
         sample();
@@ -94,10 +94,8 @@ final class DeviceRun {
         tell("calls", ofCalls);
         tell("AIDL deaths", ofAidlDeaths);
         tell("HIDL deaths", ofHidlDeaths);
-        events.tell("end", "how",
-                isWrong()          ? "wrong answer"
-                        : isOver() ? progress.early()
-                                   : "done");
+        String early = isWrong() ? "wrong answer" : progress.early();
+        events.tell("end", "how", early == null ? "done" : early);
         progress.end();
     }
 
@@ -110,35 +108,33 @@ final class DeviceRun {
     }
 
     /** The calls come in stretches with every answer as in health, with deaths in between. */
-    private void playCallsAndDeaths() throws IOException {
+    private void playCallsAndDeaths() throws Exception {
         long stretches = Math.max(calls / LONGEST, Math.max(deaths, SAMPLES));
         if (deathsOfAll > 0) Native.groupProcesses("one");
         sample();
         for (long i = 0; i < stretches && !isOver(); i++) {
-            long left = Math.max(0, calls * (i + 1) / stretches - pool.made);
+            long left = Math.max(0, calls * (i + 1) / stretches - made);
             boolean dies = deaths * (i + 1) / stretches > deaths * i / stretches;
             boolean secondHalf = i >= stretches / 2;
-            if (!plant.isEmpty() && i == stretches / 2) {
-                DEVICE.answer(plant, 4711, "planted");
-            }
+            if (i == stretches / 2 && !plant.isEmpty()) DEVICE.answer(plant, 4711, "planted");
             long before = Native.bytesInUse();
-            long callsBefore = pool.made;
-            pool.call(dies ? left - left / 2 : left);
+            long callsBefore = made;
+            call(dies ? left - left / 2 : left);
             long between = Native.bytesInUse();
-            if (secondHalf) ofCalls.add(pool.made - callsBefore, between - before);
+            if (secondHalf) ofCalls.add(made - callsBefore, between - before);
             if (dies && !isOver()) {
                 Growth ofDeaths = die(left / 2) ? ofHidlDeaths : ofAidlDeaths;
                 if (secondHalf) ofDeaths.add(1, Native.bytesInUse() - between);
             }
             if (SAMPLES * (i + 1) / stretches > SAMPLES * i / stretches) sample();
-            progress.hear(pool.made, died);
+            progress.hear(made, died);
         }
         // What the last death left over.
-        if (!isOver()) pool.call(Math.max(0, calls - pool.made));
+        if (!isOver()) call(Math.max(0, calls - made));
     }
 
     /** A service or process dies and comes back; true when it was one of HIDL. */
-    private boolean die(long spareCalls) throws IOException {
+    private boolean die(long spareCalls) throws Exception {
         Death death = chooseDeath();
         boolean hidlDies =
                 death.what.equals("all") ? situation.has(HIDL) : death.service.backend == HIDL;
@@ -159,43 +155,69 @@ final class DeviceRun {
         return hidlDies;
     }
 
+    /** Makes so many calls. */
+    private void call(long all) throws Exception {
+        start(all);
+        await();
+    }
+
+    /** Begins with at most so many calls, shared among all callers. */
+    private void start(long most) {
+        for (Caller caller : callers) {
+            caller.mayCall = true;
+            long share = (most + callers.indexOf(caller)) / callers.size();
+            calling.add(threads.submit(() -> caller.callAny(share)));
+        }
+    }
+
+    private void stop() throws Exception {
+        for (Caller caller : callers) caller.mayCall = false;
+        await();
+    }
+
+    private void await() throws Exception {
+        for (Future<Long> calls : calling) made += calls.get();
+        calling.clear();
+    }
+
     private Death chooseDeath() {
-        List<Service> mortal = new ArrayList<>(situation.services.values());
-        mortal.removeIf(service -> service.backend == null);
+        List<Service> mortal = situation.services.values()
+                                       .stream()
+                                       .filter(service -> service.backend != null)
+                                       .toList();
         String what = deathsOfAll > 0 ? "all" : random.nextBoolean() ? "process" : "one";
         return new Death(mortal.get(random.nextInt(mortal.size())), what);
     }
 
     /** Only over AIDL: a call on a dead HIDL service ends the process, as on a device. */
-    private void dieUnderCalls(Death death, long spareCalls) {
+    private void dieUnderCalls(Death death, long spareCalls) throws Exception {
         happened = "during the death of " + death;
         situation.aidlInTurmoil();
-        pool.start(spareCalls);
+        start(spareCalls);
         pause();
         death.kill();
         pause();
         death.restart();
         DEVICE.settle();
-        pool.stop();
+        stop();
     }
 
-    private void dieBetweenCalls(Death death, long spareCalls, boolean hidlDies)
-            throws IOException {
+    private void dieBetweenCalls(Death death, long spareCalls, boolean hidlDies) throws Exception {
         death.kill();
         happened = "away after the death of " + death;
         situation.away();
-        pool.call(spareCalls / 2);
+        call(spareCalls / 2);
         if (isOver()) return;
         happened = "on the return from the death of " + death;
         situation.coming();
         boolean underCalls = !death.what.equals("all") && random.nextBoolean();
-        if (underCalls) pool.start(spareCalls - spareCalls / 2);
+        if (underCalls) start(spareCalls - spareCalls / 2);
         long listeners = Native.listeners();
         long begin = System.nanoTime();
         death.restart();
         DEVICE.settle();
         long microseconds = (System.nanoTime() - begin) / 1000;
-        if (underCalls) pool.stop();
+        if (underCalls) stop();
         if (underCalls || !hidlDies) return;
         events.tell("restart", "listeners", listeners, "what", death.what, "microseconds",
                 microseconds);
@@ -225,7 +247,7 @@ final class DeviceRun {
     }
 
     /** What each call leaves behind; told at the end, since to tell makes the compiler busy. */
-    private void measureEachCall() throws IOException, ReflectiveOperationException {
+    private void measureEachCall() throws Exception {
         List<Growth> growths = new ArrayList<>();
         for (Call call : table) {
             Growth growth = new Growth(MEASURED);
@@ -235,7 +257,7 @@ final class DeviceRun {
                 growth.add(MEASURED, Native.bytesInUse() - before);
             }
             growths.add(growth);
-            progress.hear(pool.made, died);
+            progress.hear(made, died);
         }
         for (int i = 0; i < table.size() && !isOver(); i++) {
             Call call = table.get(i);
@@ -253,7 +275,7 @@ final class DeviceRun {
             times.add(caller.recent);
             caller.recent.reset();
         }
-        events.tell("sample", "seconds", progress.elapsed(), "calls", pool.made, "deaths", died,
+        events.tell("sample", "seconds", progress.elapsed(), "calls", made, "deaths", died,
                 "resident", Events.resident(), "inUse", Native.bytesInUse(), "liveServices",
                 Native.liveServices(), "deathLinks", Native.deathLinks(), "listeners",
                 Native.listeners(), "notifications", Native.notifications(), "threads",
@@ -266,17 +288,13 @@ final class DeviceRun {
                 growth.typical(), "totalBytes", growth.total);
     }
 
-    /** Of the calls of a method on a route, with whatever arguments. */
     private void tellTimes() throws IOException {
-        for (Route route : Route.values()) {
-            TreeMap<String, Histogram> all = new TreeMap<>();
-            for (Call call : table)
-                all.computeIfAbsent(call.method, name -> new Histogram(2))
-                        .add(call.times.get(route));
-            for (String method : all.keySet()) {
-                if (all.get(method).getTotalCount() == 0) continue;
-                events.tell("latency", "method", method, "route", route, "times",
-                        Events.times(all.get(method)));
+        for (Call call : table) {
+            for (Route route : Route.values()) {
+                Histogram times = call.times.get(route);
+                if (times.getTotalCount() == 0) continue;
+                events.tell("latency", "method", call.method, "route", route, "times",
+                        Events.times(times));
             }
         }
     }

@@ -19,15 +19,11 @@ final class Native {
     /** Puts services into processes: all in "one", or as on a "device". */
     static native boolean groupProcesses(String grouping);
 
-    /** The native heap in use: small blocks, and those mapped by themselves. */
+    /** Of the native heap: small blocks, and those mapped by themselves. */
     static native long bytesInUse();
-
     static native long liveServices();
-
     static native long deathLinks();
-
-    /** Of HIDL; they add up, and so does what they are told. */
+    /** Of HIDL; they add up, and so do the notifications. */
     static native long listeners();
-
     static native long notifications();
 }

@@ -52,17 +52,15 @@ final class Progress extends Thread {
 
     @Override
     public void run() {
-        for (int ticks = 1;; ticks++) {
+        for (int ticks = 1; elapsed() - lastHeard < SILENCE_SECONDS; ticks++) {
             LockSupport.parkNanos(200_000_000);
             if (elapsed() > seconds) early = "time limit";
             if (Files.exists(stop) || !parent.isAlive()) early = "interrupted";
-            if (elapsed() - lastHeard > SILENCE_SECONDS) {
-                System.err.println("nothing has moved for " + SILENCE_SECONDS + " seconds");
-                Runtime.getRuntime().halt(4);
-            }
             if (columns > 0) show("\r" + line() + "\u001b[K");
             if (columns == 0 && ticks % TICKS_A_LINE == 0) show(line() + "\n");
         }
+        System.err.println("nothing has moved for " + SILENCE_SECONDS + " seconds");
+        Runtime.getRuntime().halt(1);
     }
 
     /** The last that is shown. */
@@ -78,8 +76,8 @@ final class Progress extends Thread {
     }
 
     private String line() {
-        double limit = Math.max(0, seconds - elapsed());
-        double left = calls == 0 ? limit : Math.min(limit, elapsed() * (all - calls) / calls);
+        double left = Math.max(0, seconds - elapsed());
+        if (calls > 0) left = Math.min(left, elapsed() * (all - calls) / calls);
         String line = String.format(Locale.ROOT, "%-5s %,d calls  %,d deaths  %.0f s left", device,
                 calls, deaths, left);
         if (columns == 0) return line;

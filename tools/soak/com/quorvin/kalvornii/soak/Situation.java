@@ -21,11 +21,13 @@ final class Situation {
         final String name;
         /** As the device was at its start; null for none. */
         final Backend backend;
+        private final int atRest;
         volatile int may;
 
         Service(String name) {
             this.name = name;
             backend = name == null ? null : DEVICE.runs(name);
+            atRest = name == null || backend != null ? Call.HEALTHY : Call.ABSENT;
         }
 
         boolean isAway() {
@@ -55,8 +57,7 @@ final class Situation {
 
     /** At rest, all that the device has are there. */
     void allHealthy() {
-        change(service
-                -> service.backend == null && service.name != null ? Call.ABSENT : Call.HEALTHY);
+        change(service -> service.atRest);
     }
 
     /** Whoever is held over AIDL may die during a call, be away or have come back. */
