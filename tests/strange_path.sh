@@ -20,5 +20,9 @@ cd "$strange"
 as_stranger ./demo mixed >"$work/shown" 2>"$work/said" || { cat "$work/shown" "$work/said"; exit 1; }
 grep -qF "build/host was made for $first: building it anew." "$work/said" ||
     { cat "$work/said"; echo "The move went unnoticed."; exit 1; }
-as_stranger scripts/build.sh host kalvorn_tests_java simulate
-as_stranger ctest --preset host -R '^(demo_.*|end_to_end_.*|unload|simulate|soak|kalvornctl.*|exported_symbols|format|device_build)$'
+as_stranger scripts/build.sh host kalvorn_tests_java kalvorn_library_tests simulate
+tests=('demo_.*' end_to_end unload simulate soak 'kalvornctl.*' exported_symbols format device_build)
+for test in "${tests[@]}"; do
+    as_stranger ctest --preset host -N -R "^$test\$" | grep -q '^  Test ' || { echo "No test is called $test."; exit 1; }
+done
+as_stranger ctest --preset host -R "^($(IFS='|'; echo "${tests[*]}"))\$"

@@ -16,13 +16,15 @@ class SpAIBinder {
     SpAIBinder() = default;
     SpAIBinder(std::nullptr_t) {}
     explicit SpAIBinder(AIBinder* binder) : mBinder(binder) {}
-    SpAIBinder(const SpAIBinder& other) { *this = other; }
+    SpAIBinder(const SpAIBinder& other) : mBinder(other.mBinder) {
+        if (mBinder != nullptr) AIBinder_incStrong(mBinder);
+    }
     SpAIBinder(SpAIBinder&& other) noexcept : mBinder(std::exchange(other.mBinder, nullptr)) {}
     ~SpAIBinder() { set(nullptr); }
 
     SpAIBinder& operator=(const SpAIBinder& other) {
-        if (other.mBinder != nullptr) AIBinder_incStrong(other.mBinder);
-        set(other.mBinder);
+        SpAIBinder copy(other);
+        std::swap(mBinder, copy.mBinder);
         return *this;
     }
     SpAIBinder& operator=(SpAIBinder&& other) noexcept {
