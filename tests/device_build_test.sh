@@ -83,7 +83,7 @@ check_modules() {
     count=$(grep -c '^    system_ext_specific: true,$' <<<"$android_bp")
     expect_same "Modules that a product installs (<), and how many of them go to system_ext (>)" \
         "$(wc -l <<<"$installed")" "$count"
-    named=$({ texts defaults static_libs required java_resources; } | sed 's/^://' | sort -u)
+    named=$({ texts defaults static_libs java_resources; } | sed 's/^://' | sort -u)
     missing=$(comm -23 <(echo "$named") <(modules '[a-z_]+'))
     expect_none "Modules that Android.bp names and does not have" "$missing"
 }
@@ -101,6 +101,8 @@ check_java() {
 check_command() {
     local packed asked
     expect_files "$(texts wrapper)"
+    expect_same "What kalvornctl requires, for products of 64 bits too (<), and in Android.bp (>)" \
+        lib_kalvorn:32 "$(texts required)"
     mapfile -t packed < <(texts srcs | find_lines -E '^([^*]+\.(java|txt|bash|zsh)|VERSION)$')
     expect_files "${packed[@]}"
     asked=$(grep -rhoE '"/(com/[^"]+|VERSION)"' ctl --include=*.java | tr -d '"' |

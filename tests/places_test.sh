@@ -45,6 +45,8 @@ check_services() {
         "kServices in tests/every_service.h has no row for"
     every "$services" "$(names 'Map\.entry\("[a-z_]+"' "$demo")" "SERVES in $demo does not tell of"
     every "$services" "$(names '^        add\("[a-z_]+"' "$table")" "The table in $table has no"
+    every "$services" "$(names '^kalvorn_aidl(_and_hidl)?\(.[a-z_]+' sepolicy/kalvorn.te)" \
+        "sepolicy/kalvorn.te does not allow"
     every "$(names '^ .*services(, |\[)"[a-z_]+"' simulator/aidl_services.cpp)" "$services" \
         "Device::Services() in simulator/device.cpp has no"
 }
@@ -65,17 +67,29 @@ interface() { sed -nE "s/^using (aidl::)?(vendor::[A-Za-z0-9_:]+::$2);/\2/p" "$1
 aidl_names() { sed 's/::/./g' | sort; }
 hidl_names() { sed -E 's/::V([0-9]+)_([0-9]+)::/@\1.\2;/; s/::/./g; s/;/::/' | sort; }
 
-# documented INTERFACE: the names in the README's table that are like it.
-documented() { grep -oE "\| \`vendor[^\`]*$1[A-Za-z]+/[a-z0-9_]+" README.md | sed 's/.*`//' | sort; }
+# documented INTERFACE: the names in the table for device trees that are like it.
+documented() { grep -oE "\| \`vendor[^\`]*$1[A-Za-z]+/[a-z0-9_]+" docs/device.md | sed 's/.*`//' | sort; }
+
+# in_matrix FORMAT NAME: those in the sample of a compatibility matrix, a NAME being made of package,
+# version, interface and instance.
+in_matrix() {
+    local entry='<name>(.*)</name><version>([0-9.]+).*<name>(.*)</name><instance>(.*)</instance>'
+    tr -d '\n' <vintf/framework_compatibility_matrix.xml | sed 's,</hal>,&\n,g' |
+        sed -nE "s,.*<hal format=\"$1\".*$entry.*,$2,p" | sort
+}
 
 check_instance_names() {
     local aidl hidl
     aidl=$(connected aidl | aidl_names)
     hidl=$(connected hidl | hidl_names)
-    every "$aidl" "$(documented '[.]I')" "The table in README.md has no AIDL service"
-    every "$(documented '[.]I')" "$aidl" "The table in README.md has an AIDL service too many, or wrong"
-    every "$hidl" "$(documented '::I')" "The table in README.md has no HIDL service"
-    every "$(documented '::I')" "$hidl" "The table in README.md has a HIDL service too many, or wrong"
+    every "$aidl" "$(documented '[.]I')" "The table in docs/device.md has no AIDL service"
+    every "$(documented '[.]I')" "$aidl" "The table in docs/device.md has an AIDL service too many, or wrong"
+    every "$hidl" "$(documented '::I')" "The table in docs/device.md has no HIDL service"
+    every "$(documented '::I')" "$hidl" "The table in docs/device.md has a HIDL service too many, or wrong"
+    [ "$(in_matrix aidl '\1.\3/\4'; in_matrix hidl '\1@\2::\3/\4')" = "$aidl"$'\n'"$hidl" ] || {
+        echo "vintf/framework_compatibility_matrix.xml has other services"
+        failed=1
+    }
 }
 
 check_methods
