@@ -115,7 +115,7 @@ END
 @test "a process that ends too early is told, and what it said last" {
     "$SOURCE/soak" --calls 1000000000 --device aidl --report crash >crash.out 2>&1 &
     soak=$!
-    await grep -qE '[0-9],[0-9]{3} calls' crash.out
+    await grep -qE '[0-9]{4} calls' crash.out
     pkill -KILL -P "$soak" java
     status=0
     wait "$soak" || status=$?
@@ -124,11 +124,16 @@ END
     grep -F 'Failed: the device aidl failed' crash.out
 }
 
+@test "the time limit ends it early, with a report" {
+    run -0 "$SOURCE/soak" --calls 1000000000 --time 3 --device bare --report late
+    is late/soak.json '."end", .wrongAnswers, .calls > 0' $'time limit\n0\ntrue'
+}
+
 @test "an interrupt ends it early, with a report" {
     # As at a terminal, where all processes of a group hear of the interrupt.
     setsid env --default-signal=INT "$SOURCE/soak" --calls 1000000000 --deaths 10 --device aidl --report early >early.out 2>&1 &
     soak=$!
-    await grep -qE '[0-9],[0-9]{3} calls' early.out
+    await grep -qE '[0-9]{4} calls' early.out
     kill -INT -- "-$soak"
     status=0
     wait "$soak" || status=$?

@@ -8,6 +8,7 @@ import com.quorvin.kalvornii.soak.Call.Keeps;
 import com.quorvin.kalvornii.soak.Situation.Route;
 import com.quorvin.kalvornii.soak.Situation.Service;
 import java.io.IOException;
+import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
@@ -45,7 +46,12 @@ final class DeviceRun {
     private final ExecutorService threads = Executors.newCachedThreadPool();
     private final List<Future<Long>> calling = new ArrayList<>();
     private final Events events;
-    private final Progress progress;
+    private final Path folder;
+    private final Path state;
+    private final ProcessHandle parent = ProcessHandle.current().parent().orElseThrow();
+    private final long begin = System.nanoTime();
+    private double lastBeat;
+    private String early;
     private final long deaths;
     private long made;
     private long died;
@@ -59,7 +65,8 @@ final class DeviceRun {
 
     private DeviceRun(Path folder, String device) throws Exception {
         events = new Events(folder.resolve(device + ".events"), device);
-        progress = new Progress(device, folder.resolve("stop"), calls);
+        state = folder.resolve(device + ".state");
+        this.folder = folder;
         deaths = situation.has(AIDL) || situation.has(HIDL) ? Long.getLong("soak.deaths") : 0;
         deathsOfAll = Math.min(DEATHS_OF_ALL, deaths / 4);
         for (int i = 0; i < CALLERS; i++) callers.add(new Caller(i, seed, situation, table));
@@ -94,9 +101,7 @@ final class DeviceRun {
         tell("calls", ofCalls);
         tell("AIDL deaths", ofAidlDeaths);
         tell("HIDL deaths", ofHidlDeaths);
-        String early = isWrong() ? "wrong answer" : progress.early();
-        events.tell("end", "how", early == null ? "done" : early);
-        progress.end();
+        events.tell("end", "how", isWrong() ? "wrong answer" : early == null ? "done" : early);
     }
 
     private boolean isWrong() {
@@ -104,7 +109,21 @@ final class DeviceRun {
     }
 
     private boolean isOver() {
-        return isWrong() || progress.early() != null;
+        return isWrong() || early != null;
+    }
+
+    private double elapsed() {
+        return (System.nanoTime() - begin) / 1e9;
+    }
+
+    /** Tells ./soak how far the run is, and asks whether it shall go on. */
+    private void beat() throws IOException {
+        if (elapsed() < lastBeat + 0.2) return;
+        lastBeat = elapsed();
+        Files.writeString(state, made + " " + died + "\n");
+        if (!parent.isAlive()) early = "left alone";
+        Path stop = folder.resolve("stop");
+        if (Files.exists(stop)) early = Files.readString(stop).strip();
     }
 
     /** The calls come in stretches with every answer as in health, with deaths in between. */
@@ -127,7 +146,7 @@ final class DeviceRun {
                 if (secondHalf) ofDeaths.add(1, Native.bytesInUse() - between);
             }
             if (SAMPLES * (i + 1) / stretches > SAMPLES * i / stretches) sample();
-            progress.hear(made, died);
+            beat();
         }
         // What the last death left over.
         if (!isOver()) call(Math.max(0, calls - made));
@@ -257,7 +276,7 @@ final class DeviceRun {
                 growth.add(MEASURED, Native.bytesInUse() - before);
             }
             growths.add(growth);
-            progress.hear(made, died);
+            beat();
         }
         for (int i = 0; i < table.size() && !isOver(); i++) {
             Call call = table.get(i);
@@ -275,8 +294,8 @@ final class DeviceRun {
             times.add(caller.recent);
             caller.recent.reset();
         }
-        events.tell("sample", "seconds", progress.elapsed(), "calls", made, "deaths", died,
-                "resident", Events.resident(), "inUse", Native.bytesInUse(), "liveServices",
+        events.tell("sample", "seconds", elapsed(), "calls", made, "deaths", died, "resident",
+                Events.resident(), "inUse", Native.bytesInUse(), "liveServices",
                 Native.liveServices(), "deathLinks", Native.deathLinks(), "listeners",
                 Native.listeners(), "notifications", Native.notifications(), "threads",
                 Events.entries("task"), "files", Events.entries("fd"), "times",
