@@ -57,11 +57,6 @@ struct Held {
         proxies.push_back(proxy);
     }
 
-    template <typename... Interfaces>
-    void TakeDefault() {
-        (Take<Interfaces>("default"), ...);
-    }
-
     void TakeSession() {
         const std::string name = std::string(IFingerprint::descriptor) + "/default";
         if (!AServiceManager_isDeclared(name.c_str())) return;
@@ -78,13 +73,9 @@ size_t LookUpAll() {
     static auto* held = new Held;
     held->proxies.clear();
     held->session.reset();
-    held->Take<IQxFactoryInterface>("qxfactoryinterface_hal");
-    held->TakeDefault<IDisplay, ITouchscreen, ISensors, IQXPower, ILight, ICameraFactory,
-                      IRadioenhance, IDisplayFactory>();
-    held->TakeSession();
-    held->Take<IZtChipSrvHertz>("ztchipsrv_hertz");
-    held->Take<IZtsimradio>("slot1");
-    held->Take<IZtChipSrvSat>("ztchipsrv_sat");
+#define SERVICE(connector, query, interface, global, instance, ...) held->Take<interface>(instance);
+#define FINGERPRINT(...) held->TakeSession();
+#include "aidl/services.inc"
     return held->proxies.size() + (held->session != nullptr);
 }
 
@@ -146,20 +137,13 @@ struct Held {
         (void)service->linkToDeath(deaf, 0).isOk();
         services.push_back(service);
     }
-
-    template <typename... Interfaces>
-    void TakeDefault() {
-        (Take<Interfaces>("default"), ...);
-    }
 };
 
 size_t LookUpAll() {
     static auto* held = new Held;
     held->services.clear();
-    held->Take<IQxFactoryInterface>("qxfactoryinterface_hal");
-    held->TakeDefault<IDisplay, ITouchscreen, ISensors, IQXPower, ILight, ICameraFactory,
-                      IRadioenhance, IDisplayFactory, IExtBiometricsFingerprint>();
-    held->Take<IZtChipSrvInterface>("ztchipsrv_hal");
+#define SERVICE(connector, interface, global, instance, ...) held->Take<interface>(instance);
+#include "hidl/services.inc"
     return held->services.size();
 }
 
