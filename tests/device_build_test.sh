@@ -103,7 +103,7 @@ check_command() {
     expect_files "$(texts wrapper)"
     expect_same "What kalvornctl requires, for products of 64 bits too (<), and in Android.bp (>)" \
         lib_kalvorn:32 "$(texts required)"
-    mapfile -t packed < <(texts srcs | find_lines -E '^([^*]+\.(java|txt|bash|zsh)|VERSION)$')
+    mapfile -t packed < <(texts srcs | find_lines -E '^([^*]+\.(java|txt|bash|zsh)|VERSION)$' | sort -u)
     expect_files "${packed[@]}"
     asked=$(grep -rhoE '"/(com/[^"]+|VERSION)"' ctl --include=*.java | tr -d '"' |
         sed -E 's/(.*)\.$/\1.bash\n\1.zsh/' | sort -u)
@@ -158,7 +158,8 @@ platform='<([a-z_]+|(dlfcn|fcntl|stdarg|stddef|stdint|stdio|string|unistd)\.h|jn
 |android/hidl/(base|manager)/1\.0/[A-Za-z]+\.h
 |(aidl/)?vendor/zantor/hardware/[A-Za-z0-9./]+\.h
 |aidl/android/hardware/biometrics/fingerprint/[A-Za-z]+\.h
-|HidlUtil\.h|safe_(mem|str)_lib\.h)>'
+|HidlUtil\.h|safe_(mem|str)_lib\.h)>
+|"kalvorn_version\.h"'
 
 check_include_lines() {
     local lines others
@@ -185,7 +186,7 @@ check_include_closure() {
     own=$(find_lines -cxE "SOURCE/(aidl|hidl)/services\.h" <<<"$headers")
     expect_same "The backends' own headers, of which there are two" 2 "$own"
     others=$(find_lines -E "^(SOURCE|BUILD)/" <<<"$headers" |
-        any_but "BUILD/platform/[a-z]+/gen/.*|SOURCE/build/arm-tree/.*|SOURCE/(aidl|common|hidl|jni)/.*|SOURCE/($stand_ins)")
+        any_but "BUILD/generated/kalvorn_version\.h|BUILD/platform/[a-z]+/gen/.*|SOURCE/build/arm-tree/.*|SOURCE/(aidl|common|hidl|jni)/.*|SOURCE/($stand_ins)")
     expect_none "The device code reaches" "$others"
 }
 

@@ -397,8 +397,10 @@ check_completions() {
     expect "sections" "$(sed -n 's/^@ //p' "$source/ctl/com/quorvin/kalvornii/ctl/help.txt" | tr '[:lower:]' '[:upper:]')" \
         "$(sed -n 's/^\.SH //p' "$page" | grep -vE '^(NAME|SYNOPSIS|DESCRIPTION)$')"
     ends 0 "$ctl" --version
-    expect "version" "kalvornctl $(<"$source/VERSION")" "$(<out)"
-    holds "its version" "$(<out)" "$page"
+    local version
+    version=$(<"$source/VERSION")
+    expect "version" "kalvornctl $version lib_kalvorn.so $version" "$(xargs <out)"
+    holds "its version" "kalvornctl $version" "$page"
 }
 
 @test "several devices side by side, summed up by jq" {

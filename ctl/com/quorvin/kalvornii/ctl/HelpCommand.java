@@ -12,6 +12,8 @@ final class HelpCommand {
 
     int version() {
         console.line("kalvornctl " + Resource.read("/VERSION").trim());
+        String library = LibraryFile.version();
+        console.line("lib_kalvorn.so " + (library == null ? "is not found" : library));
         return Main.DONE;
     }
 
