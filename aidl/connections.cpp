@@ -38,8 +38,10 @@ KALVORN_NEVER_DESTROYED sp<DeathNotifier> g_deathNotifier;
 
 namespace {
 
-// A name may outlive its service for a moment, and then gives the dead one once more.
-constexpr useconds_t kDeadNamePause = 1000;
+// A name may outlive its service for a moment, and then gives the dead one once more; and a proxy
+// may stay for as long as somebody else holds it.
+constexpr useconds_t kPause = 1000;
+constexpr int kTries = 1000;
 
 /** What tells one connector from another. */
 struct Service {
@@ -69,8 +71,7 @@ sp<IInterface> WaitForDeclared(const Service& wanted) {
 
 /**
  * Whether the proxy has told of the death of its service, after which it tells of nothing any more.
- * It says so to whoever wants to undo a link, also one that is not there. isBinderAlive is another
- * question: that turns false with any call that broke off, a living service's too.
+ * It says so to whoever wants to undo a link, also one that is not there.
  */
 bool IsObituaryOut(const sp<IBinder>& binder) {
     constexpr uint32_t kFlagsOfNoLink = ~0u;
@@ -88,12 +89,21 @@ bool IsConnected(sp<IInterface>* global) {
 }
 
 /**
+ * Whether the proxy may be linked. One of no use, on which a call has broken off, may not: somebody
+ * may drop the last reference to it at this moment, and the link with it. But a living service's
+ * may be held by others for ever, so the last try takes it if it can still tell of a death.
+ */
+bool MayBeLinked(const sp<IBinder>& binder, int tries) {
+    return binder->isBinderAlive() || (tries >= kTries && !IsObituaryOut(binder));
+}
+
+/**
  * False when another connector was first. A refused link goes unnoticed: the service is used all
  * the same.
  */
-bool LinkAndPublish(const Service& wanted, const sp<IInterface>& service,
-                    const sp<IBinder>& binder) {
+bool LinkAndPublish(const Service& wanted, const sp<IInterface>& service) {
     KV_LOGI("%s", wanted.linkText);
+    const sp<IBinder> binder = IInterface::asBinder(service);
     const bool isLinked = binder->linkToDeath(Notifier(), nullptr, 0) == android::OK;
     if (held::Publish(static_cast<sp<IInterface>*>(wanted.global), service)) return true;
     if (isLinked) Unlink(binder);
@@ -102,23 +112,23 @@ bool LinkAndPublish(const Service& wanted, const sp<IInterface>& service,
 
 // The notice of a death between the link and the publication finds nothing to take, so the
 // connector asks once more when it has published. Whoever comes second leaves the service to the
-// first.
+// first. What may not be linked goes, so that the name gives a new proxy.
 int Connect(const Service& wanted) {
     KV_LOGI("%s", wanted.startText);
     auto* const global = static_cast<sp<IInterface>*>(wanted.global);
-    while (!IsConnected(global)) {
+    for (int tries = 1; !IsConnected(global);) {
         const sp<IInterface> service = WaitForDeclared(wanted);
         if (service == nullptr) {
             KV_LOGE("%s", wanted.nullText);
             return 0;
         }
-        const sp<IBinder> binder = IInterface::asBinder(service);
-        if (IsObituaryOut(binder)) {
-            usleep(kDeadNamePause);
-            continue;
+        if (!MayBeLinked(IInterface::asBinder(service), tries)) {
+            tries++;
+            LetGoOfUseless();
+            usleep(kPause);
+        } else if (held::IsHeld(*global) || !LinkAndPublish(wanted, service)) {
+            g_retired.Add(service, global);
         }
-        if (!held::IsHeld(*global) && LinkAndPublish(wanted, service, binder)) continue;
-        g_retired.Add(service, global);
     }
     return 1;
 }

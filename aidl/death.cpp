@@ -41,15 +41,10 @@ void Exit() {
     ReleaseAll();
 }
 
-/** A proxy on which a call has broken off is of no use any more, whatever its service does. */
-bool IsOfNoUse(const sp<IInterface>& service, const sp<IInterface>& /* global */) {
-    return !IInterface::asBinder(service)->isBinderAlive();
-}
-
 /**
- * Whether nobody can look this very proxy up and lose the link that he makes: the last reference to
- * a proxy clears its links, also one that was made meanwhile. Of a proxy that is held again it is
- * not the last, and of a dead one no link is needed.
+ * Whether no link goes with the service: the last reference to a proxy clears its links, also one
+ * that was made meanwhile. Of a proxy that is held again it is not the last, and one that has not
+ * answered a ping is linked by nobody.
  */
 bool MayGo(const sp<IInterface>& service, const sp<IInterface>& global) {
     const sp<IInterface> held = held::Copy(global);
@@ -64,7 +59,7 @@ bool MayGo(const sp<IInterface>& service, const sp<IInterface>& global) {
 void OnServiceDied() {
     KV_LOGW("serviceDied, remote hal service died");
     Exit();
-    g_retired.LetGo(IsOfNoUse);
+    LetGoOfUseless();
     RestartAidlService();
     g_retired.LetGo(MayGo);
 }
@@ -88,6 +83,12 @@ const struct ReleaseAtExit {
 void Unlink(const sp<IBinder>& binder) {
     // Fails harmlessly for the service that has just died.
     binder->unlinkToDeath(g_deathNotifier, nullptr, 0, nullptr);
+}
+
+void LetGoOfUseless() {
+    g_retired.LetGo([](const sp<IInterface>& service, const sp<IInterface>& /* global */) {
+        return !IInterface::asBinder(service)->isBinderAlive();
+    });
 }
 
 bool LinkSession(const std::shared_ptr<ISession>& session) {

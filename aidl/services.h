@@ -80,6 +80,9 @@ template <typename Interface>
 /** The same for the factory service, which serves more than half of the operations. */
 sp<IQxFactoryInterface> HeldFactory();
 
+/** Drops the retired services whose proxies are of no use, which no connector links any more. */
+void LetGoOfUseless();
+
 /** The one notifier of all services, made on first need. */
 const sp<DeathNotifier>& Notifier();
 
