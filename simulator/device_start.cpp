@@ -126,7 +126,9 @@ std::vector<Event> ReadEvents(const string& path) {
     for (string line; std::getline(file, line);) {
         events.push_back(EventOf(line));
         if (events.back()) continue;
-        Tell(path + ":" + std::to_string(events.size()) + ": no event \"" + line + "\"");
+        std::ostringstream where;
+        where << path << ':' << events.size() << ": ";
+        Tell(where.str() + "no event \"" + line + '"');
         _exit(2);
     }
     return events;

@@ -196,14 +196,17 @@ END
 }
 
 @test "watch names who died, and ends quietly" {
-    printf '%s\n' 'wait 2' 'kill AIDL sim' 'wait 0.5' 'restart AIDL sim' 'wait 0.5' \
-        'kill-process light' 'wait 0.5' 'restart-process light' >events
+    mkfifo events
     mkdir tmp
     : >watched
     set -m  # so that what starts here can be interrupted
     TMPDIR=$PWD/tmp "$ctl" --events events watch >>watched 2>watch_err 3>&- &
     local watch=$! status=0
     set +m
+    exec 6<>events
+    until_holds watched "satellite"
+    printf '%s\n' 'kill AIDL sim' 'wait 0.5' 'restart AIDL sim' 'wait 0.5' \
+        'kill-process light' 'wait 0.5' 'restart-process light' >&6
     until_holds watched "light            died"
     for ((i = 0; i < 50; i++)); do
         [ "$(awk '$2 == "light"' watched | wc -l)" -lt 4 ] || break

@@ -5,8 +5,9 @@
 #include <jni.h>
 #include <stdlib.h>
 
+#include <algorithm>
 #include <atomic>
-#include <map>
+#include <deque>
 #include <mutex>
 #include <vector>
 
@@ -27,15 +28,26 @@ struct Held {
 };
 
 std::mutex g_lock;
-std::map<const void*, Held> g_held;
+std::deque<Held> g_held;  // by their numbers in Java, which begin at 1
 std::vector<sp<RefBase>> g_recipients;
 std::atomic<bool> g_ending{false};  // no thread gets into the virtual machine any more
 
-/** The service's number in Java; 0 for none. */
-jlong Hold(const void* identity, const Held& service) {
-    if (identity == nullptr) return 0;
+/** The service's number; 0 for none. */
+jlong NumberOf(const Held& service) {
+    if (service.aidl == nullptr && service.hidl == nullptr) return 0;
     const std::lock_guard lock(g_lock);
-    return reinterpret_cast<jlong>(&g_held.emplace(identity, service).first->second);
+    const auto isKnown = [&](const Held& known) {
+        return known.aidl == service.aidl && known.hidl == service.hidl;
+    };
+    const auto found = std::find_if(g_held.begin(), g_held.end(), isKnown);
+    const auto number = std::distance(g_held.begin(), found) + 1;
+    if (found == g_held.end()) g_held.push_back(service);
+    return number;
+}
+
+const Held& HeldAs(jlong number) {
+    const std::lock_guard lock(g_lock);
+    return g_held[static_cast<size_t>(number) - 1];
 }
 
 class Recipient : public IBinder::DeathRecipient, public hidl_death_recipient {
@@ -72,21 +84,21 @@ NATIVE(jint, log)(JNIEnv* env, jclass, jint priority, jstring tag, jstring messa
 NATIVE(jlong, find)(JNIEnv* env, jclass, jstring name) {
     const android::String16 wanted(Text(env, name).c_str());
     const sp<IBinder> found = android::defaultServiceManager()->checkService(wanted);
-    return Hold(found.get(), {found, nullptr});
+    return NumberOf({found, nullptr});
 }
 
 NATIVE(jlong, findHidl)(JNIEnv* env, jclass, jstring descriptor, jstring instance) {
     const sp<IBase> found = kalvorn::host::hidl_runtime::FindService(
             Text(env, descriptor).c_str(), Text(env, instance), /*wait=*/false);
-    return Hold(found.get(), {nullptr, found});
+    return NumberOf({nullptr, found});
 }
 
 NATIVE(jboolean, isAlive)(JNIEnv*, jclass, jlong service) {
-    return reinterpret_cast<const Held*>(service)->aidl->isBinderAlive();
+    return HeldAs(service).aidl->isBinderAlive();
 }
 
 NATIVE(jboolean, link)(JNIEnv* env, jclass, jlong service, jobject onDeath) {
-    const Held& held = *reinterpret_cast<const Held*>(service);
+    const Held& held = HeldAs(service);
     static const int registered = atexit([] { g_ending = true; });
     static_cast<void>(registered);
     const sp<Recipient> recipient = new Recipient(env, onDeath);
