@@ -3,4 +3,4 @@
 set -euo pipefail
 cd "$1"
 find aidl common ctl hidl java jni platform samples simulator tests tools \
-    \( -name '*.cpp' -o -name '*.h' -o -name '*.java' \) ! -path 'tools/soak/*.java' -print0 | xargs -0 clang-format --dry-run --Werror
+    \( -name '*.cpp' -o -name '*.h' -o -name '*.java' \) -print0 | xargs -0 clang-format --dry-run --Werror
