@@ -12,7 +12,7 @@ declare -A lists=(
     [ctl]="help2man libandroid-json-java"
     [test]="bats binutils blueprint-tools checkpolicy clang-format g++ help2man jq junit5 libandroid-json-java
         libclang-rt-14-dev libgmock-dev libgtest-dev libmaven-install-plugin-java m4 maven
-        nlohmann-json3-dev proguard-cli shellcheck valgrind zsh"
+        nlohmann-json3-dev procps proguard-cli shellcheck valgrind zsh"
     [package]="junit5 openjdk-17-jdk-headless"
     [soak]="jq libgoogle-gson-java libhdrhistogram-java libjs-chart.js"
     [bench]="binutils nlohmann-json3-dev valgrind"

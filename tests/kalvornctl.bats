@@ -234,8 +234,7 @@ END
     holds "the notice over HIDL" "  enter into ProcessServiceDied, cookie is:6" watched
     expect "what each line begins with" "" "$(grep -vE '^[0-9]{2}:[0-9]{2}:[0-9]{2}\.[0-9]{3}  ' watched)"
     for ((i = 0; i < 200; i++)); do  # what reads the log ends with it
-        grep -hsaF -- "$PWD/tmp/" /proc/[0-9]*/cmdline | tr '\0' ' ' >left
-        [ -s left ] || break
+        pgrep -af -- "$PWD/tmp/" >left || break
         sleep 0.1
     done
     expect "processes left behind" "" "$(<left)"
