@@ -254,6 +254,7 @@ END
 
 # watch_until "ROWS COLUMNS" TEXT: the last screen of watch on such a terminal, once that text has come.
 watch_until() {
+    : >out  # the last one's is not waited for
     # shellcheck disable=SC2016
     on_terminal "$1" sh -c 'echo $$ >pid; exec "$@"' - "$ctl" --events events watch >out 3>&- &
     local shown=0
