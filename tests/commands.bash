@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# What the bats tests of commands share. Each test runs in a folder of its own.
+# What the tests of commands share, for bats and for scripts that end with the first failure.
 
 # expect WHAT EXPECTED FOUND
 expect() {
@@ -24,16 +24,21 @@ ends() {
     return 1
 }
 
-# until_holds FILE TEXT [COMMAND...]: waits for 20 seconds, and does that each time.
-until_holds() {
+# await COMMAND...: until it succeeds, for a minute.
+await() {
     local i
-    for ((i = 0; i < 200; i++)); do
-        ! grep -qF -- "$2" "$1" || return 0
-        "${@:3}"
+    for ((i = 0; i < 600; i++)); do
+        ! "$@" || return 0
         sleep 0.1
     done
-    holds "in 20 seconds" "$2" "$1"
+    printf 'never: %s\n' "$*"
+    return 1
 }
+
+has_or_does() { grep -qF -- "$2" "$1" || { "${@:3}"; false; }; }
+
+# until_holds FILE TEXT [COMMAND...]: waits, and does that each time.
+until_holds() { await has_or_does "$@" || holds "in time" "$2" "$1"; }
 
 # on_terminal "ROWS COLUMNS" COMMAND...: what the command writes on a terminal, without carriage returns.
 on_terminal() {

@@ -19,7 +19,9 @@ declare -A connected=(
 )
 declare -A reconnections=([aidl]=2 [hidl]=2 [mixed]=3 [bare]=0)
 
-. "$(dirname "$0")/expect.sh"
+. "$(dirname "$0")/commands.bash"
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
 
 # play BUILD_DIR: into $work/shown, and as one line without line breaks into $text
 play() {
@@ -38,14 +40,14 @@ declared=$(grep -oE '\bnative [^ ]+ [A-Za-z0-9]+\(' "$source/java/com/quorvin/ka
 
 check_session() {
     rm -f "$build/misc"
-    play "$build" || { cat "$work/shown"; failed=1; }
+    play "$build" || { cat "$work/shown"; exit 1; }
     grep -oE '^ +[0-9]+\.[0-9]{3}  [A-Za-z0-9]+\(' "$work/shown" | grep -oE '[A-Za-z0-9]+\(' |
         sort -u >"$work/called"
     expect "methods never called" "" "$(comm -23 <(echo "$declared") "$work/called")"
     expect "connections: ${connected[$device]}" 1 "$(count "The services: ${connected[$device]}.")"
     expect "connections again: ${connected[$device]}" "${reconnections[$device]}" \
         "$(count "connected them again: ${connected[$device]} ")"
-    cmp "$work/misc" "$build/misc" || failed=1
+    cmp "$work/misc" "$build/misc"
     expect "longest line" "$1" "$(wc -L <"$work/shown")"  # that of the rulers
 }
 
@@ -66,4 +68,3 @@ if [ "$device" = bare ]; then
     expect "fault named, at once and at the end" 2 \
         "$(count "!! nativeWriteMiscToRecovery (samples/methods.samples:$line): expected 0, found")"
 fi
-exit "$failed"

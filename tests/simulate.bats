@@ -3,6 +3,8 @@
 # events; and the tests that stand on the simulated device.
 bats_require_minimum_version 1.5.0
 
+load commands
+
 setup() {
     cd "$BATS_TEST_TMPDIR" || return
     source=$BATS_TEST_DIRNAME/..
@@ -12,16 +14,6 @@ setup() {
     # All but the first run take what that has prepared.
     [ "$BATS_TEST_NUMBER" = 1 ] || export KALVORN_PREPARED=1
     export CLASSPATH=$source/build/host/java/tests
-}
-
-# await WHAT COMMAND...: until the command succeeds.
-await() {
-    for ((i = 0; i < 600; i++)); do
-        ! "${@:2}" || return 0
-        sleep 0.1
-    done
-    echo "never: $1"
-    return 1
 }
 
 logged() { [ "$(grep -cE "$1" log)" -ge "$2" ]; }
@@ -62,7 +54,7 @@ END
 @test "a signal to the whole process group leaves nothing behind" {
     mkdir tmp
     TMPDIR=$PWD/tmp run -124 timeout 1 "$simulate" sleep 60
-    await "nothing left" rmdir tmp
+    await rmdir tmp
 }
 
 # The reader of the log is away, so a thread keeps the logger's lock for good.
@@ -70,7 +62,7 @@ END
     mkfifo full lines
     exec 5<>full 6<>lines
     timeout -s KILL 60 "$simulate" --log full java "$package.Logging" <lines >said &
-    await "it logs" grep logging said
+    await grep logging said
     echo >&6
     status=0
     wait $! || status=$?
@@ -81,7 +73,7 @@ END
     mkfifo full lines
     exec 5<>full 6<>lines
     timeout -s KILL 60 "$simulate" --log full sh -c "echo \$\$ >id; exec java $package.Logging" <lines >said &
-    await "it logs" grep logging said
+    await grep logging said
     kill -TERM "$(cat id)"
     status=0
     wait $! || status=$?
@@ -94,12 +86,12 @@ END
     read -r first <&"${program[0]}"
     [ "$first" = "KV-MAIN-V3 0 INVALID_SERVICE 0" ]
     echo "kill AIDL factory" >events
-    await "released" logged InitAidlFactoryInterface 2
+    await logged InitAidlFactoryInterface 2
     echo next >&"${program[1]}"
     read -r dead <&"${program[0]}"
     [ "$dead" = "INVALID_SERVICE 0 INVALID_SERVICE 0" ]
     echo "restart AIDL factory" >events
-    await "connected again" logged 'g_aidlSim linkToDeath' 2
+    await logged 'g_aidlSim linkToDeath' 2
     echo next >&"${program[1]}"
     read -r back <&"${program[0]}"
     [ "$back" = "$first" ]

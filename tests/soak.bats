@@ -2,6 +2,8 @@
 # ./soak in short: its status, its reports, and what it judges.
 bats_require_minimum_version 1.5.0
 
+load commands
+
 setup_file() {
     export SOURCE=$BATS_TEST_DIRNAME/..
     cd "$BATS_FILE_TMPDIR" || return
@@ -19,15 +21,6 @@ is() {
     local found
     found=$(jq -r "$2" "$1")
     [ "$found" = "$3" ] || { printf '%s is %s, not %s\n' "$2" "$found" "$3"; return 1; }
-}
-
-# await COMMAND...: until it succeeds.
-await() {
-    for ((i = 0; i < 1200; i++)); do
-        ! "$@" || return 0
-        sleep 0.1
-    done
-    return 1
 }
 
 # judge RESIDENT GROWN LINKS: the report of a run at whose end they are so, and 1000, 0 and 1 before.
