@@ -4,9 +4,29 @@
 command=${KALVORN_COMMAND:-${0##*/}}
 
 # The devices that need no file of their own.
-export KALVORN_DEVICES="aidl hidl mixed bare"
+named=("${BASH_SOURCE[0]%/*}"/../simulator/devices/*.device)
+named=("${named[@]##*/}")
+export KALVORN_DEVICES="${named[*]%.device}"
 
 is_device() { [[ " $KALVORN_DEVICES " == *" $1 "* ]]; }
+
+# shellcheck disable=SC2034
+# Sets $device to the name of a device, or to the full path of the file of one.
+find_device() {
+    device=$1
+    is_device "$1" && return
+    [[ $1 = */* || $1 = *.device ]] || refuse "no device \"$1\""
+    if [ ! -f "$1" ] || [ ! -r "$1" ]; then refuse "cannot read $1"; fi
+    device=$(realpath -- "$1")
+}
+
+# check_device BUILD_DIR DEVICE: once it is built, what is wrong in the file of a device.
+check_device() {
+    local wrong
+    is_device "$2" || wrong=$("$1/check_device" "$2" 2>&1) && return
+    printf '%s: %s\n' "$command" "$wrong" >&2
+    exit 2
+}
 
 # What was asked cannot be.
 refuse() {

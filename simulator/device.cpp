@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "simulator/device_file.h"
 #include "simulator/objects.h"
 
 namespace kalvorn::device {
@@ -57,25 +58,12 @@ std::string BaseName(const std::string& service) {
     return service.substr(0, service.find('@'));
 }
 
-bool IsHidlInMixed(const std::string& service) {
-    return service == "sensors" || service == "light" || service == "touch";
-}
-
 }  // namespace
 
 bool Device::StartProfile(const std::string& profile) {
-    if (profile == "bare") return true;
-    for (const std::string& service : Services()) {
-        if (profile == "aidl") {
-            Start(Backend::kAidl, service);
-        } else if (profile == "hidl") {
-            if (Has(Backend::kHidl, service)) Start(Backend::kHidl, service);
-        } else if (profile == "mixed") {
-            if (service == "satellite") continue;
-            Start(IsHidlInMixed(service) ? Backend::kHidl : Backend::kAidl, service);
-        } else {
-            return false;
-        }
+    if (!IsNamedDevice(profile)) return false;
+    for (const auto& [backend, service] : ReadDeviceFile(DevicePath(profile)).running) {
+        Start(backend, service);
     }
     return true;
 }
@@ -107,24 +95,25 @@ void Device::Start(Backend backend, const std::string& service) {
 }
 
 bool Device::GroupProcesses(const std::string& grouping) {
-    std::vector<Process> shared;
     if (grouping == "one") {
-        shared = {Services()};
+        GroupProcesses({Services()});
     } else if (grouping == "device") {
-        shared = {{"display", "display_factory"},
-                  {"touch", "sensors", "light"},
-                  {"radio", "sim"},
-                  {"chip", "satellite"}};
-    } else if (grouping != "each") {
+        GroupProcesses(ReadDeviceFile(DevicePath("aidl")).processes);
+    } else if (grouping == "each") {
+        GroupProcesses(std::vector<Process>());
+    } else {
         return false;
     }
+    return true;
+}
+
+void Device::GroupProcesses(const std::vector<Process>& shared) {
     {
         const std::lock_guard lock(mLock);
-        mShared = std::move(shared);
+        mShared = shared;
         mKilled.clear();
     }
     for (const std::string& service : Services()) ShareProcess(ServicesWith(service));
-    return true;
 }
 
 std::vector<std::string> Device::ServicesWith(const std::string& service) const {
@@ -137,7 +126,7 @@ std::vector<std::string> Device::ServicesWith(const std::string& service) const 
     return {name};
 }
 
-std::vector<Device::Member> Device::MembersOf(const Process& process) const {
+std::vector<Member> Device::MembersOf(const Process& process) const {
     std::vector<Member> members;
     for (const Backend backend : {Backend::kAidl, Backend::kHidl}) {
         for (const auto& [name, service] : ServicesOf(backend)) {
@@ -220,12 +209,21 @@ bool Device::AwaitHeard(int milliseconds) {
 }
 
 void Device::Script(const std::string& method, Answer answer) {
-    const std::lock_guard lock(mLock);
-    mScript[method].push_back(std::move(answer));
+    Rule rule;
+    rule.calls.method = method;
+    rule.answer = std::move(answer);
+    rule.times = 1;
+    Script(std::move(rule));
 }
 
-void Device::Script(Backend backend, const std::string& method, Answer answer) {
-    Script(std::string(NameOf(backend)) + " " + method, std::move(answer));
+void Device::Script(Rule rule) {
+    mScript.Add(std::move(rule));
+}
+
+void Device::Release() {
+    const std::lock_guard lock(mLock);
+    mReleases++;
+    mReleased.notify_all();
 }
 
 std::vector<std::string> Device::TakeCalls() {
@@ -278,31 +276,48 @@ Answer Device::Usual(const std::string& method, const std::vector<std::string>& 
     return found == UsualAnswers().end() ? Answer() : found->second;
 }
 
-std::optional<Answer> Device::TakeScripted(Backend backend, const std::string& method) {
-    const std::lock_guard lock(mLock);
-    if (mScript.empty()) return {};  // as a rule, and then at no cost
-    for (const std::string& asked : {std::string(NameOf(backend)) + " " + method, method}) {
-        const auto scripted = mScript.find(asked);
-        if (scripted == mScript.end()) continue;
-        Answer answer = std::move(scripted->second.front());
-        scripted->second.pop_front();
-        if (scripted->second.empty()) mScript.erase(scripted);
-        return answer;
+/** What runs as a service, in whichever revision. */
+Device::Revisions Device::RunningAs(Backend backend, const std::string& service) const {
+    Revisions running;
+    for (const char* revision : {"", "@1.0"}) {
+        if (Has(backend, service + revision)) {
+            running.push_back(At(backend, service + revision).Running());
+        }
     }
-    return {};
+    return running;
+}
+
+/** Waits as the rule says, but not for a device that has been cleared, nor for a dead service. */
+void Device::Hold(const Rule& rule, int releases, const std::function<bool()>& isOver) {
+    constexpr auto kLook = std::chrono::milliseconds(10);
+    const auto end = std::chrono::steady_clock::now() + rule.delay;
+    std::unique_lock lock(mLock);
+    while (!isOver() && (!rule.hangs || mReleases == releases)) {
+        const auto now = std::chrono::steady_clock::now();
+        if (!rule.hangs && now >= end) return;
+        mReleased.wait_until(lock, rule.hangs ? now + kLook : std::min(now + kLook, end));
+    }
 }
 
 Answer Device::Ask(Backend backend, const std::string& service, const std::string& method,
                    const std::vector<std::string>& arguments) {
+    const Revisions asked = RunningAs(backend, service);
     std::function<void()> observer;
+    int releases, clears;
     {
         const std::lock_guard lock(mLock);
         if (mRecordsCalls) mCalls.push_back(CallText(backend, service, method, arguments));
         observer = mObserver;
+        releases = mReleases;
+        clears = mClears;
     }
     if (observer) observer();  // it may kill, or look at the calls
-    const auto scripted = TakeScripted(backend, method);
-    Answer answer = scripted ? *scripted : Usual(method, arguments);
+    const std::optional<Rule> rule = mScript.Take(backend, service, method, arguments);
+    if (rule) {
+        Hold(*rule, releases,
+             [&] { return mClears != clears || RunningAs(backend, service) != asked; });
+    }
+    Answer answer = rule && rule->answer ? *rule->answer : Usual(method, arguments);
     for (const Kept& kept : kKept) {
         if (method != kept.write) continue;
         const std::string& quoted = arguments[1];
@@ -313,6 +328,7 @@ Answer Device::Ask(Backend backend, const std::string& service, const std::strin
 }
 
 void Device::Reset() {
+    Clear();  // no call is held
     host::ResetServiceManager();
     host::ResetHidlRegistry();
     Settle();
@@ -324,9 +340,11 @@ void Device::Reset() {
 }
 
 void Device::Clear() {
+    mScript.Clear();
     const std::lock_guard lock(mLock);
+    mClears++;
+    mReleased.notify_all();
     mRecordsCalls = true;
-    mScript.clear();
     mCalls.clear();
     mObserver = nullptr;
     nv.Clear();

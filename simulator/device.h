@@ -1,17 +1,17 @@
 #pragma once
 
-#include <utils/Errors.h>
-
 #include <atomic>
+#include <condition_variable>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <vector>
+
+#include "simulator/answer.h"
+#include "simulator/script.h"
 
 /**
  * The simulated device: vendor services that record what they are asked and answer by default as a
@@ -19,39 +19,6 @@
  * here may be called on any thread.
  */
 namespace kalvorn::device {
-
-enum class Backend { kAidl, kHidl };
-
-enum class Fault {
-    kNone,
-    /** The call fails on its way back; the caller's values stay as they were. */
-    kTransport,
-    /**
-     * The call fails as when the service's process ends within it, which a HIDL stub brings about
-     * when its service returns without having called the result callback. Only the call: the death
-     * itself would log, at any time, among the lines of the call. It is for KillProcess().
-     */
-    kDeadObject,
-};
-
-/** What a call with this fault answers. */
-inline android::status_t ErrorOf(Fault fault) {
-    if (fault == Fault::kNone) return android::OK;
-    return fault == Fault::kTransport ? android::FAILED_TRANSACTION : android::DEAD_OBJECT;
-}
-
-/** What a method answers; a method without one of the values ignores it. */
-struct Answer {
-    Answer(int32_t code = 0, std::string text = "", std::string detail = "",
-           Fault fault = Fault::kNone)
-        : code(code), text(std::move(text)), detail(std::move(detail)), fault(fault) {}
-    Answer(Fault fault) : Answer(0, "", "", fault) {}
-
-    int32_t code;
-    std::string text;
-    std::string detail;
-    Fault fault;
-};
 
 /** NV items, test results and flags: they live in the device and outlast its services. */
 class Store {
@@ -100,6 +67,13 @@ using ServiceMap = std::map<std::string, std::unique_ptr<Service>>;
 ServiceMap AidlServices();
 ServiceMap HidlServices();
 
+/** A service over a backend, by its names. */
+struct Member {
+    Backend backend;
+    std::string name;
+};
+using Process = std::vector<std::string>;
+
 class Device {
   public:
     static Device& Get();
@@ -107,11 +81,7 @@ class Device {
     /** The services, in the order in which the library connects them. */
     static const std::vector<std::string>& Services();
 
-    /**
-     * Starts the services of a profile: "aidl" (all), "hidl" (those that HIDL has), "mixed"
-     * (sensors, light and touch on HIDL, no satellite chip, the rest on AIDL) or "bare" (none).
-     * False for another name.
-     */
+    /** Starts the services of "aidl", "hidl", "mixed" or "bare". False for another name. */
     bool StartProfile(const std::string& profile);
 
     /**
@@ -126,6 +96,7 @@ class Device {
      * together. False for another name.
      */
     bool GroupProcesses(const std::string& grouping);
+    void GroupProcesses(const std::vector<Process>& shared);
 
     /** The services in the process of this one, itself included. */
     std::vector<std::string> ServicesWith(const std::string& service) const;
@@ -159,9 +130,10 @@ class Device {
 
     /** Queues an answer for the next call of a method, "readNv" say, on any service. */
     void Script(const std::string& method, Answer answer);
+    void Script(Rule rule);
 
-    /** The same for the next call over one backend, before what is queued for either. */
-    void Script(Backend backend, const std::string& method, Answer answer);
+    /** Lets the calls go on that a rule hangs. */
+    void Release();
 
     /** The calls since the last time, as "aidl factory.writeNv(7, \"abc\")". */
     std::vector<std::string> TakeCalls();
@@ -190,11 +162,6 @@ class Device {
   private:
     Device();
 
-    struct Member {
-        Backend backend;
-        std::string name;
-    };
-    using Process = std::vector<std::string>;
     struct Kept {
         const char* read;
         const char* write;
@@ -202,7 +169,9 @@ class Device {
     };
     static const Kept kKept[];
 
-    std::optional<Answer> TakeScripted(Backend backend, const std::string& method);
+    using Revisions = std::vector<std::shared_ptr<const Objects>>;
+    Revisions RunningAs(Backend backend, const std::string& service) const;
+    void Hold(const Rule& rule, int releases, const std::function<bool()>& isOver);
     Answer Usual(const std::string& method, const std::vector<std::string>& arguments) const;
 
     const ServiceMap& ServicesOf(Backend backend) const;
@@ -214,7 +183,10 @@ class Device {
     std::vector<Process> mShared;                        // the processes of several services
     std::map<std::string, std::vector<Member>> mKilled;  // by the first service of the process
     bool mRecordsCalls = true;
-    std::map<std::string, std::deque<Answer>> mScript;
+    device::Script mScript;
+    std::condition_variable mReleased;
+    int mReleases = 0;
+    int mClears = 0;
     std::vector<std::string> mCalls;
     std::function<void()> mObserver;
 };

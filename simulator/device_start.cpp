@@ -6,18 +6,18 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <fstream>
-#include <functional>
 #include <mutex>
-#include <sstream>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
-#include "simulator/device.h"
+#include "simulator/device_file.h"
 
 /** Where ./simulate preloads the log file's writer. */
 extern "C" __attribute__((weak)) void EndLogFile();
@@ -28,49 +28,52 @@ namespace {
 
 using device::Backend;
 using device::Device;
+using device::DeviceFile;
+using device::Event;
+using device::Member;
+using device::Rule;
 using std::string;
 
-struct Member {
-    Backend backend;
-    string service;
+std::atomic<int> g_starts{0};
+std::mutex g_lock;
+
+/** Of the device that runs. */
+struct State {
+    string path;
+    DeviceFile file;
+    std::vector<Member> atStart;
+    std::vector<Member> added;  // declared since
 };
 
-std::mutex g_lock;
-string g_profile;
-std::vector<Member> g_atStart;
-std::vector<Member> g_added;  // declared since
+State& Running() {
+    static State* state = new State;  // events happen until the process ends
+    return *state;
+}
 
 void Tell(const string& what) {
     fprintf(stderr, "simulated device: %s\n", what.c_str());
 }
 
-using Event = std::function<void()>;
-
-Event KillOrRestart(bool kill, const string& backendName, const string& service) {
-    const Backend backend = backendName == "AIDL" ? Backend::kAidl : Backend::kHidl;
-    if (backend == Backend::kHidl && backendName != "HIDL") return nullptr;
-    if (!Device::Get().Has(backend, service)) return nullptr;
-    if (kill) return [=] { Device::Get().At(backend, service).Kill(); };
-    return [=] { Restart(backend, service); };
+bool Contains(const std::vector<Member>& members, const Member& member) {
+    return std::any_of(members.begin(), members.end(), [&](const Member& other) {
+        return other.backend == member.backend && other.name == member.name;
+    });
 }
 
-bool Is(const Member& one, const Member& other) {
-    return one.backend == other.backend && one.service == other.service;
-}
-
+/** A service that the device has late is its own from when it starts; others were added. */
 void Remember(const Member& member) {
     const std::lock_guard lock(g_lock);
-    const auto isMember = [&](const Member& known) { return Is(known, member); };
-    if (std::none_of(g_atStart.begin(), g_atStart.end(), isMember)) g_added.push_back(member);
+    if (Contains(Running().atStart, member)) return;
+    (Contains(Running().file.late, member) ? Running().atStart : Running().added).push_back(member);
 }
 
 device::Service& At(const Member& member) {
-    return Device::Get().At(member.backend, member.service);
+    return Device::Get().At(member.backend, member.name);
 }
 
 void StartUnlessRunning(const std::vector<Member>& members) {
     for (const Member& member : members) {
-        if (!At(member).IsRunning()) Device::Get().Start(member.backend, member.service);
+        if (!At(member).IsRunning()) Device::Get().Start(member.backend, member.name);
     }
 }
 
@@ -78,72 +81,49 @@ void StartUnlessRunning(const std::vector<Member>& members) {
 void AnnounceReleased(const std::vector<Member>& members) {
     for (const Member& member : members) {
         if (member.backend != Backend::kHidl || At(member).DeathLinks() != 0) continue;
-        if (Device::Get().IsRunning(Backend::kAidl, member.service)) continue;  // held over AIDL
-        Device::Get().Start(member.backend, member.service);
+        if (Device::Get().IsRunning(Backend::kAidl, member.name)) continue;  // held over AIDL
+        Device::Get().Start(member.backend, member.name);
         Device::Settle();
         return;
     }
 }
 
-Event KillOrRestartProcess(bool kill, const string& service) {
-    if (!Device::Get().Has(Backend::kAidl, service)) return nullptr;
-    if (kill) return [=] { Device::Get().KillProcess(service); };
-    return [=] { Device::Get().RestartProcess(service); };
-}
-
-Event Wait(const string& number) {
-    char* end = nullptr;
-    const double seconds = strtod(number.c_str(), &end);
-    if (number.empty() || *end != '\0' || !(seconds >= 0)) return nullptr;
-    return [=] { std::this_thread::sleep_for(std::chrono::duration<double>(seconds)); };
-}
-
-/** What a line of the events says; null when that cannot happen. */
-Event EventOf(const string& line) {
-    std::istringstream words(line);
-    string what, first, second, more;
-    words >> what >> first >> second >> more;
-    if (what.empty() || what[0] == '#') return [] {};
-    if (!more.empty()) return nullptr;
-    if (what == "wait" && second.empty()) return Wait(first);
-    Event event;
-    if (what == "kill" || what == "restart") {
-        event = KillOrRestart(what == "kill", first, second);
-    } else if ((what == "kill-process" || what == "restart-process") && second.empty()) {
-        event = KillOrRestartProcess(what == "kill-process", first);
+void Happen(const Event& event) {
+    Device& device = Device::Get();
+    const auto& [backend, service] = event.member;
+    if (event.kind == Event::kWait) {
+        std::this_thread::sleep_for(std::chrono::duration<double>(event.seconds));
+        return;
     }
-    if (!event) return nullptr;
-    return [=] {
-        __android_log_write(ANDROID_LOG_INFO, "SimulatedDevice", line.c_str());
-        event();
-    };
+    __android_log_write(ANDROID_LOG_INFO, "SimulatedDevice", event.line.c_str());
+    if (event.kind == Event::kKill) device.At(backend, service).Kill();
+    if (event.kind == Event::kRestart) Restart(backend, service);
+    if (event.kind == Event::kKillProcess) device.KillProcess(service);
+    if (event.kind == Event::kRestartProcess) device.RestartProcess(service);
+    if (event.kind == Event::kAnswer) device.Script(event.rule);
 }
 
-/** The events of a file; one that cannot happen ends the process before anything is called. */
-std::vector<Event> ReadEvents(const string& path) {
-    std::ifstream file(path);
-    std::vector<Event> events;
-    for (string line; std::getline(file, line);) {
-        events.push_back(EventOf(line));
-        if (events.back()) continue;
-        std::ostringstream where;
-        where << path << ':' << events.size() << ": ";
-        Tell(where.str() + "no event \"" + line + '"');
-        _exit(2);
-    }
-    return events;
-}
-
-/** Those of a fifo, as they come. One that is open for writing too has no end. */
-void PlayFifo(const string& path) {
-    std::fstream events(path, std::ios::in | std::ios::out);
-    for (string line; std::getline(events, line);) {
-        const Event event = EventOf(line);
-        if (event) {
-            event();
-        } else {
-            Tell("no event \"" + line + "\"");
+/** On a thread of its own, for as long as that device runs. */
+void Play(std::vector<Event> events, int starts) {
+    std::thread([events = std::move(events), starts] {
+        for (const Event& event : events) {
+            if (g_starts == starts) Happen(event);
         }
+    }).detach();
+}
+
+/** The events of a fifo, as they come. One that is open for writing too has no end. */
+void PlayFifo(const string& path) {
+    std::fstream lines(path, std::ios::in | std::ios::out);
+    for (string line; std::getline(lines, line);) {
+        DeviceFile read;
+        try {
+            read.Read(line);
+        } catch (const std::runtime_error& error) {
+            Tell(error.what());
+        }
+        for (const Event& event : read.events) Happen(event);
+        for (Rule& rule : read.rules) Device::Get().Script(std::move(rule));
     }
 }
 
@@ -152,34 +132,43 @@ void StartEvents(const string& path) {
     if (stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode)) {
         std::thread(PlayFifo, path).detach();
     } else {
-        std::thread([events = ReadEvents(path)] {
-            for (const Event& event : events) event();
-        }).detach();
+        Play(device::ReadDeviceFile(path).events, g_starts);
     }
+}
+
+void StartRules() {
+    for (const Rule& rule : Running().file.rules) Device::Get().Script(rule);
 }
 
 }  // namespace
 
-bool Start(const string& profile) {
-    Device& device = Device::Get();
-    device.Reset();
-    device.GroupProcesses("device");
-    if (!device.StartProfile(profile)) return false;
-    const std::lock_guard lock(g_lock);
-    g_profile = profile;
-    g_atStart.clear();
-    g_added.clear();
-    for (const string& service : Device::Services()) {
-        for (const Backend backend : {Backend::kAidl, Backend::kHidl}) {
-            if (device.IsRunning(backend, service)) g_atStart.push_back({backend, service});
-        }
+void Start(const string& device) {
+    const string path = device::DevicePath(device);
+    const DeviceFile file = device::ReadDeviceFile(path);
+    g_starts++;
+    Device::Get().Reset();
+    Device::Get().GroupProcesses(file.processes);
+    {
+        const std::lock_guard lock(g_lock);
+        Running().path = path;
+        Running().file = file;
+        Running().atStart = file.running;
+        Running().added.clear();
     }
-    return true;
+    StartRules();
+    for (const Member& member : file.late) At(member).Declare();
+    StartUnlessRunning(file.running);
+    Play(file.events, g_starts);
 }
 
-string Profile() {
+bool Runs(const string& device) {
     const std::lock_guard lock(g_lock);
-    return g_profile;
+    return device::DevicePath(device) == Running().path;
+}
+
+string Path() {
+    const std::lock_guard lock(g_lock);
+    return Running().path;
 }
 
 void Restart(Backend backend, const string& service) {
@@ -205,8 +194,8 @@ void Restore(bool isLibraryLoaded) {
     std::vector<Member> atStart, added;
     {
         const std::lock_guard lock(g_lock);
-        atStart = g_atStart;
-        added.swap(g_added);
+        atStart = Running().atStart;
+        added.swap(Running().added);
     }
     // What was added runs once more, because the library may be waiting for it; then it dies.
     StartUnlessRunning(atStart);
@@ -219,15 +208,19 @@ void Restore(bool isLibraryLoaded) {
     }
     if (isLibraryLoaded) AnnounceReleased(atStart);
     Device::Get().Clear();
+    StartRules();
 }
 
 void StartAsNamed() {
     static std::once_flag once;
     std::call_once(once, [] {
-        if (const char* profile = getenv("KALVORN_DEVICE")) {
-            if (!Start(profile)) Tell(string("no device \"") + profile + "\"");
+        try {
+            if (const char* device = getenv("KALVORN_DEVICE")) Start(device);
+            if (const char* events = getenv("KALVORN_EVENTS")) StartEvents(events);
+        } catch (const std::runtime_error& error) {
+            Tell(error.what());
+            _exit(2);
         }
-        if (const char* events = getenv("KALVORN_EVENTS")) StartEvents(events);
     });
 }
 

@@ -8,22 +8,21 @@
 namespace kalvorn::simulated {
 
 /**
- * Starts the device that the environment names, once: KALVORN_DEVICE is its profile, and
- * KALVORN_EVENTS a file, or a fifo, with what happens to it, a line each:
- *
- *     wait SECONDS
- *     kill|restart AIDL|HIDL SERVICE
- *     kill-process|restart-process SERVICE
- *
- * What is wrong in them is told on stderr, and in a file ends the process with status 2.
+ * Starts the device that the environment names, once: KALVORN_DEVICE is its name or file, and
+ * KALVORN_EVENTS a file, or a fifo, with events that happen to it. What is wrong in them is told on
+ * stderr, and in a file ends the process with status 2.
  */
 void StartAsNamed();
 
-/** Replaces the device; only while nothing holds its services. False: no such profile. */
-bool Start(const std::string& profile);
+/**
+ * Replaces the device by a named one or that of a file; only while nothing holds its services.
+ * Throws std::runtime_error, and leaves the device, for a file that is wrong.
+ */
+void Start(const std::string& device);
 
-/** Of the device that runs; empty when none was started. */
-std::string Profile();
+/** Whether it is this device that runs, and the path of its file; empty when none was started. */
+bool Runs(const std::string& device);
+std::string Path();
 
 /** Starts a service that does not run. */
 void Restart(device::Backend backend, const std::string& service);
@@ -42,4 +41,5 @@ void Restore(bool isLibraryLoaded);
 
 /** Ends the log and lets go whoever waits for a service, so that the process can end in peace. */
 void Stop();
+
 }  // namespace kalvorn::simulated

@@ -3,7 +3,10 @@
 #include <dlfcn.h>
 #include <jni.h>
 
+#include <chrono>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/modified_utf8.h"
@@ -17,16 +20,8 @@ using kalvorn::device::Answer;
 using kalvorn::device::Backend;
 using kalvorn::device::Device;
 using kalvorn::device::Fault;
+using kalvorn::device::Rule;
 using kalvorn::host::Text;
-
-struct ServiceMethod {
-    const char* name;
-    bool givesOneNumberOverHidl;
-};
-
-constexpr ServiceMethod kMethods[] = {
-#include "service_methods.inc"
-};
 
 std::string Unpacked(JNIEnv* env, jbyteArray bytes) {
     std::string text(static_cast<size_t>(env->GetArrayLength(bytes)), '\0');
@@ -54,12 +49,10 @@ jobjectArray Names(JNIEnv* env, const std::vector<std::string>& names) {
     return array;
 }
 
-jobjectArray MethodNames(JNIEnv* env, bool all) {
-    std::vector<std::string> names;
-    for (const ServiceMethod& method : kMethods) {
-        if (all || method.givesOneNumberOverHidl) names.emplace_back(method.name);
-    }
-    return Names(env, names);
+/** What is wrong is the caller's fault. */
+void Refuse(JNIEnv* env, const std::runtime_error& error) {
+    env->ThrowNew(env->FindClass("java/lang/IllegalArgumentException"),
+                  kalvorn::ToModifiedUtf8(error.what()).c_str());
 }
 
 bool IsLibraryLoaded() {
@@ -77,12 +70,25 @@ SIMULATED_DEVICE(void, startAsNamed)(JNIEnv*, jclass) {
     kalvorn::simulated::StartAsNamed();
 }
 
-SIMULATED_DEVICE(void, startProfile)(JNIEnv* env, jclass, jstring profile) {
-    kalvorn::simulated::Start(Text(env, profile));
+SIMULATED_DEVICE(void, startAs)(JNIEnv* env, jclass, jbyteArray device) {
+    try {
+        kalvorn::simulated::Start(Unpacked(env, device));
+    } catch (const std::runtime_error& error) {
+        Refuse(env, error);
+    }
 }
 
-SIMULATED_DEVICE(jstring, profile)(JNIEnv* env, jclass) {
-    return env->NewStringUTF(kalvorn::simulated::Profile().c_str());
+SIMULATED_DEVICE(jboolean, runsAs)(JNIEnv* env, jclass, jbyteArray device) {
+    try {
+        return kalvorn::simulated::Runs(Unpacked(env, device));
+    } catch (const std::runtime_error& error) {
+        Refuse(env, error);
+        return JNI_FALSE;
+    }
+}
+
+SIMULATED_DEVICE(jstring, path)(JNIEnv* env, jclass) {
+    return JavaText(env, kalvorn::simulated::Path());
 }
 
 SIMULATED_DEVICE(jboolean, isLibraryLoaded)(JNIEnv*, jclass) {
@@ -94,11 +100,7 @@ SIMULATED_DEVICE(jobjectArray, serviceNames)(JNIEnv* env, jclass) {
 }
 
 SIMULATED_DEVICE(jobjectArray, methodNames)(JNIEnv* env, jclass) {
-    return MethodNames(env, true);
-}
-
-SIMULATED_DEVICE(jobjectArray, methodsOfOneNumber)(JNIEnv* env, jclass) {
-    return MethodNames(env, false);
+    return Names(env, kalvorn::device::MethodNames());
 }
 
 SIMULATED_DEVICE(jboolean, has)(JNIEnv* env, jclass, jint backend, jstring service) {
@@ -138,14 +140,29 @@ SIMULATED_DEVICE(void, restartProcessOf)(JNIEnv* env, jclass, jstring service) {
     Device::Get().RestartProcess(Text(env, service));
 }
 
-SIMULATED_DEVICE(void, answer)
-(JNIEnv* env, jclass, jstring method, jint code, jbyteArray text, jbyteArray detail) {
-    Device::Get().Script(Text(env, method),
-                         Answer(code, Unpacked(env, text), Unpacked(env, detail)));
+SIMULATED_DEVICE(void, addRule)
+(JNIEnv* env, jclass, jbyteArray calls, jint times, jlong delay, jint kind, jint code,
+ jbyteArray text, jbyteArray detail) {
+    enum { kAnswers, kFails, kHangs };  // and as usual
+    try {
+        Rule rule;
+        rule.calls = kalvorn::device::ParseCallPattern(Unpacked(env, calls));
+        rule.times = times;
+        rule.delay = std::chrono::milliseconds(delay);
+        rule.hangs = kind == kHangs;
+        if (kind == kAnswers) {
+            rule.answer = Answer(code, Unpacked(env, text), Unpacked(env, detail));
+        }
+        if (kind == kFails) rule.answer = Fault::kTransport;
+        kalvorn::device::CheckRule(rule);
+        Device::Get().Script(std::move(rule));
+    } catch (const std::runtime_error& error) {
+        Refuse(env, error);
+    }
 }
 
-SIMULATED_DEVICE(void, failNext)(JNIEnv* env, jclass, jint backend, jstring method) {
-    Device::Get().Script(static_cast<Backend>(backend), Text(env, method), Fault::kTransport);
+SIMULATED_DEVICE(void, release)(JNIEnv*, jobject) {
+    Device::Get().Release();
 }
 
 SIMULATED_DEVICE(void, recordCalls)(JNIEnv*, jobject, jboolean record) {

@@ -116,13 +116,11 @@ Entry::Declared Entry::Declaration() const {
 
 /** They are quoted by '' where they have to be. */
 Lines Entry::Words(const std::string& text) const {
-    static const std::regex word("(?:'[^']*'|[^ '])+");
-    if (std::count(text.begin(), text.end(), '\'') % 2 != 0) Refuse("a quote is not closed");
-    Lines words;
-    for (std::sregex_iterator at(text.begin(), text.end(), word), end; at != end; ++at) {
-        words.push_back(std::regex_replace(at->str(), std::regex("'"), ""));
+    try {
+        return kalvorn::device::SplitWords(text);
+    } catch (const std::runtime_error& error) {
+        Refuse(error.what());
     }
-    return words;
 }
 
 int Entry::Number(const std::string& word) const {

@@ -121,4 +121,39 @@ junit() {
 
 @test "the simulated device does what it says" {
     junit "$package.SimulatedDeviceTest"
+    junit "$package.DeviceFileTest"
+}
+
+@test "the file of a device is refused with its line, before anything runs" {
+    while IFS='|' read -r line message; do
+        printf '%s\n' "# A device" "aidl factory" "$line" >station7.device
+        program 2 --device station7.device touch ran
+        expect "$line" "simulate: $PWD/station7.device:3: $message" "$output"
+    done <<'END'
+aidl|no services are named
+hidl light sim|no service "sim" over hidl
+late factory|late is followed by aidl or hidl
+process factory fan|no service "fan"
+kill aidl fan|no event "kill aidl fan"
+wait -1|no event "wait -1"
+restart-process factory power|no event "restart-process factory power"
+factory power|neither services, an answer nor an event: factory power
+factory.readNv(7 -> 0|not a call, such as aidl factory.readNv(7): factory.readNv(7
+2 times readNv|neither services, an answer nor an event: 2 times readNv
+readNv -> |an answer is missing, after ->
+readNv -> five|not a code, "fails", "hangs" or "after SECONDS": five
+readNv -> 0 'a|a quote is not closed
+readNv -> 0 a b c|an answer is a code and up to two texts, each in ''
+readNv -> after x 0|not a number of seconds: x
+hidl satellite.chipTtTestCp -> 0|no service satellite over hidl
+END
+    [ ! -e ran ]
+    program 2 --device nowhere.device touch ran
+    expect "no file" "simulate: cannot read nowhere.device" "$(head -1 <<<"$output")"
+}
+
+@test "the device in the documentation can be read" {
+    sed -n '/^    # Station 7/,/^[^ ]/s/^    //p' "$source/docs/testing-your-application.md" >station7.device
+    [ "$(wc -l <station7.device)" -gt 15 ]
+    program 0 --device station7.device true
 }

@@ -2,9 +2,11 @@ package com.quorvin.kalvornii.simulated;
 
 import static java.nio.charset.StandardCharsets.UTF_8;
 
+import java.nio.file.Path;
 import java.time.Duration;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.Locale;
 
 /**
  * The simulated device under this process's library, for tests of what stands above it: its
@@ -49,28 +51,39 @@ public final class SimulatedDevice {
     }
 
     /**
-     * Replaces the device: "aidl" has every service over AIDL, "hidl" all that HIDL has, "mixed"
-     * sensors, light and touch over HIDL, no satellite chip and the rest over AIDL, "bare" none.
-     * Services that share a process on many devices share one here too. Once the library is loaded,
-     * the device that runs is restored, as {@link #restore} does.
+     * Replaces the device. Once the library is loaded, the device that runs is restored, as {@link
+     * #restore} does.
      *
-     * @param profile its name
+     * @param device "aidl" has every service over AIDL, "hidl" all that HIDL has, "mixed" sensors,
+     *     light and touch over HIDL, no satellite chip and the rest over AIDL, "bare" none; or a
+     *     file that ends with ".device"
      * @return the device
+     * @throws IllegalArgumentException also for a file with a line that is not understood
      * @throws IllegalStateException when the library is loaded and another device runs: one that
      *     becomes another beneath a running application does not exist
      */
-    public static SimulatedDevice start(String profile) {
-        DEVICE.check(profile, List.of("aidl", "hidl", "mixed", "bare"), "device");
+    public static SimulatedDevice start(String device) {
+        byte[] name = String.valueOf(device).getBytes(UTF_8);
         if (!isLibraryLoaded()) {
-            startProfile(profile);
-        } else if (profile.equals(profile())) {
+            startAs(name);
+        } else if (runsAs(name)) {
             DEVICE.restore();
         } else {
-            throw new IllegalStateException("The library is loaded, on the device \"" + profile()
-                    + "\": start another before KvNativeInterface is first used, or with"
+            throw new IllegalStateException("The library is loaded, on the device " + path()
+                    + ": start another before KvNativeInterface is first used, or with"
                     + " ./simulate --device");
         }
         return DEVICE;
+    }
+
+    /**
+     * The same for a file with any name.
+     *
+     * @param file says what the device is, and what happens to it
+     * @return the device
+     */
+    public static SimulatedDevice start(Path file) {
+        return start(file.toAbsolutePath().toString());
     }
 
     /**
@@ -188,7 +201,7 @@ public final class SimulatedDevice {
     /**
      * Has the next call of a method answered so; each further answer serves one more call.
      *
-     * @param method the vendor's method
+     * @param method the vendor's method, or fewer calls, as {@link #on} takes them
      * @param code the number that it answers
      * @param text the text that it answers
      */
@@ -197,57 +210,156 @@ public final class SimulatedDevice {
     }
 
     /**
-     * The same with the second text, which few methods have ("i2cTest" has). A method without one
-     * of the values does not look at it. Over AIDL texts of more than half a megabyte fail on their
-     * way.
+     * The same with the second text, which few methods have ("i2cTest" has).
      *
      * @param method the vendor's method
      * @param code the number that it answers
      * @param text the text that it answers
      * @param detail the second text
-     * @throws IllegalArgumentException also for texts that are null or that no call could carry to
-     *     Java: too long, or with U+0000 or half a surrogate pair
      */
     public void answer(String method, int code, String text, String detail) {
-        check(method, methods(), "method");
-        if (text == null || detail == null) {
-            throw new IllegalArgumentException("a text is null, which no service's can be");
-        }
-        if ((text + detail).indexOf('\0') >= 0) {
-            throw new IllegalArgumentException("U+0000 ends a service's text: nothing may follow");
-        }
-        if (!UTF_8.newEncoder().canEncode(text) || !UTF_8.newEncoder().canEncode(detail)) {
-            throw new IllegalArgumentException("half a surrogate pair is no text of a service");
-        }
-        byte[] textBytes = text.getBytes(UTF_8);
-        byte[] detailBytes = detail.getBytes(UTF_8);
-        if (textBytes.length + detailBytes.length > MOST_BYTES) {
-            throw new IllegalArgumentException("texts of more than " + MOST_BYTES + " bytes");
-        }
-        answer(method, code, textBytes, detailBytes);
+        on(method).times(1).answer(code, text, detail);
     }
 
     /**
-     * Lets the next call of a method over this backend fail on its way: the service has been asked,
-     * its answer does not arrive.
+     * Lets the next call of a method over this backend fail on its way, as {@link Calls#fail} does.
      *
      * @param backend the backend
      * @param method the vendor's method
-     * @throws IllegalArgumentException also for a method that returns one number over HIDL, since
-     *     there such a failure ends the process
      */
     public void fail(Backend backend, String method) {
         check(backend);
-        check(method, methods(), "method");
-        List<String> ending = List.of(methodsOfOneNumber());
-        if (backend == Backend.HIDL && ending.contains(method)) {
-            List<String> others = new ArrayList<>(methods());
-            others.removeAll(ending);
-            throw new IllegalArgumentException("over HIDL a failed call of " + method
-                    + " ends the process; those that do not: " + String.join(", ", others));
-        }
-        failNext(backend.ordinal(), method);
+        on(backend.name().toLowerCase(Locale.ROOT) + " " + method).times(1).fail();
     }
+
+    /**
+     * Calls that are to be answered in another way than the usual one, until {@link #restore}. What
+     * is said of a number of calls comes before what is said for always, and what is said more
+     * precisely before the rest.
+     *
+     * @param calls a method, {@code readNv}, or fewer of its calls, {@code factory.readNv(7)} or
+     *     {@code aidl factory.readNv(7)}: of what {@link #received} shows, the method has to be
+     *     there
+     * @return the calls, of which one of the methods without a result has to be called
+     */
+    public Calls on(String calls) {
+        return new Calls(calls);
+    }
+
+    /** Some calls of a method, and what becomes of them. */
+    public static final class Calls {
+        private enum Kind { ANSWERS, FAILS, HANGS, USUAL }
+
+        private final String calls;
+        private int times;
+        private long delay;
+
+        private Calls(String calls) {
+            this.calls = calls;
+        }
+
+        /**
+         * Only so many calls, which without this are all.
+         *
+         * @param times how many, at least 1
+         * @return these calls
+         */
+        public Calls times(int times) {
+            if (times < 1) throw new IllegalArgumentException("at least once, not " + times);
+            this.times = times;
+            return this;
+        }
+
+        /**
+         * Each is answered after a delay.
+         *
+         * @param time how long it takes
+         * @return these calls
+         */
+        public Calls after(Duration time) {
+            delay = time.toMillis();
+            return this;
+        }
+
+        /** They are answered as usual, after the delay. */
+        public void answerAsUsual() {
+            add(Kind.USUAL, 0, "", "");
+        }
+
+        /**
+         * They are answered so.
+         *
+         * @param code the number
+         */
+        public void answer(int code) {
+            answer(code, "", "");
+        }
+
+        /**
+         * They are answered so.
+         *
+         * @param code the number
+         * @param text the text
+         */
+        public void answer(int code, String text) {
+            answer(code, text, "");
+        }
+
+        /**
+         * They are answered so. A method without one of the values does not look at it. Over AIDL
+         * texts of more than half a megabyte fail on their way.
+         *
+         * @param code the number
+         * @param text the text
+         * @param detail the second text
+         * @throws IllegalArgumentException for texts that are null or that no call could carry to
+         *     Java: too long, or with U+0000 or half a surrogate pair
+         */
+        public void answer(int code, String text, String detail) {
+            if (text == null || detail == null) {
+                throw new IllegalArgumentException("a text is null, which no service's can be");
+            }
+            if ((text + detail).indexOf('\0') >= 0) {
+                throw new IllegalArgumentException(
+                        "U+0000 ends a service's text: nothing may follow");
+            }
+            if (!UTF_8.newEncoder().canEncode(text) || !UTF_8.newEncoder().canEncode(detail)) {
+                throw new IllegalArgumentException("half a surrogate pair is no text of a service");
+            }
+            add(Kind.ANSWERS, code, text, detail);
+        }
+
+        /**
+         * They fail on their way: the service has been asked, its answer does not arrive.
+         *
+         * @throws IllegalArgumentException for a method that returns one number over HIDL, since
+         *     there such a failure ends the process
+         */
+        public void fail() {
+            add(Kind.FAILS, 0, "", "");
+        }
+
+        /**
+         * They hang, until {@link SimulatedDevice#release} lets them go on, their service dies, or
+         * the device is restored; then they are answered as usual.
+         */
+        public void hang() {
+            add(Kind.HANGS, 0, "", "");
+        }
+
+        private void add(Kind kind, int code, String text, String detail) {
+            byte[] textBytes = text.getBytes(UTF_8);
+            byte[] detailBytes = detail.getBytes(UTF_8);
+            if (textBytes.length + detailBytes.length > MOST_BYTES) {
+                throw new IllegalArgumentException("texts of more than " + MOST_BYTES + " bytes");
+            }
+            addRule(String.valueOf(calls).getBytes(UTF_8), times, delay, kind.ordinal(), code,
+                    textBytes, detailBytes);
+        }
+    }
+
+    /** Lets the calls go on that hang now; later ones hang as before. */
+    public native void release();
 
     /**
      * The calls that have reached services since the last time, without those that the library
@@ -335,17 +447,17 @@ public final class SimulatedDevice {
 
     private static native void startAsNamed();
 
-    private static native void startProfile(String profile);
+    private static native void startAs(byte[] device);
 
-    private static native String profile();
+    private static native boolean runsAs(byte[] device);
+
+    private static native String path();
 
     private static native boolean isLibraryLoaded();
 
     private static native String[] serviceNames();
 
     private static native String[] methodNames();
-
-    private static native String[] methodsOfOneNumber();
 
     private static native boolean has(int backend, String service);
 
@@ -365,9 +477,8 @@ public final class SimulatedDevice {
 
     private static native void restartProcessOf(String service);
 
-    private static native void answer(String method, int code, byte[] text, byte[] detail);
-
-    private static native void failNext(int backend, String method);
+    private static native void addRule(
+            byte[] calls, int times, long delay, int kind, int code, byte[] text, byte[] detail);
 
     private static native String[] takeCalls();
 

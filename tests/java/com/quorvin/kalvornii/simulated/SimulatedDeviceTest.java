@@ -11,6 +11,9 @@ import static org.junit.jupiter.api.Assertions.assertTrue;
 import com.quorvin.kalvornii.KvNativeInterface;
 import java.time.Duration;
 import java.util.List;
+import java.util.concurrent.FutureTask;
+import java.util.concurrent.TimeUnit;
+import java.util.concurrent.TimeoutException;
 import java.util.stream.Collectors;
 import org.junit.jupiter.api.BeforeEach;
 import org.junit.jupiter.api.Test;
@@ -32,7 +35,7 @@ class SimulatedDeviceTest {
     @Test
     void namesWhatIsRightInsteadOfWhatIsWrong() {
         String all = String.join(", ", device.services());
-        refused("aidl, hidl, mixed, bare", () -> SimulatedDevice.start("Mixed"));
+        refused("aidl, bare, hidl, mixed", () -> SimulatedDevice.start("Mixed"));
         refused(all, () -> device.holder("Factory"));
         refused(all, () -> device.holder(null));
         refused(all, () -> device.runs(""));
@@ -53,6 +56,11 @@ class SimulatedDeviceTest {
         refused("readNv, ", () -> device.fail(AIDL, null));
         refused("readNv, ", () -> device.fail(HIDL, "setLightsBrightness"));
         refused("AIDL or HIDL", () -> device.fail(null, "readNv"));
+        refused("no service \"fan\"; there are: " + all, () -> device.on("fan.readNv").fail());
+        refused("no service sim over hidl", () -> device.on("hidl sim.setSimPowerState").hang());
+        refused("not a call", () -> device.on("aidl factory.readNv(7").answer(0));
+        refused("at least once", () -> device.on("readNv").times(0));
+        refused("ends the process", () -> device.on("light.setLightsBrightness").fail());
         assertThrows(IllegalStateException.class, () -> SimulatedDevice.start("aidl"));
         SimulatedDevice.start("mixed");
     }
@@ -170,6 +178,63 @@ class SimulatedDeviceTest {
         assertEquals(List.of("aidl factory.readNv(7)", "aidl factory.i2cTest(1024)",
                              "aidl factory.setTestResult(7, \"ä\")"),
                 device.received());
+    }
+
+    @Test
+    void answersWhatIsSaidOfFewerCallsFirst() {
+        device.on("readNv").answer(0, "any");
+        device.on("factory.readNv(7)").answer(0, "older");
+        device.on("factory.readNv(7)").answer(0, "newer");
+        device.on("hidl readNv").times(1).answer(0, "hidl");
+        device.on("readNv").times(2).answer(0, "first");
+        device.on("aidl factory.readNv(8)").times(1).answer(0, "more precise");
+        assertEquals("more precise", kv.nativeReadNvValue(8));
+        assertEquals("first", kv.nativeReadNvValue(8));
+        assertEquals("first", kv.nativeReadNvValue(7));
+        assertEquals("newer", kv.nativeReadNvValue(7));
+        assertEquals("newer", kv.nativeReadNvValue(7));
+        assertEquals("any", kv.nativeReadNvValue(8));
+        device.on("writeNv(1, \"a, b\")").answer(-5);
+        assertEquals(-5, kv.nativeWriteNvValue("a, b", 1));
+        assertEquals(0, kv.nativeWriteNvValue("a", 1));
+    }
+
+    /** Calls in a thread of its own, which has reached the service when this returns. */
+    private FutureTask<String> reaching(String call) throws InterruptedException {
+        FutureTask<String> task = new FutureTask<>(() -> kv.nativeGetBoardName());
+        new Thread(task).start();
+        while (!device.received().contains(call)) Thread.sleep(1);
+        return task;
+    }
+
+    @Test
+    void hangsUntilReleasedOrDeadOrRestored() throws Exception {
+        String call = "aidl factory.getVersionName()";
+        device.on(call).hang();
+        FutureTask<String> released = reaching(call);
+        assertThrows(TimeoutException.class, () -> released.get(50, TimeUnit.MILLISECONDS));
+        device.release();
+        assertEquals("KV-MAIN-V3", released.get());
+
+        FutureTask<String> dead = reaching(call);
+        device.kill(AIDL, "factory");
+        assertEquals("", dead.get());
+
+        device.restore();
+        device.on(call).hang();
+        FutureTask<String> restored = reaching(call);
+        device.restore();
+        assertEquals("KV-MAIN-V3", restored.get());
+    }
+
+    @Test
+    void answersLate() {
+        device.on("setSimPowerState").times(1).after(Duration.ofMillis(100)).answer(6);
+        device.on("setSimPowerState").times(1).after(Duration.ofMillis(100)).answerAsUsual();
+        long start = System.nanoTime();
+        assertEquals(6, kv.nativeSetSimPowerState(1));
+        assertEquals(0, kv.nativeSetSimPowerState(1));
+        assertTrue(System.nanoTime() - start >= 200_000_000);
     }
 
     @Test

@@ -219,7 +219,8 @@ public final class RunningTest {
         if (aidl) aidlDeath();
         if (aidl && hidl) Session.blank();
         if (hidl) hidlDeath();
-        if (aidl || hidl) processDeath(SimulatedDevice.get().holder("display"));
+        Backend display = SimulatedDevice.get().holder("display");
+        if (display != null) processDeath(display);
     }
 
     private void aidlDeath() {
