@@ -24,13 +24,19 @@ thread_local std::vector<int> g_openFlags;
 thread_local std::vector<size_t> g_writes;
 thread_local int g_openedFd = -1;
 
+/** The function of this name that another library has. */
+void* NextOf(const char* name) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the constant is made so
+    return dlsym(RTLD_NEXT, name);
+}
+
 class LocalMethodsTest : public OperationTest {};
 
 }  // namespace
 
 // The library's partition is a path in its code, so the way to it is bent here.
 extern "C" int open(const char* path, int flags, ...) {
-    static const auto next = reinterpret_cast<decltype(&open)>(dlsym(RTLD_NEXT, "open"));
+    static const auto next = reinterpret_cast<decltype(&open)>(NextOf("open"));
     mode_t mode = 0;
     if ((flags & (O_CREAT | __O_TMPFILE)) != 0) {
         va_list rest;
@@ -47,7 +53,7 @@ extern "C" int open(const char* path, int flags, ...) {
 }
 
 extern "C" ssize_t write(int fd, const void* bytes, size_t size) {
-    static const auto next = reinterpret_cast<decltype(&write)>(dlsym(RTLD_NEXT, "write"));
+    static const auto next = reinterpret_cast<decltype(&write)>(NextOf("write"));
     if (g_misc != nullptr && fd == g_openedFd) g_writes.push_back(size);
     return next(fd, bytes, size);
 }
@@ -56,7 +62,7 @@ extern "C" ssize_t write(int fd, const void* bytes, size_t size) {
 std::vector<int> g_bindings;
 
 extern "C" void* dlopen(const char* path, int mode) {
-    static const auto next = reinterpret_cast<decltype(&dlopen)>(dlsym(RTLD_NEXT, "dlopen"));
+    static const auto next = reinterpret_cast<decltype(&dlopen)>(NextOf("dlopen"));
     if (path != nullptr && strcmp(path, "libpixelworksFactoryTest.so") == 0) {
         g_bindings.push_back(mode);
     }
