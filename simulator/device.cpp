@@ -301,7 +301,8 @@ void Device::Hold(const Rule& rule, int releases, const std::function<bool()>& i
 
 Answer Device::Ask(Backend backend, const std::string& service, const std::string& method,
                    const std::vector<std::string>& arguments) {
-    const Revisions asked = RunningAs(backend, service);
+    // As a rule nothing is scripted, and then at no cost.
+    const Revisions asked = mScript.IsEmpty() ? Revisions() : RunningAs(backend, service);
     std::function<void()> observer;
     int releases, clears;
     {

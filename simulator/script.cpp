@@ -181,6 +181,11 @@ void Script::Clear() {
     mRules.clear();
 }
 
+bool Script::IsEmpty() const {
+    const std::lock_guard lock(mLock);
+    return mRules.empty();
+}
+
 std::optional<Rule> Script::Take(Backend backend, const string& service, const string& method,
                                  const Words& arguments) {
     const std::lock_guard lock(mLock);

@@ -63,6 +63,7 @@ class Script {
   public:
     void Add(Rule rule);
     void Clear();
+    bool IsEmpty() const;
     /**
      * The rule for a call: one that serves a number of calls before one for always, then the more
      * precise, then the older of those that are counted and the newer of the others.
@@ -71,7 +72,7 @@ class Script {
                              const std::vector<std::string>& arguments);
 
   private:
-    std::mutex mLock;
+    mutable std::mutex mLock;
     std::vector<Rule> mRules;
 };
 
