@@ -9,6 +9,8 @@ sed -n '/^@ /,$p' "$source/ctl/com/quorvin/kalvornii/ctl/help.txt" |
     awk '/^@ / { printf "%s[%s]\n.nf\n", end, toupper($2); end = ".fi\n\n"; next }
         { gsub(/\\/, "\\e"); print }
         END { print ".fi" }' >"$page.more"
+# It hands the command to a shell, where a path with a blank would be two words.
+cd "$source"
 "$help2man" --no-info --name "call the native methods of lib_kalvorn" --include "$page.more" \
-    --output "$page" "$source/kalvornctl"
+    --output "$page" ./kalvornctl
 rm "$page.more"
