@@ -539,12 +539,13 @@ State Canonical(State s) {
     Forget(s);
     const auto isBefore = [&](unsigned a, unsigned b) { return s.threads[a].at < s.threads[b].at; };
     unsigned order[kThreads] = {0, 1, 2, 3};
+    unsigned* const last = order + std::min(g_run.notices, kThreads);
     State least;
     memset(&least, 0xff, sizeof least);
     do {
-        if (!std::is_sorted(order, order + g_run.notices, isBefore)) continue;
+        if (!std::is_sorted(order, last, isBefore)) continue;
         least = std::min(least, Renumbered(s, order));
-    } while (std::next_permutation(order, order + g_run.notices));
+    } while (std::next_permutation(order, last));
     return least;
 }
 

@@ -23,6 +23,6 @@ grep -qF "build/host was made for $first: building it anew." "$work/said" ||
 as_stranger scripts/build.sh host kalvorn_tests_java kalvorn_library_tests simulate
 tests=('demo_.*' end_to_end unload simulate soak 'kalvornctl.*' exported_symbols format device_build)
 for test in "${tests[@]}"; do
-    as_stranger ctest --preset host -N -R "^$test\$" | grep -q '^  Test ' || { echo "No test is called $test."; exit 1; }
+    as_stranger ctest --preset host -N -R "^$test\$" | grep '^  Test ' >"$work/there" || { echo "No test is called $test."; exit 1; }
 done
 as_stranger ctest --preset host -R "^($(IFS='|'; echo "${tests[*]}"))\$"
