@@ -48,7 +48,7 @@ void ReadServices(const Words& words, size_t first, std::vector<Member>* members
 }
 
 Process ReadProcess(const Words& words) {
-    const Process process(words.begin() + 1, words.end());
+    Process process(words.begin() + 1, words.end());
     for (const string& service : process) {
         if (!IsService(service)) Refuse("no service \"" + service + "\"");
     }
