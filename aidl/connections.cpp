@@ -1,6 +1,5 @@
 #include <binder/IInterface.h>
 #include <binder/IServiceManager.h>
-#include <unistd.h>
 #include <utils/Errors.h>
 #include <utils/String16.h>
 
@@ -37,11 +36,6 @@ namespace native_aidl {
 KALVORN_NEVER_DESTROYED sp<DeathNotifier> g_deathNotifier;
 
 namespace {
-
-// A name may outlive its service for a moment, and then gives the dead one once more; and a proxy
-// may stay for as long as somebody else holds it.
-constexpr useconds_t kPause = 1000;
-constexpr int kTries = 1000;
 
 /** What tells one connector from another. */
 struct Service {
@@ -104,7 +98,8 @@ bool MayBeLinked(const sp<IBinder>& binder, int tries) {
 bool LinkAndPublish(const Service& wanted, const sp<IInterface>& service) {
     KV_LOGI("%s", wanted.linkText);
     const sp<IBinder> binder = IInterface::asBinder(service);
-    const bool isLinked = binder->linkToDeath(Notifier(), nullptr, 0) == android::OK;
+    const bool isLinked =
+            binder->linkToDeath(held::MadeOnce(&g_deathNotifier), nullptr, 0) == android::OK;
     if (held::Publish(static_cast<sp<IInterface>*>(wanted.global), service)) return true;
     if (isLinked) Unlink(binder);
     return false;
@@ -134,10 +129,6 @@ int Connect(const Service& wanted) {
 }
 
 }  // namespace
-
-const sp<DeathNotifier>& Notifier() {
-    return held::MadeOnce(&g_deathNotifier);
-}
 
 #define SERVICE(connector, query, Interface, global, instance, startText, nullText, linkText) \
     int connector() {                                                                         \

@@ -1,6 +1,5 @@
 #include <android/binder_ibinder.h>
 #include <android/binder_manager.h>
-#include <unistd.h>
 
 #include <memory>
 #include <string>
@@ -21,11 +20,6 @@ namespace {
 constexpr int32_t kAnySensor = -1;
 constexpr int32_t kNoUser = -1000;
 
-// A service that dies while it is asked for a session is asked for anew, but not for ever: one that
-// lives may answer as the dead do.
-constexpr int kTries = 1000;
-constexpr useconds_t kPause = 1000;
-
 /** Null when the service opens none, or has died. */
 std::shared_ptr<ISession> OpenSession(const std::shared_ptr<IFingerprint>& fingerprint) {
     std::shared_ptr<ISession> session;
@@ -40,13 +34,13 @@ std::shared_ptr<ISession> OpenSession(const std::shared_ptr<IFingerprint>& finge
  * meanwhile: its notice may have come when there was nothing to take, so both are taken back.
  */
 bool Connect(const std::shared_ptr<IFingerprint>& fingerprint,
-             const std::shared_ptr<ISession>& session) {
+             const std::shared_ptr<ISession>& session, int tries) {
     KV_LOGI("g_aidlFingerprintSession linkToDeath");
     AIBinder* const binder = session->asBinder().get();
     const bool isLinked = LinkSession(session);
     // Empty until now: a teardown empties it before the interface, which is this connector's.
     std::atomic_store(&g_aidlFingerprintSession, session);
-    if (AIBinder_ping(binder) == STATUS_OK) return true;
+    if (tries >= kTries || AIBinder_ping(binder) == STATUS_OK) return true;
     if (held::TakeBack(&g_aidlFingerprintSession, session)) {
         if (isLinked) UnlinkSession(session);
         held::TakeBack(&g_aidlFingerprint, fingerprint);
@@ -75,8 +69,8 @@ int InitFingerprintService() {
         }
         const std::shared_ptr<ISession> session = OpenSession(fingerprint);
         if (session != nullptr) {
-            if (Connect(fingerprint, session)) return 1;
-        } else if (tries == kTries || AIBinder_ping(binder.get()) == STATUS_OK) {
+            if (Connect(fingerprint, session, tries)) return 1;
+        } else if (tries >= kTries || AIBinder_ping(binder.get()) == STATUS_OK) {
             // intended: the interface of a living service stays, though it opens no session
             KV_LOGE("g_aidlFingerprintSession is null");
             return 0;

@@ -6,6 +6,7 @@
 #include <android/binder_auto_utils.h>
 #include <binder/IBinder.h>
 #include <binder/IInterface.h>
+#include <unistd.h>
 #include <utils/StrongPointer.h>
 #include <vendor/zantor/hardware/camera/factory/ICameraFactory.h>
 #include <vendor/zantor/hardware/light/ILight.h>
@@ -63,6 +64,12 @@ extern std::shared_ptr<ISessionCallback> g_aidlFingerprintSessionCallback;
 
 extern sp<DeathNotifier> g_deathNotifier;
 
+// A name may outlive its service for a moment, and then gives the dead one once more; and a living
+// one may answer as the dead do, for as long as somebody else holds its proxy. So a connector that
+// was given one of no use asks again, but not for ever.
+constexpr useconds_t kPause = 1000;
+constexpr int kTries = 1000;
+
 /** What the teardown and the connectors took out, until it may go. */
 extern kalvorn::held::Retired<android::IInterface> g_retired;
 
@@ -82,9 +89,6 @@ sp<IQxFactoryInterface> HeldFactory();
 
 /** Drops the retired services whose proxies are of no use, which no connector links any more. */
 void LetGoOfUseless();
-
-/** The one notifier of all services, made on first need. */
-const sp<DeathNotifier>& Notifier();
 
 /** Undoes the death link of a service. */
 void Unlink(const sp<android::IBinder>& binder);

@@ -4,7 +4,6 @@
 
 #include <stdio.h>
 #include <stdlib.h>
-#include <string.h>
 #include <unistd.h>
 
 #include <cmath>
@@ -60,14 +59,11 @@ class Figures {
                 std::string("\"$KALVORN_BENCH\" ") + what + " " + NameOf(backend);
         FILE* output = popen(command.c_str(), "r");
         Demand(output != nullptr, "no process");
-        char line[256] = "";
-        while (fgets(line, sizeof(line), output) != nullptr) {
-            char* value = strchr(line, ' ');
-            Demand(value != nullptr, "a process printed what is no figure");
-            *value++ = '\0';
-            value[strcspn(value, "\n")] = '\0';
-            mValues[line].push_back(value);
+        char place[128], value[128];
+        while (fscanf(output, "%127s %127[^\n]", place, value) == 2) {
+            mValues[place].emplace_back(value);
         }
+        Demand(feof(output) != 0, "a process printed what is no figure");
         Demand(pclose(output) == 0, "a process that measures failed");
     }
 
@@ -121,8 +117,9 @@ class Figures {
     }
     static bool IsRatio(const std::string& place) { return EndsWith(place, "/timesFloor"); }
     static std::vector<double> Numbers(const std::vector<std::string>& values) {
-        std::vector<double> numbers;
-        for (const std::string& value : values) numbers.push_back(std::stod(value));
+        std::vector<double> numbers(values.size());
+        std::transform(values.begin(), values.end(), numbers.begin(),
+                       [](const std::string& value) { return std::stod(value); });
         return numbers;
     }
 

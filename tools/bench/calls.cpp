@@ -164,8 +164,8 @@ void MeasurePairs(Backend backend, const std::vector<Row>& rows, bool quick) {
 
 void MeasureAlone(Backend backend, const Row& row, const char* figure, bool quick) {
     const int times = TimesOf(row.java, quick), turns = quick ? 1 : 31;
-    std::vector<double> found;
-    for (int i = 0; i < turns; i++) found.push_back(Turn(row.java, times));
+    std::vector<double> found(turns);
+    for (double& nanoseconds : found) nanoseconds = Turn(row.java, times);
     Print(backend, row, figure, found);
 }
 
