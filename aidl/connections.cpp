@@ -88,7 +88,7 @@ bool IsConnected(sp<IInterface>* global) {
  * may be held by others for ever, so the last try takes it if it can still tell of a death.
  */
 bool MayBeLinked(const sp<IBinder>& binder, int tries) {
-    return binder->isBinderAlive() || (tries >= kTries && !IsObituaryOut(binder));
+    return binder->isBinderAlive() || (tries >= held::kTries && !IsObituaryOut(binder));
 }
 
 /**
@@ -120,7 +120,7 @@ int Connect(const Service& wanted) {
         if (!MayBeLinked(IInterface::asBinder(service), tries)) {
             tries++;
             LetGoOfUseless();
-            usleep(kPause);
+            usleep(held::kPause);
         } else if (held::IsHeld(*global) || !LinkAndPublish(wanted, service)) {
             g_retired.Add(service, global);
         }

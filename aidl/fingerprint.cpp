@@ -33,17 +33,16 @@ std::shared_ptr<ISession> OpenSession(const std::shared_ptr<IFingerprint>& finge
  * Links and holds the session of the interface that this connector holds. False when it has died
  * meanwhile: its notice may have come when there was nothing to take, so both are taken back.
  */
-bool Connect(const std::shared_ptr<IFingerprint>& fingerprint,
-             const std::shared_ptr<ISession>& session, int tries) {
+bool Connect(const std::shared_ptr<ISession>& session, int tries) {
     KV_LOGI("g_aidlFingerprintSession linkToDeath");
     AIBinder* const binder = session->asBinder().get();
     const bool isLinked = LinkSession(session);
     // Empty until now: a teardown empties it before the interface, which is this connector's.
     std::atomic_store(&g_aidlFingerprintSession, session);
-    if (tries >= kTries || AIBinder_ping(binder) == STATUS_OK) return true;
+    if (tries >= held::kTries || AIBinder_ping(binder) == STATUS_OK) return true;
     if (held::TakeBack(&g_aidlFingerprintSession, session)) {
         if (isLinked) UnlinkSession(session);
-        held::TakeBack(&g_aidlFingerprint, fingerprint);
+        held::Take(&g_aidlFingerprint);  // without a session no teardown takes it
     }
     return false;
 }
@@ -69,15 +68,15 @@ int InitFingerprintService() {
         }
         const std::shared_ptr<ISession> session = OpenSession(fingerprint);
         if (session != nullptr) {
-            if (Connect(fingerprint, session, tries)) return 1;
-        } else if (tries >= kTries || AIBinder_ping(binder.get()) == STATUS_OK) {
+            if (Connect(session, tries)) return 1;
+        } else if (tries >= held::kTries || AIBinder_ping(binder.get()) == STATUS_OK) {
             // intended: the interface of a living service stays, though it opens no session
             KV_LOGE("g_aidlFingerprintSession is null");
             return 0;
         } else if (fingerprint != nullptr) {
-            held::TakeBack(&g_aidlFingerprint, fingerprint);
+            held::Take(&g_aidlFingerprint);
         }
-        usleep(kPause);
+        usleep(held::kPause);
     }
     return 1;
 }

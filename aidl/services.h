@@ -6,7 +6,6 @@
 #include <android/binder_auto_utils.h>
 #include <binder/IBinder.h>
 #include <binder/IInterface.h>
-#include <unistd.h>
 #include <utils/StrongPointer.h>
 #include <vendor/zantor/hardware/camera/factory/ICameraFactory.h>
 #include <vendor/zantor/hardware/light/ILight.h>
@@ -63,12 +62,6 @@ extern std::shared_ptr<ISession> g_aidlFingerprintSession;
 extern std::shared_ptr<ISessionCallback> g_aidlFingerprintSessionCallback;
 
 extern sp<DeathNotifier> g_deathNotifier;
-
-// A name may outlive its service for a moment, and then gives the dead one once more; and a living
-// one may answer as the dead do, for as long as somebody else holds its proxy. So a connector that
-// was given one of no use asks again, but not for ever.
-constexpr useconds_t kPause = 1000;
-constexpr int kTries = 1000;
 
 /** What the teardown and the connectors took out, until it may go. */
 extern kalvorn::held::Retired<android::IInterface> g_retired;

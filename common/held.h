@@ -1,6 +1,7 @@
 #pragma once
 
 #include <stdint.h>
+#include <unistd.h>
 #include <utils/RefBase.h>
 #include <utils/StrongPointer.h>
 
@@ -31,6 +32,11 @@ namespace kalvorn::held {
 #else
 #define KALVORN_NEVER_DESTROYED
 #endif
+
+// For a moment after a death its name still gives the dead service, and a living one may answer as
+// the dead do. So a connector that was given one of no use asks again, but not for ever.
+constexpr useconds_t kPause = 1000;
+constexpr int kTries = 1000;
 
 namespace internal {
 

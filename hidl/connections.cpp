@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <string>
 
 #include "hidl/services.h"
@@ -18,9 +16,6 @@ KALVORN_NEVER_DESTROYED sp<android::HidlUtil> g_hidlUtil;
 held::Retired<IBase> g_retired;
 
 namespace {
-
-// For a moment after a death the dead service may still be found.
-constexpr useconds_t kPause = 1000;
 
 /** What tells one connector from another. */
 struct Service {
@@ -51,11 +46,12 @@ bool Link(const sp<IBase>& service, const Service& wanted) {
 }
 
 // The notice of a death between the link and the publication finds nothing to take, so the
-// connector asks the service itself when it has published, and takes a dead one back.
+// connector asks the service itself when it has published, and takes a dead one back. The last try
+// takes what is there: a living service may answer as the dead do.
 void Connect(const Service& wanted) {
     KV_LOGD("%s", wanted.startText);
     auto* const global = static_cast<sp<IBase>*>(wanted.global);
-    while (!held::IsHeld(*global)) {
+    for (int tries = 1; !held::IsHeld(*global); tries++) {
         const sp<IBase> service = wanted.getService(wanted.instance);
         if (service == nullptr) {
             KV_LOGE("%s", wanted.nullText);
@@ -68,7 +64,7 @@ void Connect(const Service& wanted) {
         // A refused link goes unnoticed: the service is used all the same.
         const bool isLinked = Link(service, wanted);
         const bool isPublished = held::Publish(global, service);
-        if (isPublished && service->ping().isOk()) {
+        if (isPublished && (tries >= held::kTries || service->ping().isOk())) {
             // intended: registered anew on every connection, so a service that comes back often is
             // announced as often
             wanted.registerForNotifications("", g_hidlUtil);
@@ -78,7 +74,7 @@ void Connect(const Service& wanted) {
         if (isPublished && !held::TakeBack(global, service)) continue;
         if (isLinked) Unlink(service);
         g_retired.Add(service, global);
-        if (isPublished) usleep(kPause);
+        if (isPublished) usleep(held::kPause);
     }
 }
 

@@ -1,5 +1,6 @@
 // Notices, connectors and calls at the same moment, a step at a time: what a hook in the log does
 // between two lines is what another thread may do there.
+#include <binder/IServiceManager.h>
 #include <binder_host.h>
 #include <gmock/gmock.h>
 #include <hidl/hidl_host.h>
@@ -18,6 +19,8 @@ using namespace kalvorn;
 
 namespace {
 
+using android::hardware::Return;
+using android::hardware::Status;
 using host::KeepDeadNames;
 
 class OverlapTest : public LibraryTest {
@@ -148,6 +151,41 @@ TEST_F(OverlapTest, AProxyOfNoUseDoesNotOutlastADeath) {
     setLed();
     EXPECT_EQ(std::vector<std::string>{"aidl light.set_led_alwayson_status(1, 2)"},
               device.TakeCalls());
+}
+
+/** Lives, and answers pings as the dead do. */
+struct PingedInVain : native_hidl::ILight {
+    Return<void> ping() override { return Status::fromStatusT(android::DEAD_OBJECT); }
+    Return<int32_t> setLightsBrightness(int32_t, int32_t) override { return 0; }
+    Return<int32_t> set_led_alwayson_status(int32_t, int32_t) override { return 0; }
+};
+
+TEST_F(OverlapTest, ALivingServiceThatAnswersAsTheDeadDoIsNotAskedForEver) {
+    device.Start(kAidl, "fingerprint");
+    device.Script({{"createSession", {}, "", {}}, Fault::kDeadObject});
+    auto fingerprint = std::async(std::launch::async, native_aidl::InitFingerprintService);
+
+    host::DeclareHidlService(native_hidl::ILight::descriptor, "default");
+    EXPECT_EQ(android::OK, (new PingedInVain)->registerAsService("default"));
+    auto hidlLight = std::async(std::launch::async, native_hidl::InitLight);
+
+    device.Start(kAidl, "light");
+    device.Script("set_led_alwayson_status", Fault::kDeadObject);
+    const auto keptByOthers =
+            native_aidl::ILight::asInterface(android::defaultServiceManager()->checkService(
+                    native_aidl::ILight::descriptor + android::String16("/default")));
+    int32_t result;
+    keptByOthers->set_led_alwayson_status(1, 2, &result);
+    EXPECT_EQ(1, native_aidl::InitLight());
+    EXPECT_EQ(1u, device.DeathLinks(kAidl, "light"));
+
+    EXPECT_EQ(0, fingerprint.get());
+    EXPECT_TRUE(held::IsHeld(native_aidl::g_aidlFingerprint)) << "it lives, and refuses";
+    hidlLight.get();
+    EXPECT_TRUE(held::IsHeld(native_hidl::g_light));
+    host::ResetHidlRegistry();
+    native_hidl::ExitKvManager();
+    native_aidl::g_aidlFingerprint.reset();
 }
 
 // Two restarts wait for the same service; the one that comes second finds it connected.
