@@ -1,56 +1,61 @@
 package com.quorvin.kalvornii.ctl;
 
 import java.util.List;
-import java.util.concurrent.TimeoutException;
 
 /** "call", and what "run" has in common with it. */
 final class CallCommand {
+    private final Options options;
     private final Console console;
     private final Contract contract = Contract.read();
+    private Limit limit;
+    private Library library;
 
-    CallCommand(Console console) {
+    CallCommand(Options options, Console console) {
+        this.options = options;
         this.console = console;
     }
 
-    int call(Options options) throws UsageException, LoadException, TimeoutException {
-        options.allow(Integer.MAX_VALUE, "-v", "--json", "--yes", "--timeout", "--times");
-        Limit limit = options.limit();
+    int call() throws UsageException, Failure {
+        allow(Integer.MAX_VALUE, "-v", "--json", "--yes", "--timeout", "--times");
         int times = options.count("--times");
         if (options.has("--times") && options.has("-v")) {
             throw new UsageException("-v shows one call, and --times makes many");
         }
         Contract.Method method = method(options.words);
-        Object[] arguments = arguments(method, options);
-        Library library = new Library(console, limit);
-        boolean withLog = options.has("-v") || (options.has("--json") && !options.has("--times"));
-        if (!withLog) library.log.close();
-        if (options.has("--times")) return repeat(library, method, arguments, times, options);
-        Call call = library.call(method, arguments, withLog);
+        Object[] arguments;
+        try {
+            arguments = arguments(method, options.words);
+        } catch (UsageException e) {
+            throw options.explained(e);
+        }
+        if (options.has("--times")) return repeat(method, arguments, times);
+        Call call = make(method, arguments);
         if (options.has("--json")) {
             console.line(Json.of(call.members()));
         } else {
-            console.line(shown(call.result));
-            call.fields.forEach((name, text) -> console.line(name + ": " + shown(text)));
+            console.line(shown(call.result()));
+            call.fields().forEach((name, text) -> console.line(name + ": " + shown(text)));
         }
-        if (options.has("-v")) showLog(call, library.log);
-        if (!call.hasFailed()) return Main.DONE;
-        tellOfFailure(call, library);
-        return Main.ABSENT;
+        showLog(call);
+        return statusOf(call.hasFailed() ? call : null);
     }
 
-    private int repeat(Library library, Contract.Method method, Object[] arguments, int times,
-            Options options) throws LoadException, TimeoutException {
+    /** Refuses other options and more words. */
+    void allow(int most, String... names) throws UsageException {
+        options.allow(most, names);
+        limit = options.limit();
+    }
+
+    private int repeat(Contract.Method method, Object[] arguments, int times) throws Failure {
         Repetition repetition = new Repetition();
-        for (int i = 0; i < times; i++) repetition.add(library.call(method, arguments, false));
+        for (int i = 0; i < times; i++) repetition.add(make(method, arguments));
         if (options.has("--json")) {
             console.line(Json.of(repetition.members()));
         } else {
             repetition.results().forEach(console::line);
             console.note("    " + repetition.times());
         }
-        if (repetition.failed == null) return Main.DONE;
-        tellOfFailure(repetition.failed, library);
-        return Main.ABSENT;
+        return statusOf(repetition.failed);
     }
 
     /** Texts that would control a terminal are quoted there. */
@@ -60,29 +65,20 @@ final class CallCommand {
         return !console.isTerminal() || isPlain ? shown : Words.quote(shown);
     }
 
+    /** That which the first of the words names. */
     Contract.Method method(List<String> words) throws UsageException {
         if (words.isEmpty()) throw new UsageException("a METHOD is expected");
         return contract.find(words.get(0));
     }
 
-    /** The arguments after the method, which nothing keeps from being called then. */
-    Object[] arguments(Contract.Method method, Options options) throws UsageException {
-        List<String> words = options.words;
-        try {
-            return arguments(method, words.subList(1, words.size()), options);
-        } catch (UsageException e) {
-            throw options.explained(e);
-        }
-    }
-
-    Object[] arguments(Contract.Method method, List<String> words, Options options)
-            throws UsageException {
-        Object[] arguments = Values.parse(method, words);
-        if (method.name.equals("nativeWriteMiscToRecovery")) permitWriting(options);
+    /** The arguments that the words after the method say. */
+    Object[] arguments(Contract.Method method, List<String> words) throws UsageException {
+        Object[] arguments = method.parse(words.subList(1, words.size()));
+        if (method.name.equals("nativeWriteMiscToRecovery")) permitWriting();
         return arguments;
     }
 
-    private void permitWriting(Options options) throws UsageException {
+    private void permitWriting() throws UsageException {
         if (options.has("--yes") || Library.isSimulated()) return;
         String effect = "nativeWriteMiscToRecovery writes to the misc partition, so that the next "
                 + "boot is one into recovery.";
@@ -90,28 +86,42 @@ final class CallCommand {
         if (!console.ask(effect + " Write?")) throw new UsageException("nothing was written");
     }
 
-    void showLog(Call call, LogReader log) {
-        if (call.log == null) {
-            console.note("    (the log cannot be read: " + log.trouble() + ")");
-        } else {
-            call.log.forEach(line -> console.note("    " + line));
+    /** Makes a call; the first one loads the library. */
+    Call make(Contract.Method method, Object[] arguments) throws Failure {
+        boolean withLog = options.has("-v") || (options.has("--json") && !options.has("--times"));
+        if (library == null) {
+            library = new Library(console, limit, null);
+            if (!withLog) library.log.close();
         }
-        console.note(String.format("    %.3f ms", call.milliseconds));
+        return library.call(method, arguments, withLog);
     }
 
-    /** Whether a failed call was for want of an argument, the service being there. */
-    static boolean isForNull(Call call) {
-        return !call.nulls().isEmpty()
-                && Managers.backend(new Services().named(call.method.service)) != null;
+    /** Shows with -v what the library logged. */
+    void showLog(Call call) {
+        if (!options.has("-v")) return;
+        if (call.log() == null) {
+            console.note("    (the log cannot be read: " + library.log.trouble() + ")");
+        } else {
+            call.log().forEach(line -> console.note("    " + line));
+        }
+        console.note(String.format("    %.3f ms", call.milliseconds()));
     }
 
-    private void tellOfFailure(Call call, Library library) {
-        if (isForNull(call)) {
-            console.tell(call.method.name + ": null was given for "
-                    + String.join(", ", call.nulls()) + "; for the word itself write '\\null'");
+    /** The exit status; tells why the call failed that is not null. */
+    private int statusOf(Call failed) {
+        if (failed == null) return Main.DONE;
+        if (failed.isForNull()) {
+            console.tell(failed.method().name + ": null was given for "
+                    + String.join(", ", failed.nulls()) + "; for the word itself write '\\null'");
         } else {
-            console.tell(call.method.name + ": the " + call.method.service + " service is absent");
-            library.tellOfAbsence();
+            console.tell(failed.method().name + ": the " + failed.method().service
+                    + " service is absent");
+            tellOfAbsence();
         }
+        return Main.ABSENT;
+    }
+
+    void tellOfAbsence() {
+        library.tellOfAbsence();
     }
 }

@@ -1,14 +1,14 @@
 package com.quorvin.kalvornii.ctl;
 
+import static java.nio.charset.StandardCharsets.UTF_8;
+
 import java.io.FileDescriptor;
 import java.io.FileOutputStream;
-import java.io.FilterOutputStream;
 import java.io.IOException;
 import java.io.InputStream;
 import java.io.OutputStream;
-import java.io.PrintStream;
-import java.io.UnsupportedEncodingException;
 import java.util.Map;
+import java.util.regex.Pattern;
 
 /**
  * Where the command writes and reads, in UTF-8 whatever the locale. The scripts that start it tell
@@ -16,31 +16,14 @@ import java.util.Map;
  * KALVORN_SIZE is "ROWS COLUMNS" when standard output is.
  */
 final class Console {
+    private static final Pattern CONTROL = Pattern.compile("[\\p{Cc}&&[^\n]]");
+
     final Lines in;
-    private final Output output;
-    private final PrintStream out;
-    private final PrintStream err;
+    private final OutputStream out;
+    private final OutputStream err;
     private final String terminals;
     private final int[] size;
-
-    /** Standard output that keeps why it failed, which a PrintStream does not tell. */
-    private static final class Output extends FilterOutputStream {
-        private String trouble;
-
-        Output(OutputStream out) {
-            super(out);
-        }
-
-        @Override
-        public void write(byte[] bytes, int from, int length) throws IOException {
-            try {
-                out.write(bytes, from, length);
-            } catch (IOException e) {
-                trouble = e.getMessage();
-                throw e;
-            }
-        }
-    }
+    private String trouble;  // why standard output takes no more
 
     Console() {
         this(System.in, new FileOutputStream(FileDescriptor.out),
@@ -49,19 +32,10 @@ final class Console {
 
     Console(InputStream in, OutputStream out, OutputStream err, Map<String, String> environment) {
         this.in = new Lines(in);
-        output = new Output(out);
-        this.out = stream(output);
-        this.err = stream(err);
+        this.out = out;
+        this.err = err;
         terminals = environment.getOrDefault("KALVORN_TERMINALS", "");
         size = size(environment.getOrDefault("KALVORN_SIZE", ""));
-    }
-
-    private static PrintStream stream(OutputStream stream) {
-        try {
-            return new PrintStream(stream, true, "UTF-8");
-        } catch (UnsupportedEncodingException e) {
-            throw new IllegalStateException(e);
-        }
     }
 
     private static int[] size(String told) {
@@ -72,13 +46,16 @@ final class Console {
 
     /** A line of the result; on a terminal what would control it is escaped. */
     void line(String line) {
-        out.println(isTerminal() ? escaped(line) : line);
+        raw((isTerminal() ? escaped(line) : line) + "\n");
     }
 
     /** What has the terminal's controls in it, or is known to have none. */
     void raw(String text) {
-        out.print(text);
-        out.flush();
+        try {
+            if (trouble == null) out.write(text.getBytes(UTF_8));
+        } catch (IOException e) {
+            trouble = e.getMessage();
+        }
     }
 
     /** Says something about the command itself, on standard error. */
@@ -88,29 +65,31 @@ final class Console {
 
     /** A line for standard error as it is. */
     void note(String line) {
-        err.println(terminals.contains("2") ? escaped(line) : line);
+        tellRaw((terminals.contains("2") ? escaped(line) : line) + "\n");
+    }
+
+    private void tellRaw(String text) {
+        try {
+            err.write(text.getBytes(UTF_8));
+        } catch (IOException e) {
+            // There is no other place to tell it.
+        }
     }
 
     /** The text without control characters other than the newlines that this command puts in. */
     static String escaped(String text) {
-        StringBuilder line = new StringBuilder();
-        for (char c : text.toCharArray()) {
-            line.append(c == '\n' || !Character.isISOControl(c)
-                            ? String.valueOf(c)
-                            : String.format("\\x%02x", (int) c));
-        }
-        return line.toString();
+        return CONTROL.matcher(text).replaceAll(
+                found -> String.format("\\\\x%02x", (int) found.group().charAt(0)));
     }
 
     /** Why results were lost; null when none were, or nobody reads on. */
     String lost() {
-        boolean isUnread = output.trouble != null && output.trouble.contains("Broken pipe");
-        return isUnread ? null : output.trouble;
+        return isCut() && !trouble.contains("Broken pipe") ? trouble : null;
     }
 
     /** Whether nothing that is written arrives any more. */
     boolean isCut() {
-        return out.checkError();
+        return trouble != null;
     }
 
     boolean isTerminal() {
@@ -132,8 +111,7 @@ final class Console {
 
     /** Whether the answer to a question is yes. */
     boolean ask(String question) {
-        err.print(question + " [y/N] ");
-        err.flush();
+        tellRaw(question + " [y/N] ");
         try {
             String answer = in.next();
             return answer != null && answer.trim().matches("[yY]([eE][sS])?");

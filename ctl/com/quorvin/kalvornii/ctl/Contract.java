@@ -1,6 +1,8 @@
 package com.quorvin.kalvornii.ctl;
 
+import com.quorvin.kalvornii.KvNativeInterface;
 import java.util.ArrayList;
+import java.util.Arrays;
 import java.util.List;
 import java.util.Locale;
 import java.util.regex.Matcher;
@@ -25,8 +27,8 @@ final class Contract {
         final String type;
         final String name;
 
-        Parameter(String declared) {
-            String[] words = declared.trim().split("\\s+");
+        private Parameter(String declared) {
+            String[] words = declared.split("\\s+");
             type = words[0];
             name = words[1];
         }
@@ -47,10 +49,14 @@ final class Contract {
         private Method(Matcher part, String comment, String service) {
             name = part.group("name");
             result = part.group("result");
-            parameters = parameters(part.group("parameters"));
+            parameters = Pattern.compile(",")
+                                 .splitAsStream(part.group("parameters"))
+                                 .filter(declared -> !declared.isBlank())
+                                 .map(declared -> new Parameter(declared.trim()))
+                                 .toList();
             this.service = service;
             String text = comment.replaceAll("(?m)^ *\\* ?", "");
-            fields = matches(FIELD, text);
+            fields = FIELD.matcher(text).results().map(found -> found.group(1)).distinct().toList();
             doc = text.replaceAll("\\{@link\\s+#?([^\\}\\s]+)\\s*\\}", "$1").trim();
         }
 
@@ -71,6 +77,41 @@ final class Contract {
 
         String serviceName() {
             return service == null ? "no service" : service;
+        }
+
+        /** The method to call; to ask for it does not load the library. */
+        java.lang.reflect.Method reflected() {
+            return Arrays.stream(KvNativeInterface.class.getMethods())
+                    .filter(method -> method.getName().equals(name))
+                    .findFirst()
+                    .orElseThrow();
+        }
+
+        Class<?>[] types() {
+            return reflected().getParameterTypes();
+        }
+
+        /** The arguments that words say. */
+        Object[] parse(List<String> words) throws UsageException {
+            List<String> names = parameters.stream().map(parameter -> parameter.name).toList();
+            try {
+                return Values.parse(types(), names, words);
+            } catch (UsageException e) {
+                throw expected(e);
+            }
+        }
+
+        /** The result that words say. */
+        Object parseResult(List<String> words) throws UsageException {
+            try {
+                return Values.parse(reflected().getReturnType(), words);
+            } catch (UsageException e) {
+                throw expected(new UsageException("after = " + e.getMessage()));
+            }
+        }
+
+        private UsageException expected(UsageException fault) {
+            return new UsageException(fault.getMessage() + "\n  " + declaration());
         }
 
         private String key() {
@@ -133,21 +174,5 @@ final class Contract {
 
     private static String key(String name) {
         return name.toLowerCase(Locale.ROOT).replace("native", "");
-    }
-
-    private static List<Parameter> parameters(String declared) {
-        List<Parameter> parameters = new ArrayList<>();
-        if (declared.trim().isEmpty()) return parameters;
-        for (String parameter : declared.split(",")) parameters.add(new Parameter(parameter));
-        return parameters;
-    }
-
-    private static List<String> matches(Pattern pattern, String text) {
-        List<String> found = new ArrayList<>();
-        Matcher matcher = pattern.matcher(text);
-        while (matcher.find()) {
-            if (!found.contains(matcher.group(1))) found.add(matcher.group(1));
-        }
-        return found;
     }
 }

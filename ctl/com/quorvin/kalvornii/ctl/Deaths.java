@@ -12,18 +12,11 @@ import java.util.Map;
  * name none.
  */
 final class Deaths {
-    static final class Death {
-        final String service;
-        final String time = now();
-
-        Death(String service) {
-            this.service = service;
-        }
-    }
+    record Death(String service, String time) {}
 
     private final Map<String, Object> linked = new HashMap<>();
     private final Map<String, Object> died = new HashMap<>();
-    private final Map<String, Death> last = new HashMap<>();
+    private final Map<String, String> times = new HashMap<>();
     private List<Death> untaken = new ArrayList<>();
 
     /** The time of day, as the log tells it. */
@@ -51,8 +44,8 @@ final class Deaths {
     private synchronized void tell(String name, Object binder) {
         if (!linked.remove(name, binder)) return;  // known already
         died.put(name, binder);
-        last.put(name, new Death(name));
-        untaken.add(last.get(name));
+        times.put(name, now());
+        untaken.add(new Death(name, times.get(name)));
     }
 
     /** The deaths since the last time. */
@@ -64,7 +57,6 @@ final class Deaths {
 
     /** When a service last died; null when it did not. */
     synchronized String timeOf(Services.Service service) {
-        Death death = last.get(service.name);
-        return death == null ? null : death.time;
+        return times.get(service.name);
     }
 }

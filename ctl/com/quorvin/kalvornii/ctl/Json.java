@@ -1,11 +1,10 @@
 package com.quorvin.kalvornii.ctl;
 
-import java.lang.reflect.Field;
 import java.util.Arrays;
+import java.util.HexFormat;
 import java.util.LinkedHashMap;
 import java.util.Map;
 import java.util.regex.Pattern;
-import java.util.stream.Collectors;
 import org.json.JSONObject;
 
 /** Values as JSON on one line; bytes are a text of hexadecimal digits. */
@@ -13,6 +12,15 @@ final class Json {
     private static final Pattern LONE_SURROGATE = Pattern.compile("\\p{Cs}");  // not UTF-8
 
     private Json() {}
+
+    /** Of names and values, in this order. */
+    static Map<String, Object> members(Object... namesAndValues) {
+        Map<String, Object> members = new LinkedHashMap<>();
+        for (int i = 0; i < namesAndValues.length; i += 2) {
+            members.put((String) namesAndValues[i], plain(namesAndValues[i + 1]));
+        }
+        return members;
+    }
 
     static String of(Map<String, Object> members) {
         Map<String, Object> plain = new LinkedHashMap<>();
@@ -22,16 +30,9 @@ final class Json {
     }
 
     /** A value of kinds that the library of JSON knows. */
-    static Object plain(Object value) {
-        if (value instanceof byte[]) return HexText.of((byte[]) value);
-        if (value instanceof Object[]) {
-            return Arrays.stream((Object[]) value).map(Json::plain).collect(Collectors.toList());
-        }
-        if (value == null || !Values.isRecord(value.getClass())) return value;
-        Map<String, Object> members = new LinkedHashMap<>();
-        for (Field field : Values.fields(value.getClass())) {
-            members.put(field.getName(), Values.valueOf(field, value));
-        }
-        return members;
+    private static Object plain(Object value) {
+        if (value instanceof byte[] bytes) return HexFormat.of().formatHex(bytes);
+        if (value instanceof Object[] all) return Arrays.stream(all).map(Json::plain).toList();
+        return value == null || !Values.isRecord(value.getClass()) ? value : Values.members(value);
     }
 }

@@ -4,7 +4,6 @@ import android.os.Process;
 import com.quorvin.kalvornii.KvNativeInterface;
 import java.lang.reflect.InvocationTargetException;
 import java.lang.reflect.Method;
-import java.util.ArrayList;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
@@ -22,22 +21,11 @@ final class Library {
     private final Limit limit;
     private Throwable failure;
 
-    /** Loads the library, and tells which service a load that takes long waits for. */
-    Library(Console console, Limit limit) throws LoadException, TimeoutException {
-        this(console, limit, null);
-    }
-
-    /** The same, for what has to be read from the log; links the services to those deaths. */
-    static Library withLog(Console console, Limit limit, Deaths deaths)
-            throws LoadException, TimeoutException {
-        Library library = new Library(console, limit, deaths);
-        if (library.log.trouble() == null) return library;
-        throw new LoadException("the library has loaded, but only its log tells of the services, "
-                + "and that cannot be read: " + library.log.trouble());
-    }
-
-    private Library(Console console, Limit limit, Deaths deaths)
-            throws LoadException, TimeoutException {
+    /**
+     * Loads the library, and tells which service a load that takes long waits for; meanwhile links
+     * the services to the deaths, or for null to none.
+     */
+    Library(Console console, Limit limit, Deaths deaths) throws Failure {
         this.console = console;
         this.limit = limit;
         Thread loader = new Thread(this::load, "load");
@@ -52,12 +40,26 @@ final class Library {
             List<LogLine> lines = log.upToNow();
             services.take(lines);
             if (deaths != null) deaths.link(services);
-            if (failure != null) throw new LoadException(reason(lines));
+            if (failure != null) throw new Failure(Main.NOT_LOADED, reason(lines));
             if (!loads) return;
             String wait = whatItWaitsFor();
-            if (step == 0) throw new TimeoutException(wait + "; given up after " + limit);
+            if (step == 0) {
+                throw new Failure(Main.UNANSWERED, wait + "; given up after " + limit);
+            }
             if (step == PATIENCE_MILLISECONDS && !wait.equals(told)) console.tell(told = wait);
         }
+    }
+
+    /** The same, for what has to be read from the log. */
+    static Library withLog(Console console, Limit limit, Deaths deaths) throws Failure {
+        Library library = new Library(console, limit, deaths);
+        if (library.log.trouble() != null) {
+            throw new Failure(Main.NOT_LOADED,
+                    "the library has loaded, but only its log tells of the services, and that "
+                            + "cannot be read: " + library.log.trouble());
+        }
+        if (library.services.isAnyAbsent()) library.tellOfAbsence();
+        return library;
     }
 
     private static void join(Thread thread, long milliseconds) {
@@ -99,38 +101,36 @@ final class Library {
     }
 
     /** Calls a method, with the log of the call while the log is open. */
-    Call call(Contract.Method method, Object[] arguments, boolean withLog)
-            throws LoadException, TimeoutException {
+    Call call(Contract.Method method, Object[] arguments, boolean withLog) throws Failure {
         if (withLog) log.upToNow();
         try {
             Call call = limit.run(() -> timed(method, arguments));
-            if (withLog) call.log = logOf(call);
-            return call;
+            return withLog ? call.withLog(logOf(call)) : call;
         } catch (TimeoutException e) {
-            throw new TimeoutException(method.name + ": no answer after " + limit);
+            throw new Failure(Main.UNANSWERED, method.name + ": no answer after " + limit);
         } catch (ExecutionException e) {
             Throwable cause = e.getCause();
-            throw new LoadException(method.name + ": "
-                    + (cause instanceof InvocationTargetException ? cause.getCause() : cause));
+            throw new Failure(Main.NOT_LOADED,
+                    method.name + ": "
+                            + (cause instanceof InvocationTargetException ? cause.getCause()
+                                                                          : cause));
         }
     }
 
     private static Call timed(Contract.Method method, Object[] arguments)
             throws ReflectiveOperationException {
-        Class<?>[] types = method.parameters.stream()
-                                   .map(parameter -> Values.typeOf(parameter.type))
-                                   .toArray(Class<?>[] ::new);
-        Method called = KvNativeInterface.class.getMethod(method.name, types);
+        Method called = method.reflected();
         KvNativeInterface kv = new KvNativeInterface();
         long start = System.nanoTime();
         Object result = called.invoke(kv, arguments);
         double milliseconds = (System.nanoTime() - start) / 1e6;
-        return new Call(method, arguments, result, fields(method), milliseconds, Process.myTid());
+        return new Call(
+                method, arguments, result, fields(method), milliseconds, Process.myTid(), null);
     }
 
     private List<LogLine> logOf(Call call) {
-        List<LogLine> lines = new ArrayList<>(log.upToNow());
-        lines.removeIf(line -> line.tid != call.thread);
+        List<LogLine> lines = log.upToNow();
+        lines.removeIf(line -> line.tid != call.thread());
         return log.trouble() == null ? lines : null;
     }
 

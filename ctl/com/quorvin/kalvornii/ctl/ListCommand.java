@@ -1,20 +1,14 @@
 package com.quorvin.kalvornii.ctl;
 
-import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Locale;
 import java.util.Map;
-import java.util.stream.Collectors;
 
 /** "list". */
 final class ListCommand {
-    private final Console console;
+    private ListCommand() {}
 
-    ListCommand(Console console) {
-        this.console = console;
-    }
-
-    int list(Options options) throws UsageException {
+    static int list(Options options, Console console) throws UsageException {
         options.allow(1, "--json");
         String word = options.words.isEmpty() ? "" : options.words.get(0).toLowerCase(Locale.ROOT);
         List<Contract.Method> found =
@@ -22,9 +16,9 @@ final class ListCommand {
                         .methods()
                         .stream()
                         .filter(method -> row(method).toLowerCase(Locale.ROOT).contains(word))
-                        .collect(Collectors.toList());
+                        .toList();
         if (found.isEmpty()) throw new UsageException("no method has to do with \"" + word + "\"");
-        for (Contract.Method method : found) show(method, options.has("--json"));
+        for (Contract.Method method : found) show(method, options.has("--json"), console);
         return Main.DONE;
     }
 
@@ -33,33 +27,29 @@ final class ListCommand {
     }
 
     /** On a terminal two lines, elsewhere one whose three parts are parted by tabs. */
-    private void show(Contract.Method method, boolean json) {
+    private static void show(Contract.Method method, boolean json, Console console) {
         if (json) {
             console.line(Json.of(members(method)));
         } else if (console.isTerminal()) {
-            wrap(method.declaration(), "        ", 0);
-            wrap(method.serviceName() + ": " + method.summary(), "    ", 4);
+            wrap(method.declaration(), "        ", 0, console);
+            wrap(method.serviceName() + ": " + method.summary(), "    ", 4, console);
         } else {
             console.line(row(method));
         }
     }
 
     private static Map<String, Object> members(Contract.Method method) {
-        Map<String, Object> members = new LinkedHashMap<>();
-        members.put("method", method.name);
-        members.put("service", method.service);
-        members.put("result", method.result);
-        members.put("parameters",
+        List<Map<String, String>> parameters =
                 method.parameters.stream()
                         .map(parameter -> Map.of("type", parameter.type, "name", parameter.name))
-                        .collect(Collectors.toList()));
-        members.put("fields", method.fields);
-        members.put("text", method.summary());
-        return members;
+                        .toList();
+        return Json.members("method", method.name, "service", method.service, "result",
+                method.result, "parameters", parameters, "fields", method.fields, "text",
+                method.summary());
     }
 
     /** Words on lines of the terminal's width, of which the later ones, or all, are indented. */
-    private void wrap(String text, String indent, int first) {
+    private static void wrap(String text, String indent, int first, Console console) {
         StringBuilder line = new StringBuilder(indent.substring(0, first));
         for (String word : text.split(" ")) {
             if (line.length() + word.length() >= console.columns()) {

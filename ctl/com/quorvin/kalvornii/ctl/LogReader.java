@@ -8,6 +8,7 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.concurrent.LinkedBlockingQueue;
 import java.util.concurrent.TimeUnit;
+import java.util.concurrent.locks.LockSupport;
 
 /**
  * This process's own log, read through logcat while it runs. Whether a line has arrived is told by
@@ -117,7 +118,7 @@ final class LogReader implements Closeable {
             String line = poll(TimeUnit.NANOSECONDS.toMillis(end - System.nanoTime()));
             if (line == null) return null;
             if (line == END) {
-                WaitCommand.pause(END_MILLISECONDS);
+                LockSupport.parkNanos(TimeUnit.MILLISECONDS.toNanos(END_MILLISECONDS));
                 trouble = "logcat has ended";
                 return null;
             }

@@ -1,7 +1,6 @@
 package com.quorvin.kalvornii.ctl;
 
 import java.io.IOException;
-import java.util.concurrent.TimeoutException;
 
 /** The command kalvornctl; help.txt tells what it takes. */
 public final class Main {
@@ -27,12 +26,9 @@ public final class Main {
         } catch (UsageException | IOException e) {
             console.tell(e instanceof IOException ? e.toString() : e.getMessage());
             status = USAGE;
-        } catch (LoadException e) {
+        } catch (Failure e) {
             console.tell(e.getMessage());
-            status = NOT_LOADED;
-        } catch (TimeoutException e) {
-            console.tell(e.getMessage());
-            status = UNANSWERED;
+            status = e.status;
         } catch (RuntimeException | LinkageError e) {
             e.printStackTrace();  // a fault of this command or its installation
             status = NOT_LOADED;
@@ -43,32 +39,38 @@ public final class Main {
     }
 
     private static int run(Options options, Console console)
-            throws UsageException, LoadException, IOException, TimeoutException {
-        HelpCommand help = new HelpCommand(console);
-        if (options.has("--version")) return help.version();
-        if (options.command == null && !options.has("--help")) {
-            throw new UsageException("a command is expected; --help tells which");
-        }
-        if (options.has("--help")) return help.on(options.command);
-        switch (options.command) {
+            throws UsageException, Failure, IOException {
+        String command = options.has("--version") ? "--version"
+                : options.has("--help")           ? "--help"
+                                                  : options.command;
+        if (command == null) throw new UsageException("a command is expected; --help tells which");
+        switch (command) {
+            case "--version":
+                console.raw(Help.version());
+                return DONE;
+            case "--help":
+                console.raw(Help.on(options.command));
+                return DONE;
             case "list":
-                return new ListCommand(console).list(options);
+                return ListCommand.list(options, console);
             case "help":
-                return help.help(options);
+                console.raw(Help.help(options));
+                return DONE;
             case "status":
-                return new StatusCommand(console).status(options);
+                return StatusCommand.status(options, console);
             case "wait":
-                return new WaitCommand(console).await(options);
+                return WaitCommand.await(options, console);
             case "call":
-                return new CallCommand(console).call(options);
+                return new CallCommand(options, console).call();
             case "run":
-                return new RunCommand(console).run(options);
+                return new RunCommand(options, console).run();
             case "watch":
                 return new WatchCommand(console).watch(options);
             case "completion":
-                return new CompletionCommand(console).completion(options);
+                console.raw(Help.completion(options));
+                return DONE;
             default:
-                throw Help.unknown(options.command);
+                throw Help.unknown(command);
         }
     }
 }

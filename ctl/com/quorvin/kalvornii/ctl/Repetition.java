@@ -13,34 +13,34 @@ final class Repetition {
     /** One that failed; null when none did. */
     Call failed;
     private final Map<String, Integer> counts = new LinkedHashMap<>();
-    private final Map<String, Object> results = new LinkedHashMap<>();
+    private final Map<String, Call> firsts = new LinkedHashMap<>();
     private final List<Double> milliseconds = new ArrayList<>();
-    private Call last;
 
     void add(Call call) {
-        String result = Values.words(call.result);
+        String result = Values.words(call.result());
         counts.merge(result, 1, Integer::sum);
-        results.put(result, call.result);
-        milliseconds.add(call.milliseconds);
+        firsts.putIfAbsent(result, call);
+        milliseconds.add(call.milliseconds());
         if (call.hasFailed()) failed = call;
-        last = call;
+    }
+
+    private Call first() {
+        return firsts.values().iterator().next();
     }
 
     /** A line for each result that came, with how often when there is more than one. */
     List<String> results() {
+        if (counts.size() == 1) return List.of(Values.show(first().result()));
         return counts.entrySet()
                 .stream()
-                .map(entry
-                        -> counts.size() == 1 ? Values.show(last.result)
-                                              : entry.getValue() + "\t" + entry.getKey())
-                .collect(Collectors.toList());
+                .map(entry -> entry.getValue() + "\t" + entry.getKey())
+                .toList();
     }
 
     /** The shortest time, the percentiles by the nearest rank, and the longest. */
     private Map<String, Object> percentiles() {
         double[] sorted = milliseconds.stream().mapToDouble(Double::doubleValue).sorted().toArray();
-        Map<String, Object> times = new LinkedHashMap<>();
-        times.put("min", Call.rounded(sorted[0]));
+        Map<String, Object> times = Json.members("min", Call.rounded(sorted[0]));
         for (int percent : PERCENTILES) {
             int rank = (int) Math.ceil(sorted.length * (percent / 100.0));
             times.put("p" + percent, Call.rounded(sorted[rank - 1]));
@@ -60,19 +60,11 @@ final class Repetition {
 
     /** What goes on a line of JSON. */
     Map<String, Object> members() {
-        Map<String, Object> members = new LinkedHashMap<>();
-        members.put("method", last.method.name);
-        members.put("arguments", last.arguments);
-        members.put("calls", milliseconds.size());
-        List<Object> found = new ArrayList<>();
-        counts.forEach((result, count) -> {
-            Map<String, Object> row = new LinkedHashMap<>();
-            row.put("result", Json.plain(results.get(result)));
-            row.put("count", count);
-            found.add(row);
+        List<Object> results = new ArrayList<>();
+        firsts.forEach((result, call) -> {
+            results.add(Json.members("result", call.result(), "count", counts.get(result)));
         });
-        members.put("results", found);
-        members.put("milliseconds", percentiles());
-        return members;
+        return Json.members("method", first().method().name, "arguments", first().arguments(),
+                "calls", milliseconds.size(), "results", results, "milliseconds", percentiles());
     }
 }

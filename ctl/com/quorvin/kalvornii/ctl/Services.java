@@ -4,9 +4,12 @@ import java.util.ArrayList;
 import java.util.HashMap;
 import java.util.List;
 import java.util.Map;
+import java.util.Objects;
+import java.util.Optional;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 import java.util.stream.Collectors;
+import java.util.stream.Stream;
 
 /**
  * The thirteen services and who holds each, as the library's log tells it. The lines of one
@@ -27,13 +30,15 @@ final class Services {
         /** The service manager's name for it. */
         final String instance;
         private final String start;
+        private final String exit;
         private String said;
         private boolean held;
         private boolean denied;
 
-        private Link(String start, String instance) {
+        private Link(String start, String instance, String exit) {
             this.start = start;
             this.instance = VENDOR + instance;
+            this.exit = exit;
         }
 
         /** Denials over HIDL name the interface without its version and instance. */
@@ -59,6 +64,10 @@ final class Services {
             this.hidl = hidl;
         }
 
+        private Stream<Link> links() {
+            return Stream.of(aidl, hidl).filter(Objects::nonNull);
+        }
+
         /** The backend that serves its methods. */
         String backend() {
             if (aidl.held) return "AIDL";
@@ -72,15 +81,15 @@ final class Services {
 
         /** Whether the platform's policy keeps this process from it, as far as the log tells. */
         boolean isDenied() {
-            return aidl.denied || (hidl != null && hidl.denied);
+            return links().anyMatch(link -> link.denied);
         }
 
         /** The library's last words on it, in one line. */
         String said() {
-            List<String> said = new ArrayList<>();
-            if (aidl.said != null) said.add(aidl.said());
-            if (!aidl.held && hidl != null && hidl.said != null) said.add(hidl.said());
-            return String.join("; ", said);
+            return links()
+                    .filter(link -> link.said != null && (link == aidl || !aidl.held))
+                    .map(Link::said)
+                    .collect(Collectors.joining("; "));
         }
     }
 
@@ -119,14 +128,14 @@ final class Services {
         add("satellite", "InitChipSrvSat", "ztchipsrvsat.IZtChipSrvSat/ztchipsrv_sat");
     }
 
-    private void add(String name, String aidlStart, String aidlInstance) {
-        all.add(new Service(name, new Link(aidlStart, aidlInstance), null));
+    /** Rows: the name, then start and instance over AIDL, and where there is one, over HIDL. */
+    private void add(String... row) {
+        Link hidl = row.length == 3 ? null : new Link(row[3], row[4], "ExitKvManager by hidl");
+        all.add(new Service(row[0], new Link(row[1], row[2], "ExitKvManager by aidl"), hidl));
     }
 
-    private void add(String name, String aidlStart, String aidlInstance, String hidlStart,
-            String hidlInstance) {
-        all.add(new Service(
-                name, new Link(aidlStart, aidlInstance), new Link(hidlStart, hidlInstance)));
+    private Stream<Link> links() {
+        return all.stream().flatMap(Service::links);
     }
 
     /** In the order of connection. */
@@ -135,7 +144,7 @@ final class Services {
     }
 
     List<String> names() {
-        return all.stream().map(service -> service.name).collect(Collectors.toList());
+        return all.stream().map(service -> service.name).toList();
     }
 
     /** The service of a name that the contract has. */
@@ -160,14 +169,14 @@ final class Services {
 
     /** Follows a line of the library's log. */
     void take(LogLine line) {
-        for (Service service : all) {
-            if (line.text.equals("ExitKvManager by aidl")) release(service.aidl, line);
-            if (line.text.equals("ExitKvManager by hidl")) release(service.hidl, line);
-        }
-        Link started = startedBy(line.text);
-        if (started != null) {
-            connecting.put(line.tid, started);
-            last = started;
+        links().filter(link -> link.held && line.text.equals(link.exit)).forEach(link -> {
+            link.held = false;
+            link.said = line.text;
+        });
+        Optional<Link> started = links().filter(link -> line.text.equals(link.start)).findFirst();
+        if (started.isPresent()) {
+            last = started.get();
+            connecting.put(line.tid, last);
             return;
         }
         Link link = connecting.get(line.tid);
@@ -178,20 +187,6 @@ final class Services {
         } else {
             connecting.remove(line.tid);
         }
-    }
-
-    private static void release(Link link, LogLine line) {
-        if (link == null || !link.held) return;
-        link.held = false;
-        link.said = line.text;
-    }
-
-    private Link startedBy(String text) {
-        for (Service service : all) {
-            if (text.equals(service.aidl.start)) return service.aidl;
-            if (service.hidl != null && text.equals(service.hidl.start)) return service.hidl;
-        }
-        return null;
     }
 
     /** What the last connector to start looks for; null when none has started. */
@@ -214,9 +209,6 @@ final class Services {
     }
 
     private void deny(String name) {
-        for (Service service : all) {
-            service.aidl.denied |= service.aidl.isNamed(name);
-            if (service.hidl != null) service.hidl.denied |= service.hidl.isNamed(name);
-        }
+        links().filter(link -> link.isNamed(name)).forEach(link -> link.denied = true);
     }
 }

@@ -1,52 +1,41 @@
 package com.quorvin.kalvornii.ctl;
 
-import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
-import java.util.concurrent.TimeoutException;
 
 /** "status". */
 final class StatusCommand {
     private static final String ROW = "%-15s  %-4s  %-84s  %s";  // 84: the longest instance
     private static final String NARROW_ROW = "%-15s  %-4s  %s";
 
-    private final Console console;
+    private StatusCommand() {}
 
-    StatusCommand(Console console) {
-        this.console = console;
-    }
-
-    int status(Options options) throws UsageException, LoadException, TimeoutException {
+    static int status(Options options, Console console) throws UsageException, Failure {
         options.allow(1, "--json", "--timeout");
         String name = options.words.isEmpty() ? null : options.words.get(0);
         if (name != null) new Services().find(name);
         Deaths deaths = new Deaths();
         Library library = Library.withLog(console, options.limit(), deaths);
         library.log.close();
-        if (library.services.isAnyAbsent()) library.tellOfAbsence();
         List<Services.Service> shown =
                 name == null ? library.services.all() : List.of(library.services.find(name));
         for (Services.Service service : shown) {
             String died = deaths.timeOf(service);
-            console.line(
-                    options.has("--json") ? Json.of(members(service, died)) : row(service, died));
+            console.line(options.has("--json") ? Json.of(members(service, died))
+                                               : row(service, died, console));
         }
         boolean isAbsent = name != null && shown.get(0).backend().equals("none");
         return isAbsent ? Main.ABSENT : Main.DONE;
     }
 
     private static Map<String, Object> members(Services.Service service, String died) {
-        Map<String, Object> members = new LinkedHashMap<>();
-        members.put("service", service.name);
-        members.put("backend", service.backend().equals("none") ? null : service.backend());
-        members.put("instance", service.instance());
-        members.put("said", service.said());
-        members.put("died", died);
-        return members;
+        String backend = service.backend().equals("none") ? null : service.backend();
+        return Json.members("service", service.name, "backend", backend, "instance",
+                service.instance(), "said", service.said(), "died", died);
     }
 
     /** On a narrow terminal a line for each part that would not fit beside the others. */
-    private String row(Services.Service service, String died) {
+    private static String row(Services.Service service, String died, Console console) {
         String said = (died == null ? "" : "died at " + died + "; ") + service.said();
         String row = String.format(ROW, service.name, service.backend(), service.instance(), said);
         if (!console.isTerminal() || row.length() <= console.columns()) return row;

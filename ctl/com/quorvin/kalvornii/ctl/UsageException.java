@@ -1,7 +1,7 @@
 package com.quorvin.kalvornii.ctl;
 
 /** What the user wrote cannot be done; the message says what was expected. Nothing was called. */
-final class UsageException extends Exception {
+public final class UsageException extends Exception {
     private static final long serialVersionUID = 1;
 
     UsageException(String message) {

@@ -5,7 +5,10 @@ import com.quorvin.kalvornii.BigDataValue;
 import java.lang.reflect.Field;
 import java.util.ArrayList;
 import java.util.Arrays;
+import java.util.HexFormat;
+import java.util.LinkedHashMap;
 import java.util.List;
+import java.util.Map;
 import java.util.stream.Collectors;
 
 /**
@@ -13,71 +16,52 @@ import java.util.stream.Collectors;
  * bytes as hexadecimal digits, a record as "field=value" words. The word null is null, and \null
  * the text "null"; of more backslashes before it one is taken off likewise.
  */
-final class Values {
+public final class Values {
     private static final String NUMBER = "-?(0[xX][0-9a-fA-F]{1,8}|[0-9]{1,10})";
     private static final String ESCAPED = "\\\\+null";
 
     private Values() {}
 
-    static Class<?> typeOf(String name) {
-        switch (name) {
-            case "int":
-                return int.class;
-            case "int[]":
-                return int[].class;
-            case "byte[]":
-                return byte[].class;
-            case "String":
-                return String.class;
-            case "BigDataOperation":
-                return BigDataOperation.class;
-            case "BigDataValue":
-                return BigDataValue.class;
-            default:
-                throw new IllegalStateException("The contract has an unknown type, " + name);
-        }
-    }
-
     static boolean isRecord(Class<?> type) {
         return type == BigDataOperation.class || type == BigDataValue.class;
     }
 
-    /** The arguments for a method. */
-    static Object[] parse(Contract.Method method, List<String> words) throws UsageException {
-        List<Contract.Parameter> parameters = method.parameters;
-        Object[] values = new Object[parameters.size()];
+    /** The arguments of those types; a record takes all words that are left. */
+    public static Object[] parse(Class<?>[] types, List<String> names, List<String> words)
+            throws UsageException {
+        Object[] values = new Object[types.length];
         int used = 0;
         for (int i = 0; i < values.length; i++) {
-            Contract.Parameter parameter = parameters.get(i);
-            Class<?> type = typeOf(parameter.type);
+            int end = isRecord(types[i]) ? words.size() : Math.min(used + 1, words.size());
             try {
-                if (isRecord(type)) {
-                    values[i] = record(type, words.subList(used, words.size()));
-                    used = words.size();
-                } else if (used < words.size()) {
-                    values[i] = parse(type, words.get(used++));
-                } else {
-                    throw new UsageException("no value is given");
-                }
+                values[i] = parse(types[i], words.subList(used, end));
             } catch (UsageException e) {
-                throw expected(method, parameter.name + ": " + e.getMessage());
+                throw new UsageException(names.get(i) + ": " + e.getMessage());
             }
+            used = end;
         }
-        if (used < words.size()) {
-            throw expected(method, "\"" + words.get(used) + "\" is one argument too many");
-        }
-        return values;
+        if (used == words.size()) return values;
+        throw new UsageException("\"" + words.get(used) + "\" is one argument too many");
     }
 
-    private static UsageException expected(Contract.Method method, String fault) {
-        return new UsageException(fault + "\n  " + method.declaration());
+    /** A value of that type: of one word, or for a record or an array of several numbers of all. */
+    public static Object parse(Class<?> type, List<String> words) throws UsageException {
+        if (isRecord(type)) return record(type, words);
+        if (type == int[].class) {
+            int[] numbers = new int[words.size()];
+            for (int i = 0; i < numbers.length; i++) numbers[i] = number(words.get(i));
+            return numbers;
+        }
+        if (words.isEmpty()) throw new UsageException("no value is given");
+        if (words.size() == 1) return parse(type, words.get(0));
+        throw new UsageException("one word is expected; quote a text with blanks");
     }
 
     /** A value of that type: int, String or byte[]. */
     static Object parse(Class<?> type, String word) throws UsageException {
         if (type == int.class) return number(word);
         if (word.equals("null")) return null;
-        if (type == byte[].class) return HexText.parse(word);
+        if (type == byte[].class) return bytes(word);
         return word.matches(ESCAPED) ? word.substring(1) : word;
     }
 
@@ -88,18 +72,23 @@ final class Values {
 
     private static int number(String word) throws UsageException {
         if (isNumber(word)) {
-            boolean negative = word.startsWith("-");
-            String digits = word.substring(negative ? 1 : 0);
-            boolean hex = digits.startsWith("0x") || digits.startsWith("0X");
-            long size = hex ? Long.parseLong(digits.substring(2), 16) : Long.parseLong(digits);
-            long value = negative ? -size : size;
-            boolean isBits = hex && !negative;  // all 32 of them, 0xffffffff being -1
-            if (value >= Integer.MIN_VALUE && (isBits || value <= Integer.MAX_VALUE)) {
-                return (int) value;
-            }
+            boolean isNegative = word.startsWith("-");
+            boolean isHex = word.matches("-?0[xX].*");
+            long size = Long.parseLong(word.replaceFirst("-?(0[xX])?", ""), isHex ? 16 : 10);
+            long value = isNegative ? -size : size;
+            boolean isBits = isHex && !isNegative;  // all 32 of them, 0xffffffff being -1
+            if (isBits || value == (int) value) return (int) value;
         }
         throw new UsageException(
                 "a 32-bit number, decimal or 0x, is expected, not \"" + word + "\"");
+    }
+
+    private static byte[] bytes(String word) throws UsageException {
+        try {
+            return HexFormat.of().parseHex(word);
+        } catch (IllegalArgumentException e) {
+            throw new UsageException("two hexadecimal digits a byte, not \"" + word + "\"");
+        }
     }
 
     /** A record of the given fields; the others are 0 or "". */
@@ -144,21 +133,26 @@ final class Values {
         return fields;
     }
 
-    static Object valueOf(Field field, Object record) {
-        try {
-            return field.get(record);
-        } catch (IllegalAccessException e) {
-            throw new IllegalStateException(e);
+    /** What the fields of a record hold, by their names. */
+    static Map<String, Object> members(Object record) {
+        Map<String, Object> members = new LinkedHashMap<>();
+        for (Field field : fields(record.getClass())) {
+            try {
+                members.put(field.getName(), field.get(record));
+            } catch (IllegalAccessException e) {
+                throw new IllegalStateException(e);
+            }
         }
+        return members;
     }
 
     /**
      * A result or an argument that is no record, as parse() takes it; arrays with blanks between.
      */
     static String show(Object value) {
-        if (value instanceof byte[]) return HexText.of((byte[]) value);
-        if (value instanceof int[]) {
-            return Arrays.stream((int[]) value)
+        if (value instanceof byte[] bytes) return HexFormat.of().formatHex(bytes);
+        if (value instanceof int[] numbers) {
+            return Arrays.stream(numbers)
                     .mapToObj(Integer::toString)
                     .collect(Collectors.joining(" "));
         }
@@ -171,9 +165,10 @@ final class Values {
     static String words(Object value) {
         if (value instanceof int[]) return show(value);
         if (value == null || !isRecord(value.getClass())) return Words.quote(show(value));
-        return fields(value.getClass())
+        return members(value)
+                .entrySet()
                 .stream()
-                .map(field -> Words.quote(field.getName() + "=" + show(valueOf(field, value))))
+                .map(field -> Words.quote(field.getKey() + "=" + show(field.getValue())))
                 .collect(Collectors.joining(" "));
     }
 }

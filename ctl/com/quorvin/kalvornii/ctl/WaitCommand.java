@@ -1,16 +1,15 @@
 package com.quorvin.kalvornii.ctl;
 
+import java.util.concurrent.TimeUnit;
+import java.util.concurrent.locks.LockSupport;
+
 /** "wait". */
 final class WaitCommand {
     private static final long STEP_MILLISECONDS = 100;
 
-    private final Console console;
+    private WaitCommand() {}
 
-    WaitCommand(Console console) {
-        this.console = console;
-    }
-
-    int await(Options options) throws UsageException {
+    static int await(Options options, Console console) throws UsageException {
         options.allow(1, "--timeout");
         if (options.words.isEmpty()) throw new UsageException("a SERVICE is expected");
         Services.Service service = new Services().find(options.words.get(0));
@@ -24,17 +23,9 @@ final class WaitCommand {
             }
             long pause = limit.left(start, STEP_MILLISECONDS);
             if (pause == 0) break;
-            pause(pause);
+            LockSupport.parkNanos(TimeUnit.MILLISECONDS.toNanos(pause));
         }
         console.tell("the " + service.name + " service is absent after " + limit);
         return Main.ABSENT;
-    }
-
-    static void pause(long milliseconds) {
-        try {
-            Thread.sleep(milliseconds);
-        } catch (InterruptedException e) {
-            throw new IllegalStateException(e);
-        }
     }
 }

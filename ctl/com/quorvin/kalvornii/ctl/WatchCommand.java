@@ -2,7 +2,6 @@ package com.quorvin.kalvornii.ctl;
 
 import java.util.ArrayList;
 import java.util.List;
-import java.util.concurrent.TimeoutException;
 
 /** "watch". */
 final class WatchCommand {
@@ -17,10 +16,9 @@ final class WatchCommand {
         this.console = console;
     }
 
-    int watch(Options options) throws UsageException, LoadException, TimeoutException {
+    int watch(Options options) throws UsageException, Failure {
         options.allow(0);
         library = Library.withLog(console, Limit.NONE, deaths);
-        if (library.services.isAnyAbsent()) library.tellOfAbsence();
         Screen screen = console.isTerminal() ? new Screen(console, library.services) : null;
         List<String> events = new ArrayList<>();
         String time = Deaths.now();
@@ -38,13 +36,15 @@ final class WatchCommand {
     }
 
     /** Waits until something happens, and adds deaths; returns when that was. */
-    private String next(List<String> events) throws LoadException {
+    private String next(List<String> events) throws Failure {
         for (;;) {
             LogLine line = library.log.next(STEP_MILLISECONDS);
-            if (library.log.trouble() != null) throw new LoadException(library.log.trouble());
+            if (library.log.trouble() != null) {
+                throw new Failure(Main.NOT_LOADED, library.log.trouble());
+            }
             deaths.link(library.services);
             for (Deaths.Death death : deaths.take()) {
-                events.add(change(death.time, death.service, "died"));
+                events.add(change(death.time(), death.service(), "died"));
             }
             if (line != null) {
                 library.services.take(line);

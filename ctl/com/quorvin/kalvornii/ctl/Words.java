@@ -1,6 +1,7 @@
 package com.quorvin.kalvornii.ctl;
 
 import java.util.ArrayList;
+import java.util.HexFormat;
 import java.util.List;
 
 /**
@@ -8,7 +9,7 @@ import java.util.List;
  * \x41', and \ before a single character. Nothing is expanded. A # at the start of a word begins a
  * comment.
  */
-final class Words {
+public final class Words {
     /** A word; whether a part of it was quoted. */
     static final class Word {
         final String text;
@@ -29,6 +30,19 @@ final class Words {
 
     static List<Word> of(String line) throws UsageException {
         return new Words(line).all();
+    }
+
+    /** The texts of the words before and after the first = that is a word of its own. */
+    public static List<List<String>> parts(String line) throws UsageException {
+        List<List<String>> parts = new ArrayList<>(List.of(new ArrayList<>()));
+        for (Word word : of(line)) {
+            if (parts.size() == 1 && !word.quoted && word.text.equals("=")) {
+                parts.add(new ArrayList<>());
+            } else {
+                parts.get(parts.size() - 1).add(word.text);
+            }
+        }
+        return parts;
     }
 
     private List<Word> all() throws UsageException {
@@ -97,15 +111,14 @@ final class Words {
     }
 
     private int hex(int digits) throws UsageException {
-        int value = 0;
-        for (int i = 0; i < digits; i++) {
-            int digit = HexText.digit(next("a quote is not closed"));
-            if (digit < 0)
-                throw new UsageException(
-                        "$'...' has \\x or \\u without its " + digits + " hexadecimal digits");
-            value = 16 * value + digit;
+        StringBuilder text = new StringBuilder();
+        while (text.length() < digits) text.append(next("a quote is not closed"));
+        try {
+            return HexFormat.fromHexDigits(text);
+        } catch (IllegalArgumentException e) {
+            throw new UsageException(
+                    "$'...' has \\x or \\u without its " + digits + " hexadecimal digits");
         }
-        return value;
     }
 
     private char next(String missing) throws UsageException {

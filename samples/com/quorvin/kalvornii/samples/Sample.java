@@ -3,10 +3,15 @@ package com.quorvin.kalvornii.samples;
 import static java.nio.charset.StandardCharsets.UTF_8;
 
 import com.quorvin.kalvornii.KvNativeInterface;
+import com.quorvin.kalvornii.ctl.UsageException;
+import com.quorvin.kalvornii.ctl.Values;
+import com.quorvin.kalvornii.ctl.Words;
 import java.io.IOException;
 import java.io.InputStream;
 import java.lang.reflect.Method;
+import java.lang.reflect.Parameter;
 import java.util.ArrayList;
+import java.util.Arrays;
 import java.util.HashMap;
 import java.util.List;
 import java.util.Map;
@@ -18,7 +23,6 @@ public final class Sample {
     private static final String FILE = "samples/methods.samples";
     private static final Pattern FACT = Pattern.compile(
             "((?:aidl |hidl )?(?:asks|returns|logs|broken|absent|fills|keeps))(?: +(.*))?");
-    private static final Pattern WORD = Pattern.compile("(?:'[^']*'|[^\\s'])+");
 
     /** The title that it stands below. */
     public final String section;
@@ -70,17 +74,17 @@ public final class Sample {
         this.section = section;
         this.remark = remark;
         this.where = where;
-        int equals = call.lastIndexOf(" = ");
-        if (equals < 0) throw wrong(where, "a call has a result, after =");
-        List<String> words = words(call.substring(0, equals));
-        method = method(words.remove(0));
-        Class<?>[] types = method.getParameterTypes();
-        arguments = new Object[types.length];
-        for (int i = 0; i < types.length; i++) {
-            boolean takesAll = i == types.length - 1;
-            arguments[i] = value(types[i], words.subList(i, takesAll ? words.size() : i + 1));
+        try {
+            List<List<String>> parts = Words.parts(call);
+            if (parts.size() < 2) throw wrong(where, "a call has a result, after =");
+            method = method(parts.get(0).remove(0));
+            List<String> names =
+                    Arrays.stream(method.getParameters()).map(Parameter::getName).toList();
+            arguments = Values.parse(method.getParameterTypes(), names, parts.get(0));
+            result = Values.parse(method.getReturnType(), parts.get(1));
+        } catch (UsageException e) {
+            throw wrong(where, e.getMessage());
         }
-        result = value(method.getReturnType(), words(call.substring(equals + 3)));
     }
 
     private static IllegalStateException wrong(String where, String why) {
@@ -106,48 +110,13 @@ public final class Sample {
         throw wrong(where, "no method " + name);
     }
 
-    private List<String> words(String text) {
-        List<String> words = new ArrayList<>();
-        Matcher word = WORD.matcher(text);
-        while (word.find()) words.add(word.group().replace("'", ""));
-        if (!WORD.matcher(text).replaceAll("").isBlank())
-            throw wrong(where, "a quote is not closed");
-        return words;
-    }
-
-    private Object value(Class<?> type, List<String> words) {
+    /** Of a fact, up to a bar. */
+    private List<String> words(String fact) {
         try {
-            if (type == int[].class) return words.stream().mapToInt(Integer::decode).toArray();
-            if (!type.getName().startsWith("java.") && !type.isPrimitive() && !type.isArray()) {
-                return record(type, words);
-            }
-            if (words.size() != 1) throw wrong(where, "one word, not " + words);
-            String word = words.get(0);
-            if (type == byte[].class) return bytes(word);
-            return type == int.class ? (Object) Integer.decode(word) : word;
-        } catch (NumberFormatException | ReflectiveOperationException e) {
-            throw wrong(where, e.toString());
+            return Words.parts(fact.split("\\|")[0]).get(0);
+        } catch (UsageException e) {
+            throw wrong(where, e.getMessage());
         }
-    }
-
-    private static byte[] bytes(String hex) {
-        byte[] bytes = new byte[hex.length() / 2];
-        for (int i = 0; i < bytes.length; i++) {
-            bytes[i] = (byte) Integer.parseInt(hex.substring(2 * i, 2 * i + 2), 16);
-        }
-        return bytes;
-    }
-
-    private static Object record(Class<?> type, List<String> fields)
-            throws ReflectiveOperationException {
-        Object record = type.getConstructor().newInstance();
-        for (String field : fields) {
-            String[] parts = field.split("=", 2);
-            boolean isNumber = type.getField(parts[0]).getType() == int.class;
-            type.getField(parts[0]).set(
-                    record, isNumber ? (Object) Integer.decode(parts[1]) : parts[1]);
-        }
-        return record;
     }
 
     /** What is said of one backend, "aidl" or "hidl", or of both; null when nothing is. */
@@ -169,7 +138,11 @@ public final class Sample {
     /** What is answered over "aidl" or "hidl" when the call to the service breaks off. */
     public Object broken(String backend) {
         String broken = fact(backend, "broken");
-        return broken == null ? null : value(method.getReturnType(), words(broken.split("\\|")[0]));
+        try {
+            return broken == null ? null : Values.parse(method.getReturnType(), words(broken));
+        } catch (UsageException e) {
+            throw wrong(where, e.getMessage());
+        }
     }
 
     /** Whether texts from Java are not released, on purpose. */

@@ -82,7 +82,7 @@ class ValuesTest {
     }
 
     private static Object[] parse(String method, String... words) throws UsageException {
-        return Values.parse(Contract.read().find(method), List.of(words));
+        return Contract.read().find(method).parse(List.of(words));
     }
 
     @Test
