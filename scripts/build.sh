@@ -23,7 +23,7 @@ flock "$lock"
 wanted=("${@:2}")
 if [ $# = 1 ]; then
     wanted=(kalvorn_tests)
-    [ "$preset" != host ] || wanted+=(kalvorn_bench kalvorn_soak)
+    [ "$preset" != host ] || wanted+=(kalvorn_soak)
 fi
 lacks_wanted() {
     local target

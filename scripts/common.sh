@@ -55,3 +55,6 @@ has_room() {
 measure_terminal() {
     { size=$(stty size <&3 2>/dev/null) || size=; } 3>&1
 }
+
+# The name of this machine's processor.
+processor() { sed -n 's/^model name[^:]*: //p; T; q' /proc/cpuinfo | grep . || uname -m; }

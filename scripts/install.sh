@@ -12,10 +12,10 @@ declare -A lists=(
     [ctl]="help2man libandroid-json-java"
     [test]="bats binutils blueprint-tools checkpolicy clang-format g++ help2man jq junit5 libandroid-json-java
         libclang-rt-14-dev libgmock-dev libgtest-dev libmaven-install-plugin-java m4 maven
-        nlohmann-json3-dev procps proguard-cli shellcheck valgrind zsh"
+        procps proguard-cli shellcheck valgrind zsh"
     [package]="junit5 openjdk-17-jdk-headless"
     [soak]="jq libgoogle-gson-java libhdrhistogram-java libjs-chart.js"
-    [bench]="binutils nlohmann-json3-dev valgrind"
+    [bench]="binutils jq valgrind"
     [tidy]="clang-tidy"
     [arm]="binutils-arm-linux-gnueabihf mmdebstrap qemu-user-static xz-utils"
     [fuzz]="android-liblog-dev clang libclang-rt-14-dev"
