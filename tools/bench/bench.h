@@ -3,18 +3,16 @@
 #include <jni.h>
 #include <stddef.h>
 
-#include <algorithm>
 #include <functional>
 #include <map>
 #include <string>
-#include <vector>
 
 #include "arguments.h"
 
 /**
  * What the parts of ./bench share. A process measures one thing, since where it lies in memory is
- * in every figure: it prints lines "POINTER VALUE", of which the JSON pointer says where the value
- * stands among all figures.
+ * in every figure: it prints lines "/PLACE VALUE", of which the place is that of the value among
+ * all figures.
  */
 namespace bench {
 
@@ -51,12 +49,5 @@ void LogToNowhere();
 
 /** Ends the program with this line, if the condition does not hold. */
 void Demand(bool condition, const char* what);
-
-/** Of at least one. */
-inline double Median(std::vector<double> values) {
-    const auto middle = values.begin() + static_cast<ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
 
 }  // namespace bench

@@ -107,6 +107,13 @@ int TimesOf(const Run& run, bool quick) {
     return std::max(1, static_cast<int>(60'000 / Turn(run, 200)));
 }
 
+/** Of at least one. */
+double Median(std::vector<double> values) {
+    const auto middle = values.begin() + static_cast<ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
 void Print(Backend backend, const Row& row, const char* figure, const std::vector<double>& values) {
     printf("/calls/%s/%s/%s %f\n", NameOf(backend), row.method, figure, Median(values));
 }

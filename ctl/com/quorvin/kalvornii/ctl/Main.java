@@ -44,33 +44,23 @@ public final class Main {
                 : options.has("--help")           ? "--help"
                                                   : options.command;
         if (command == null) throw new UsageException("a command is expected; --help tells which");
-        switch (command) {
-            case "--version":
-                console.raw(Help.version());
-                return DONE;
-            case "--help":
-                console.raw(Help.on(options.command));
-                return DONE;
-            case "list":
-                return ListCommand.list(options, console);
-            case "help":
-                console.raw(Help.help(options));
-                return DONE;
-            case "status":
-                return StatusCommand.status(options, console);
-            case "wait":
-                return WaitCommand.await(options, console);
-            case "call":
-                return new CallCommand(options, console).call();
-            case "run":
-                return new RunCommand(options, console).run();
-            case "watch":
-                return new WatchCommand(console).watch(options);
-            case "completion":
-                console.raw(Help.completion(options));
-                return DONE;
-            default:
-                throw Help.unknown(command);
-        }
+        return switch (command) {
+            case "--version" -> print(console, Help.version());
+            case "--help" -> print(console, Help.on(options.command));
+            case "help" -> print(console, Help.help(options));
+            case "completion" -> print(console, Help.completion(options));
+            case "list" -> ListCommand.list(options, console);
+            case "status" -> StatusCommand.status(options, console);
+            case "wait" -> WaitCommand.await(options, console);
+            case "call" -> new CallCommand(options, console).call();
+            case "run" -> new RunCommand(options, console).run();
+            case "watch" -> new WatchCommand(options, console).watch();
+            default -> throw Help.unknown(command);
+        };
+    }
+
+    private static int print(Console console, String text) {
+        console.raw(text);
+        return DONE;
     }
 }

@@ -7,16 +7,18 @@ import java.util.List;
 final class WatchCommand {
     private static final long STEP_MILLISECONDS = 100;
 
+    private final Options options;
     private final Console console;
     private final Deaths deaths = new Deaths();
     private final List<String> backends = new ArrayList<>();
     private Library library;
 
-    WatchCommand(Console console) {
+    WatchCommand(Options options, Console console) {
+        this.options = options;
         this.console = console;
     }
 
-    int watch(Options options) throws UsageException, Failure {
+    int watch() throws UsageException, Failure {
         options.allow(0);
         library = Library.withLog(console, Limit.NONE, deaths);
         Screen screen = console.isTerminal() ? new Screen(console, library.services) : null;

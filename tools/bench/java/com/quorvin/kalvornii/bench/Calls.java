@@ -32,9 +32,6 @@ final class Calls {
     private static final Map<Class<?>, Object> ARGUMENTS =
             Map.of(int.class, 1, String.class, TEXT, byte[].class, BYTES, BigDataOperation.class,
                     filled(new BigDataOperation()), BigDataValue.class, filled(new BigDataValue()));
-    /** In place of the text, which is no scene. */
-    private static final Map<String, String> SCENES =
-            Map.of("nativeDisplayTest", "white", "nativeDisplayGeneralTest", "lcd_general");
     private static final KvNativeInterface LIBRARY = new KvNativeInterface();
     private static final Floor FLOOR = new Floor();
 
@@ -64,10 +61,7 @@ final class Calls {
     /** What the compiler makes of a lambda that calls the method with these arguments. */
     private static Call lambda(Object receiver, Method method) throws Throwable {
         List<Object> captured = new ArrayList<>(List.of(receiver));
-        for (Class<?> type : method.getParameterTypes()) {
-            String scene = SCENES.get(method.getName());
-            captured.add(scene == null ? ARGUMENTS.get(type) : scene);
-        }
+        for (Class<?> type : method.getParameterTypes()) captured.add(ARGUMENTS.get(type));
         MethodHandle direct = LOOKUP.unreflect(method);
         return (Call) LambdaMetafactory
                 .metafactory(LOOKUP, "call", direct.type().changeReturnType(Call.class),
