@@ -22,7 +22,6 @@ namespace {
 using ::android::sp;
 using ::android::wp;
 using ::android::hardware::hidl_death_recipient;
-using ::android::hardware::hidl_handle;
 using ::android::hardware::hidl_string;
 using ::android::hardware::hidl_vec;
 using ::android::hardware::Return;
@@ -128,7 +127,6 @@ TEST(HostHidlDeathTest, MisuseEndsTheProcess) {
     EXPECT_DEATH((void)static_cast<int32_t>(Return<int32_t>(Failed())), "value of a failed call");
     EXPECT_DEATH((void)sp<IBase>(Return<sp<IBase>>(Failed())), "value of a failed call");
     EXPECT_DEATH(Return<void>{Failed()}, "went unseen");
-    EXPECT_DEATH(Return<bool>(Failed()).description(), "went unseen");
     EXPECT_DEATH(
             {
                 Return<void> overwritten = Failed();
@@ -161,7 +159,7 @@ TEST(HostHidlReturn, SeenFailuresAreHarmless) {
 
 TEST(HostHidlTypes, StringsAndVectorsOwnTheirCopies) {
     static_assert(sizeof(hidl_string) == 16 && alignof(hidl_string) == 8);
-    static_assert(sizeof(hidl_vec<char>) == 16 && sizeof(hidl_handle) == 16);
+    static_assert(sizeof(hidl_vec<char>) == 16);
 
     char text[] = "abc";
     hidl_vec<hidl_string> vec = {"first", "second"};

@@ -8,9 +8,10 @@
 #include <vector>
 
 #include "binder_host.h"
-#include "binder_threads.h"
 #include "platform/hook.h"
+#include "proxy_binder.h"
 #include "service_manager.h"
+#include "thread_pool.h"
 
 using android::DEAD_OBJECT;
 using android::IBinder;
@@ -159,7 +160,7 @@ bool LocalService::refusesDeathLinks() const {
 void LocalService::requestDeathNotice(ProxyBinder* proxy) {
     std::lock_guard<std::mutex> lock(mMutex);
     if (mState == State::kDead) {
-        BinderThreads::Get().post(NoticeFor(proxy));
+        BinderThreads().post(NoticeFor(proxy));
     } else {
         mRequester = proxy;
     }
@@ -178,7 +179,7 @@ void KillProcess(const std::vector<sp<IBinder>>& locals) {
     }
     for (const auto& [local, service] : dying) {
         const wp<ProxyBinder> proxy = service->announce();
-        if (proxy != nullptr) BinderThreads::Get().post(NoticeFor(proxy));
+        if (proxy != nullptr) BinderThreads().post(NoticeFor(proxy));
         RemoveRegistrations(local);
         g_onServiceDied.run();
     }

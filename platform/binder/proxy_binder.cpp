@@ -33,7 +33,7 @@ void OnLastReference(std::function<void()> hook) {
     g_onLastReference.set(std::move(hook));
 }
 
-ProxyBinder::ProxyBinder(std::shared_ptr<ServiceLink> service) : mService(std::move(service)) {
+ProxyBinder::ProxyBinder(std::shared_ptr<LocalService> service) : mService(std::move(service)) {
     extendObjectLifetime(OBJECT_LIFETIME_WEAK);
 }
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "attached_objects.h"
-#include "service_link.h"
+#include "local_service.h"
 
 namespace kalvorn::host {
 
@@ -19,7 +19,7 @@ namespace kalvorn::host {
  */
 class ProxyBinder : public android::IBinder {
   public:
-    explicit ProxyBinder(std::shared_ptr<ServiceLink> service);
+    explicit ProxyBinder(std::shared_ptr<LocalService> service);
     ~ProxyBinder() override { mService->forget(this); }
 
     const android::String16& getInterfaceDescriptor() const override;
@@ -59,7 +59,7 @@ class ProxyBinder : public android::IBinder {
 
     Obituaries takeObituaries();
 
-    const std::shared_ptr<ServiceLink> mService;
+    const std::shared_ptr<LocalService> mService;
     AttachedObjects mAttached;
     mutable std::mutex mDescriptorMutex;
     mutable android::String16 mDescriptor;

@@ -17,8 +17,8 @@
 #include <vector>
 
 #include "binder_host.h"
-#include "binder_threads.h"
 #include "local_service.h"
+#include "thread_pool.h"
 
 using android::IBinder;
 using android::IServiceManager;
@@ -154,7 +154,7 @@ class ServiceManager : public IServiceManager {
      * busy, and of the service that was registered then, whatever has become of it.
      */
     void tell(const std::shared_ptr<Waiter>& waiter, const sp<IBinder>& service) const {
-        BinderThreads::Get().post([this, waiter, service] {
+        BinderThreads().post([this, waiter, service] {
             const std::lock_guard<std::mutex> lock(mMutex);
             waiter->service = service;
             mChanged.notify_all();
@@ -177,7 +177,7 @@ class ServiceManager : public IServiceManager {
     /** Until a notice has come, and without one until asking each second finds the service. */
     sp<IBinder> wait(std::unique_lock<std::mutex>* lock, Entry* entry,
                      std::optional<std::chrono::seconds> timeout) const {
-        const BinderThreads::WaitingForService waiting;
+        const ThreadPool::WaitingForService waiting(&BinderThreads());
         const auto waiter = std::make_shared<Waiter>();
         entry->waiters.push_back(waiter);
         const auto settled = [&, before = mResets] {

@@ -13,14 +13,6 @@ Status Status::fromExceptionCode(int32_t exceptionCode) {
     return Status(exceptionCode, 0, String8());
 }
 
-Status Status::fromExceptionCode(int32_t exceptionCode, const char* message) {
-    return Status(exceptionCode, 0, String8(message));
-}
-
-Status Status::fromServiceSpecificError(int32_t errorCode) {
-    return Status(EX_SERVICE_SPECIFIC, errorCode, String8());
-}
-
 Status Status::fromStatusT(status_t status) {
     Status result;
     result.setFromStatusT(status);
@@ -33,28 +25,18 @@ void Status::setFromStatusT(status_t status) {
 
 status_t Status::writeToParcel(Parcel* parcel) const {
     if (mException == EX_TRANSACTION_FAILED) return mErrorCode;
-    status_t status = parcel->writeInt32(mException);
-    if (status != OK || mException == EX_NONE) return status;
-    status = parcel->writeString16(String16(mMessage));
-    if (status != OK || mException != EX_SERVICE_SPECIFIC) return status;
-    return parcel->writeInt32(mErrorCode);
+    const status_t status = parcel->writeInt32(mException);
+    return status == OK && mException != EX_NONE ? parcel->writeString16(String16(mMessage))
+                                                 : status;
 }
 
 status_t Status::readFromParcel(const Parcel& parcel) {
     String16 message;
     int32_t exception = EX_NONE;
-    int32_t error = 0;
     status_t status = parcel.readInt32(&exception);
     if (status == OK && exception != EX_NONE) status = parcel.readString16(&message);
-    if (status == OK && exception == EX_SERVICE_SPECIFIC) status = parcel.readInt32(&error);
-    *this = status == OK ? Status(exception, error, String8(message)) : fromStatusT(status);
+    *this = status == OK ? Status(exception, 0, String8(message)) : fromStatusT(status);
     return status;
-}
-
-String8 Status::toString8() const {
-    if (isOk()) return String8("No error");
-    return String8::format("Exception %d, error %d: '%s'", mException, mErrorCode,
-                           mMessage.string());
 }
 
 }  // namespace android::binder

@@ -117,10 +117,6 @@ AIBinder* AIBinder_new(const AIBinder_Class* clazz, void* args) {
     return Owned(new LocalObject(clazz, clazz->onCreate(args)));
 }
 
-bool AIBinder_isRemote(const AIBinder* binder) {
-    return binder != nullptr && dynamic_cast<const RemoteObject*>(binder) != nullptr;
-}
-
 void AIBinder_incStrong(AIBinder* binder) {
     binder->incStrong(nullptr);
 }

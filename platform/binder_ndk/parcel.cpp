@@ -39,3 +39,15 @@ binder_status_t AParcel_readStatusHeader(const AParcel* parcel, AStatus** status
     if (result == STATUS_OK) *status = read.release();
     return result;
 }
+
+AStatus* AStatus_fromStatus(binder_status_t status) {
+    return new AStatus{android::binder::Status::fromStatusT(status)};
+}
+
+bool AStatus_isOk(const AStatus* status) {
+    return status->status.isOk();
+}
+
+void AStatus_delete(AStatus* status) {
+    delete status;
+}

@@ -1,8 +1,6 @@
 #include <android/log.h>
 #include <hidl/HidlSupport.h>
 
-#include <cinttypes>
-#include <cstdio>
 #include <cstring>
 
 namespace android::hardware {
@@ -26,12 +24,6 @@ const char* OwnedCopy(const char* text, size_t length) {
 }
 
 }  // namespace
-
-std::string details::toHexString(uint64_t value) {
-    char text[2 + 16 + 1];
-    std::snprintf(text, sizeof(text), "0x%" PRIx64, value);
-    return text;
-}
 
 hidl_string::hidl_string(const char* text) : hidl_string(text, text ? std::strlen(text) : 0) {}
 

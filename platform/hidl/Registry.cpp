@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "HidlThread.h"
+#include "platform/binder/thread_pool.h"
 #include "platform/hook.h"
 
 namespace kalvorn::host {
@@ -69,7 +69,8 @@ struct Registry {
     std::map<ServiceName, sp<IBase>> services;
     std::map<ServiceName, std::vector<sp<IServiceNotification>>> listeners;
     std::map<const RefBase::weakref_type*, Life> lives;
-    HidlThread thread;
+    /** A client process has one by default, so one that blocks holds up the rest. */
+    ThreadPool thread{1};
     Hook onLink;
     std::atomic<size_t> lookUps = 0;
 
@@ -313,13 +314,6 @@ bool RemoveDeathLink(const IBase* service, const wp<hidl_death_recipient>& recip
             IsHidlServiceDead(service) ? ::android::DEAD_OBJECT : ::android::OK);
 }
 
-template <typename Callback, typename Answer>
-Return<void> AnswerCall(const IBase* service, const Callback& callback, const Answer& answer) {
-    const ::android::hardware::Status status = StatusOfCall(service);
-    if (status.isOk()) callback(answer);
-    return status;
-}
-
 }  // namespace
 
 }  // namespace hidl_runtime
@@ -406,7 +400,7 @@ size_t HidlDeliveryCount() {
 }
 
 bool WaitForHidlDelivery(std::chrono::milliseconds timeout) {
-    return TheRegistry().thread.waitIdle(timeout);
+    return TheRegistry().thread.waitUntilIdle(timeout);
 }
 
 void ResetHidlRegistry() {
@@ -440,44 +434,18 @@ void ResetHidlRegistry() {
 // The base interface itself. On a device these members answer for the proxy.
 namespace android::hidl::base::V1_0 {
 
-using hardware::hidl_string;
-using hardware::hidl_vec;
 using hardware::Return;
 using namespace ::kalvorn::host::hidl_runtime;
 
 const char* IBase::descriptor = "android.hidl.base@1.0::IBase";
 
 Return<void> IBase::interfaceChain(interfaceChain_cb callback) {
-    return AnswerCall(this, callback, ExtendChain(descriptor, {}));
-}
-
-Return<void> IBase::interfaceDescriptor(interfaceDescriptor_cb callback) {
-    return AnswerCall(this, callback, hidl_string(descriptor));
-}
-
-Return<void> IBase::getHashChain(getHashChain_cb callback) {
-    return AnswerCall(this, callback, hidl_vec<hardware::hidl_array<uint8_t, 32>>());
-}
-
-Return<void> IBase::getDebugInfo(getDebugInfo_cb callback) {
-    constexpr auto kArchitecture = sizeof(void*) == 8 ? DebugInfo::Architecture::IS_64BIT
-                                                      : DebugInfo::Architecture::IS_32BIT;
-    return AnswerCall(this, callback, DebugInfo{/*pid=*/-1, /*ptr=*/0, kArchitecture});
+    const hardware::Status status = StatusOfCall(this);
+    if (status.isOk()) callback(ExtendChain(descriptor, {}));
+    return status;
 }
 
 Return<void> IBase::ping() {
-    return StatusOfCall(this);
-}
-
-Return<void> IBase::debug(const hardware::hidl_handle&, const hidl_vec<hidl_string>&) {
-    return StatusOfCall(this);
-}
-
-Return<void> IBase::setHALInstrumentation() {
-    return StatusOfCall(this);
-}
-
-Return<void> IBase::notifySyspropsChanged() {
     return StatusOfCall(this);
 }
 
@@ -495,6 +463,3 @@ Return<sp<IBase>> IBase::castFrom(const sp<IBase>& same, bool) {
 }
 
 }  // namespace android::hidl::base::V1_0
-
-KALVORN_HIDL_INTERFACE(::android::hidl::manager::V1_0::IServiceNotification,
-                       "android.hidl.manager@1.0::IServiceNotification")

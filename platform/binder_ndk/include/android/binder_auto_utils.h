@@ -89,25 +89,6 @@ class ScopedAStatus : public impl::ScopedAResource<AStatus*, AStatus_delete, nul
     using ScopedAResource::ScopedAResource;
 
     bool isOk() const { return get() != nullptr && AStatus_isOk(get()); }
-    binder_exception_t getExceptionCode() const { return AStatus_getExceptionCode(get()); }
-    int32_t getServiceSpecificError() const { return AStatus_getServiceSpecificError(get()); }
-    binder_status_t getStatus() const { return AStatus_getStatus(get()); }
-    const char* getMessage() const { return AStatus_getMessage(get()); }
-
-    static ScopedAStatus ok() { return ScopedAStatus(AStatus_newOk()); }
-    static ScopedAStatus fromExceptionCode(binder_exception_t exception) {
-        return ScopedAStatus(AStatus_fromExceptionCode(exception));
-    }
-    static ScopedAStatus fromExceptionCodeWithMessage(binder_exception_t exception,
-                                                      const char* message) {
-        return ScopedAStatus(AStatus_fromExceptionCodeWithMessage(exception, message));
-    }
-    static ScopedAStatus fromServiceSpecificError(int32_t serviceSpecific) {
-        return ScopedAStatus(AStatus_fromServiceSpecificError(serviceSpecific));
-    }
-    static ScopedAStatus fromStatus(binder_status_t status) {
-        return ScopedAStatus(AStatus_fromStatus(status));
-    }
 };
 
 }  // namespace ndk

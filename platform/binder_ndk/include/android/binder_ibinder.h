@@ -5,9 +5,7 @@
 #include <android/binder_status.h>
 #include <stdint.h>
 
-#ifdef __cplusplus
 extern "C" {
-#endif
 
 typedef uint32_t transaction_code_t;
 typedef uint32_t binder_flags_t;
@@ -39,9 +37,6 @@ AIBinder_Class* AIBinder_Class_define(const char* interfaceDescriptor,
 
 /** A local object; onCreate(args) makes its user data. The caller owns one reference. */
 AIBinder* AIBinder_new(const AIBinder_Class* clazz, void* args) __attribute__((warn_unused_result));
-
-/** True for any object that is not implemented by this library's user. */
-bool AIBinder_isRemote(const AIBinder* binder);
 
 void AIBinder_incStrong(AIBinder* binder);
 void AIBinder_decStrong(AIBinder* binder);
@@ -83,6 +78,4 @@ binder_status_t AIBinder_linkToDeath(AIBinder* binder, AIBinder_DeathRecipient* 
 binder_status_t AIBinder_unlinkToDeath(AIBinder* binder, AIBinder_DeathRecipient* recipient,
                                        void* cookie);
 
-#ifdef __cplusplus
-}
-#endif
+}  // extern "C"

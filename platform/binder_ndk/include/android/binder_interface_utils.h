@@ -101,7 +101,7 @@ class BpCInterface : public INTERFACE {
     explicit BpCInterface(const SpAIBinder& binder) : mBinder(binder) {}
 
     SpAIBinder asBinder() override { return mBinder; }
-    bool isRemote() override { return AIBinder_isRemote(mBinder.get()); }
+    bool isRemote() override { return true; }
 
   private:
     const SpAIBinder mBinder;

@@ -4,9 +4,7 @@
 #include <android/binder_ibinder.h>
 #include <android/binder_status.h>
 
-#ifdef __cplusplus
 extern "C" {
-#endif
 
 /** EX_NONE once the service is registered. The registration holds a reference of its own. */
 binder_exception_t AServiceManager_addService(AIBinder* binder, const char* instance)
@@ -17,6 +15,4 @@ bool AServiceManager_isDeclared(const char* instance);
 /** Blocks until the service is registered. The caller owns the reference. */
 AIBinder* AServiceManager_waitForService(const char* instance) __attribute__((warn_unused_result));
 
-#ifdef __cplusplus
-}
-#endif
+}  // extern "C"

@@ -3,9 +3,7 @@
 
 #include <android/binder_status.h>
 
-#ifdef __cplusplus
 extern "C" {
-#endif
 
 struct AIBinder;
 typedef struct AIBinder AIBinder;
@@ -29,6 +27,4 @@ binder_status_t AParcel_writeStatusHeader(AParcel* parcel, const AStatus* status
 /** `*status` becomes an owned status. */
 binder_status_t AParcel_readStatusHeader(const AParcel* parcel, AStatus** status);
 
-#ifdef __cplusplus
-}
-#endif
+}  // extern "C"

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cutils/native_handle.h>
 #include <utils/RefBase.h>
 #include <utils/StrongPointer.h>
 
@@ -41,12 +40,16 @@ class hidl_pointer {
     };
 };
 
-std::string toHexString(uint64_t value);
-
 template <typename>
 constexpr std::array<int, 0> hidl_enum_values{};
 
+// Declared for what is generated to show values, which nobody calls.
+std::string toHexString(uint64_t value);
+
 }  // namespace details
+
+template <typename T>
+std::string toString(const T& value);
 
 template <typename Enum, typename = std::enable_if_t<std::is_enum_v<Enum>>>
 using hidl_bitfield = std::underlying_type_t<Enum>;
@@ -55,18 +58,6 @@ using hidl_bitfield = std::underlying_type_t<Enum>;
 class hidl_death_recipient : public virtual RefBase {
   public:
     virtual void serviceDied(uint64_t cookie, const wp<hidl::base::V1_0::IBase>& who) = 0;
-};
-
-/** A native handle that belongs to somebody else. */
-class hidl_handle {
-  public:
-    hidl_handle() = default;
-    hidl_handle(const native_handle_t* handle) : mHandle(handle) {}
-    const native_handle_t* getNativeHandle() const { return mHandle; }
-
-  private:
-    details::hidl_pointer<const native_handle_t> mHandle;
-    [[maybe_unused]] bool mOwnsHandle = false;
 };
 
 /**
@@ -185,43 +176,6 @@ bool operator==(const hidl_vec<T>& lhs, const hidl_vec<T>& rhs) {
 template <typename T>
 bool operator!=(const hidl_vec<T>& lhs, const hidl_vec<T>& rhs) {
     return !(lhs == rhs);
-}
-
-/** An array of fixed length. */
-template <typename T, size_t N>
-class hidl_array {
-  public:
-    T* data() { return mElements; }
-    const T* data() const { return mElements; }
-    static constexpr size_t size() { return N; }
-    T& operator[](size_t index) { return mElements[index]; }
-    const T& operator[](size_t index) const { return mElements[index]; }
-
-  private:
-    T mElements[N]{};
-};
-
-// What the generated toString() functions of vendor types build on.
-
-template <typename T>
-std::enable_if_t<std::is_arithmetic_v<T>, std::string> toString(T value) {
-    return std::to_string(value);
-}
-inline std::string toString(bool value) {
-    return value ? "true" : "false";
-}
-inline std::string toString(const hidl_string& text) {
-    return '"' + std::string(text) + '"';
-}
-template <typename T>
-std::string toString(const hidl_vec<T>& vec) {
-    std::string text = "[" + std::to_string(vec.size()) + "]{";
-    const char* separator = "";
-    for (const T& element : vec) {
-        text += separator + toString(element);
-        separator = ", ";
-    }
-    return text + "}";
 }
 
 }  // namespace android::hardware

@@ -7,14 +7,12 @@
 #include <string>
 
 /**
- * The members that a generated HIDL interface declares and its proxy library would define.
- * One line per interface, at global scope of one source file:
+ * The members that a generated HIDL interface declares and its library would define. At global
+ * scope of one source file, a line for each interface, and one for each ancestor but IBase:
  *
- *     KALVORN_HIDL_INTERFACE(::vendor::a::V1_0::IFoo, "vendor.a@1.0::IFoo")
- *     KALVORN_HIDL_INTERFACE_EXTENDS(::vendor::a::V1_1::IFoo, "vendor.a@1.1::IFoo",
- *                                    ::vendor::a::V1_0::IFoo)
- *
- * A grandparent needs a KALVORN_HIDL_CAST_FROM(interface, grandparent) besides.
+ *     KALVORN_HIDL_INTERFACE(::vendor::a::V1_1::IFoo, "vendor.a@1.1::IFoo",
+ *                            ::vendor::a::V1_0::IFoo)
+ *     KALVORN_HIDL_CAST_FROM(::vendor::a::V1_1::IFoo, ::vendor::a::V1_0::IFoo)
  */
 namespace kalvorn::host::hidl_runtime {
 
@@ -60,13 +58,6 @@ sp<Interface> GetService(const std::string& instance, bool wait) {
 
 }  // namespace kalvorn::host::hidl_runtime
 
-#define KALVORN_HIDL_INTERFACE(TYPE, FQNAME) \
-    KALVORN_HIDL_MEMBERS(TYPE, FQNAME, ::android::hidl::base::V1_0::IBase)
-
-#define KALVORN_HIDL_INTERFACE_EXTENDS(TYPE, FQNAME, PARENT) \
-    KALVORN_HIDL_MEMBERS(TYPE, FQNAME, PARENT)               \
-    KALVORN_HIDL_CAST_FROM(TYPE, PARENT)
-
 #define KALVORN_HIDL_CAST_FROM(TYPE, FROM)                                   \
     ::android::hardware::Return<::android::sp<TYPE>>(TYPE::castFrom)(        \
             const ::android::sp<FROM>& parent, bool emitError) {             \
@@ -75,28 +66,12 @@ sp<Interface> GetService(const std::string& instance, bool wait) {
 
 // The declarators stand in parentheses because `Return<void> ::vendor::...` would be read as one
 // qualified name. Calls that need no knowledge of the interface go to its parent.
-#define KALVORN_HIDL_MEMBERS(TYPE, FQNAME, PARENT)                                                 \
+#define KALVORN_HIDL_INTERFACE(TYPE, FQNAME, PARENT)                                               \
     const char* TYPE::descriptor = FQNAME;                                                         \
     ::android::hardware::Return<void>(TYPE::interfaceChain)(interfaceChain_cb callback) {          \
         return PARENT::interfaceChain([&callback](const auto& chain) {                             \
             callback(::kalvorn::host::hidl_runtime::ExtendChain(TYPE::descriptor, chain));         \
         });                                                                                        \
-    }                                                                                              \
-    ::android::hardware::Return<void>(TYPE::interfaceDescriptor)(                                  \
-            interfaceDescriptor_cb callback) {                                                     \
-        return PARENT::interfaceDescriptor(                                                        \
-                [&callback](const auto&) { callback(TYPE::descriptor); });                         \
-    }                                                                                              \
-    ::android::hardware::Return<void>(TYPE::debug)(                                                \
-            const ::android::hardware::hidl_handle& fd,                                            \
-            const ::android::hardware::hidl_vec<::android::hardware::hidl_string>& options) {      \
-        return PARENT::debug(fd, options);                                                         \
-    }                                                                                              \
-    ::android::hardware::Return<void>(TYPE::getHashChain)(getHashChain_cb callback) {              \
-        return PARENT::getHashChain(callback);                                                     \
-    }                                                                                              \
-    ::android::hardware::Return<void>(TYPE::setHALInstrumentation)() {                             \
-        return PARENT::setHALInstrumentation();                                                    \
     }                                                                                              \
     ::android::hardware::Return<bool>(TYPE::linkToDeath)(                                          \
             const ::android::sp<::android::hardware::hidl_death_recipient>& recipient,             \
@@ -109,12 +84,6 @@ sp<Interface> GetService(const std::string& instance, bool wait) {
     }                                                                                              \
     ::android::hardware::Return<void>(TYPE::ping)() {                                              \
         return PARENT::ping();                                                                     \
-    }                                                                                              \
-    ::android::hardware::Return<void>(TYPE::getDebugInfo)(getDebugInfo_cb callback) {              \
-        return PARENT::getDebugInfo(callback);                                                     \
-    }                                                                                              \
-    ::android::hardware::Return<void>(TYPE::notifySyspropsChanged)() {                             \
-        return PARENT::notifySyspropsChanged();                                                    \
     }                                                                                              \
     ::android::hardware::Return<::android::sp<TYPE>>(TYPE::castFrom)(                              \
             const ::android::sp<TYPE>& same, bool) {                                               \

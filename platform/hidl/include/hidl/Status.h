@@ -4,8 +4,6 @@
 #include <utils/Errors.h>
 #include <utils/StrongPointer.h>
 
-#include <cstdint>
-#include <string>
 #include <utility>
 
 namespace android::hardware {
@@ -13,35 +11,17 @@ namespace android::hardware {
 /** How a call went on its way to the service and back; a transport error is a failed call. */
 class Status final {
   public:
-    enum Exception : int32_t {
-        EX_NONE = 0,
-        EX_SECURITY = -1,
-        EX_BAD_PARCELABLE = -2,
-        EX_ILLEGAL_ARGUMENT = -3,
-        EX_NULL_POINTER = -4,
-        EX_ILLEGAL_STATE = -5,
-        EX_NETWORK_MAIN_THREAD = -6,
-        EX_UNSUPPORTED_OPERATION = -7,
-        EX_HAS_REPLY_HEADER = -128,
-        EX_TRANSACTION_FAILED = -129,
-    };
+    static Status fromStatusT(status_t error) {
+        Status status;
+        status.mError = error;
+        return status;
+    }
 
-    Status() = default;
-    static Status ok() { return {}; }
-    static Status fromExceptionCode(int32_t exception, const char* message = "");
-    /** EX_TRANSACTION_FAILED with this error; an ok status for OK. */
-    static Status fromStatusT(status_t error);
-
-    bool isOk() const { return mException == EX_NONE; }
-    int32_t exceptionCode() const { return mException; }
-    const char* exceptionMessage() const { return mMessage.c_str(); }
-    status_t transactionError() const { return mException == EX_TRANSACTION_FAILED ? mError : OK; }
-    std::string description() const;
+    bool isOk() const { return mError == OK; }
+    status_t transactionError() const { return mError; }
 
   private:
-    int32_t mException = EX_NONE;
     status_t mError = OK;
-    std::string mMessage;
 };
 
 template <typename T>
@@ -59,7 +39,7 @@ Return<U> StatusOf(const Return<T>& other);
 class return_status {
   public:
     return_status() = default;
-    return_status(Status status) : mStatus(std::move(status)) {}
+    return_status(Status status) : mStatus(status) {}
     return_status(return_status&& other) noexcept;
     return_status& operator=(return_status&& other) noexcept;
     ~return_status() { demandSeen(); }
@@ -67,9 +47,6 @@ class return_status {
     /** Asking is enough to mark a failure as seen. */
     bool isOk() const;
     bool isDeadObject() const;
-
-    /** For logs; it does not mark a failure as seen. */
-    std::string description() const { return mStatus.description(); }
 
   protected:
     /** Ends the process when the call failed, for there is no value to read then. */
@@ -92,7 +69,7 @@ template <typename T>
 class Return : public details::return_status {
   public:
     Return(T value) : mValue(std::move(value)) {}
-    Return(Status status) : return_status(std::move(status)) {}
+    Return(Status status) : return_status(status) {}
 
     operator T() const {
         demandOk();
@@ -111,7 +88,7 @@ class Return<sp<T>> : public details::return_status {
     template <typename U>
     Return(const sp<U>& value) : mValue(value) {}
     Return(std::nullptr_t) {}
-    Return(Status status) : return_status(std::move(status)) {}
+    Return(Status status) : return_status(status) {}
 
     template <typename U>
     operator sp<U>() const {
@@ -127,7 +104,7 @@ template <>
 class Return<void> : public details::return_status {
   public:
     Return() = default;
-    Return(Status status) : return_status(std::move(status)) {}
+    Return(Status status) : return_status(status) {}
 };
 
 inline Return<void> Void() {
