@@ -31,13 +31,14 @@ string Joined(const Words& words) {
     return text;
 }
 
-[[noreturn]] void Refuse(const string& why) {
-    throw std::runtime_error(why);
+Words MethodNames() {
+    Words names;
+    for (const ServiceMethod& method : kMethods) names.emplace_back(method.name);
+    return names;
 }
 
-void CheckName(const string& what, const string& name, const Words& right) {
-    if (std::find(right.begin(), right.end(), name) != right.end()) return;
-    Refuse("no " + what + " \"" + name + "\"; there are: " + Joined(right));
+[[noreturn]] void Refuse(const string& why) {
+    throw std::runtime_error(why);
 }
 
 /** The last one outside the texts of the answer; others may stand in an argument. */
@@ -134,6 +135,11 @@ Rule ParseRule(const string& text) {
     return rule;
 }
 
+void CheckName(const string& what, const string& name, const Words& right) {
+    if (std::find(right.begin(), right.end(), name) != right.end()) return;
+    Refuse("no " + what + " \"" + name + "\"; there are: " + Joined(right));
+}
+
 void CheckRule(const Rule& rule) {
     if (!rule.answer || rule.answer->fault == Fault::kNone) return;
     if (rule.calls.backend == Backend::kAidl) return;
@@ -163,12 +169,6 @@ std::optional<double> ParseSeconds(const string& text) {
     const double seconds = strtod(text.c_str(), &end);
     if (text.empty() || *end != '\0' || !(seconds >= 0 && seconds < 1e9)) return {};
     return seconds;
-}
-
-Words MethodNames() {
-    Words names;
-    for (const ServiceMethod& method : kMethods) names.emplace_back(method.name);
-    return names;
 }
 
 void Script::Add(Rule rule) {

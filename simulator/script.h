@@ -55,8 +55,9 @@ std::vector<std::string> SplitWords(const std::string& text);
 /** A number of at least 0, else nothing. */
 std::optional<double> ParseSeconds(const std::string& text);
 
-/** The names of all methods, in alphabetical order. */
-std::vector<std::string> MethodNames();
+/** Throws, and names the right ones, when this name is none of them. */
+void CheckName(const std::string& what, const std::string& name,
+               const std::vector<std::string>& right);
 
 /** The rules in force. On any thread. */
 class Script {

@@ -4,6 +4,7 @@
 #include <jni.h>
 
 #include <chrono>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -18,10 +19,14 @@ namespace {
 
 using kalvorn::device::Answer;
 using kalvorn::device::Backend;
+using kalvorn::device::CheckName;
 using kalvorn::device::Device;
 using kalvorn::device::Fault;
+using kalvorn::device::Member;
 using kalvorn::device::Rule;
 using kalvorn::host::Text;
+
+constexpr int kPatienceMs = 5000;
 
 std::string Unpacked(JNIEnv* env, jbyteArray bytes) {
     std::string text(static_cast<size_t>(env->GetArrayLength(bytes)), '\0');
@@ -49,10 +54,44 @@ jobjectArray Names(JNIEnv* env, const std::vector<std::string>& names) {
     return array;
 }
 
+void Throw(JNIEnv* env, const char* exception, const std::string& message) {
+    env->ThrowNew(env->FindClass(exception), kalvorn::ToModifiedUtf8(message.c_str()).c_str());
+}
+
 /** What is wrong is the caller's fault. */
-void Refuse(JNIEnv* env, const std::runtime_error& error) {
-    env->ThrowNew(env->FindClass("java/lang/IllegalArgumentException"),
-                  kalvorn::ToModifiedUtf8(error.what()).c_str());
+void Checked(JNIEnv* env, const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const std::runtime_error& error) {
+        Throw(env, "java/lang/IllegalArgumentException", error.what());
+    }
+}
+
+std::vector<std::string> ServicesThat(const std::function<bool(const std::string&)>& fit) {
+    std::vector<std::string> services;
+    for (const std::string& name : Device::Services()) {
+        if (fit(name)) services.push_back(name);
+    }
+    return services;
+}
+
+std::string ServiceNamed(JNIEnv* env, jstring service) {
+    const std::string name = Text(env, service);
+    CheckName("service", name, Device::Services());
+    return name;
+}
+
+/** One that the backend has, or that runs over it. */
+Member MemberNamed(JNIEnv* env, jint number, jstring service, bool running) {
+    const auto backend = static_cast<Backend>(number);
+    const Member member{backend, Text(env, service)};
+    CheckName(std::string(running ? "running " : "") + "service over " +
+                      (backend == Backend::kAidl ? "AIDL" : "HIDL"),
+              member.name, ServicesThat([&](const std::string& name) {
+                  return running ? Device::Get().IsRunning(backend, name)
+                                 : Device::Get().Has(backend, name);
+              }));
+    return member;
 }
 
 bool IsLibraryLoaded() {
@@ -71,80 +110,81 @@ SIMULATED_DEVICE(void, startAsNamed)(JNIEnv*, jclass) {
 }
 
 SIMULATED_DEVICE(void, startAs)(JNIEnv* env, jclass, jbyteArray device) {
-    try {
-        kalvorn::simulated::Start(Unpacked(env, device));
-    } catch (const std::runtime_error& error) {
-        Refuse(env, error);
-    }
-}
-
-SIMULATED_DEVICE(jboolean, runsAs)(JNIEnv* env, jclass, jbyteArray device) {
-    try {
-        return kalvorn::simulated::Runs(Unpacked(env, device));
-    } catch (const std::runtime_error& error) {
-        Refuse(env, error);
-        return JNI_FALSE;
-    }
-}
-
-SIMULATED_DEVICE(jstring, path)(JNIEnv* env, jclass) {
-    return JavaText(env, kalvorn::simulated::Path());
-}
-
-SIMULATED_DEVICE(jboolean, isLibraryLoaded)(JNIEnv*, jclass) {
-    return IsLibraryLoaded();
+    Checked(env, [&] {
+        const std::string name = Unpacked(env, device);
+        if (!IsLibraryLoaded()) {
+            kalvorn::simulated::Start(name);
+        } else if (kalvorn::simulated::Runs(name)) {
+            kalvorn::simulated::Restore(true);
+        } else {
+            Throw(env, "java/lang/IllegalStateException",
+                  "The library is loaded, on the device " + kalvorn::simulated::Path() +
+                          ": start another before KvNativeInterface is first used, or with"
+                          " ./simulate --device");
+        }
+    });
 }
 
 SIMULATED_DEVICE(jobjectArray, serviceNames)(JNIEnv* env, jclass) {
     return Names(env, Device::Services());
 }
 
-SIMULATED_DEVICE(jobjectArray, methodNames)(JNIEnv* env, jclass) {
-    return Names(env, kalvorn::device::MethodNames());
-}
-
-SIMULATED_DEVICE(jboolean, has)(JNIEnv* env, jclass, jint backend, jstring service) {
-    return Device::Get().Has(static_cast<Backend>(backend), Text(env, service));
-}
-
 // The library watches each service that it holds, so the death link tells who holds it.
-SIMULATED_DEVICE(jboolean, holds)(JNIEnv* env, jclass, jint backend, jstring service) {
-    return Device::Get().DeathLinks(static_cast<Backend>(backend), Text(env, service)) > 0;
-}
-
-SIMULATED_DEVICE(jboolean, isProcessRunning)(JNIEnv* env, jclass, jstring service) {
-    return kalvorn::simulated::IsProcessRunning(Text(env, service));
-}
-
-SIMULATED_DEVICE(jboolean, isRunning)(JNIEnv* env, jclass, jint backend, jstring service) {
-    return Device::Get().IsRunning(static_cast<Backend>(backend), Text(env, service));
+SIMULATED_DEVICE(jint, backendOf)(JNIEnv* env, jclass, jstring service, jboolean held) {
+    jint found = -1;
+    Checked(env, [&] {
+        const std::string name = ServiceNamed(env, service);
+        for (const Backend backend : {Backend::kHidl, Backend::kAidl}) {
+            const Device& device = Device::Get();
+            const bool is = held == JNI_TRUE ? device.DeathLinks(backend, name) > 0
+                                             : device.IsRunning(backend, name);
+            if (is) found = static_cast<jint>(backend);
+        }
+    });
+    return found;
 }
 
 SIMULATED_DEVICE(void, kill)(JNIEnv* env, jclass, jint backend, jstring service) {
-    Device::Get().At(static_cast<Backend>(backend), Text(env, service)).Kill();
+    Checked(env, [&] {
+        const Member member = MemberNamed(env, backend, service, /*running=*/true);
+        Device::Get().At(member.backend, member.name).Kill();
+        Device::AwaitHeard(kPatienceMs);
+    });
 }
 
 SIMULATED_DEVICE(void, restart)(JNIEnv* env, jclass, jint backend, jstring service) {
-    kalvorn::simulated::Restart(static_cast<Backend>(backend), Text(env, service));
+    Checked(env, [&] {
+        const Member member = MemberNamed(env, backend, service, /*running=*/false);
+        kalvorn::simulated::Restart(member.backend, member.name);
+    });
 }
 
 SIMULATED_DEVICE(void, declare)(JNIEnv* env, jclass, jint backend, jstring service) {
-    kalvorn::simulated::Declare(static_cast<Backend>(backend), Text(env, service));
+    Checked(env, [&] {
+        const Member member = MemberNamed(env, backend, service, /*running=*/false);
+        kalvorn::simulated::Declare(member.backend, member.name);
+    });
 }
 
 SIMULATED_DEVICE(void, killProcessOf)(JNIEnv* env, jclass, jstring service) {
-    Device::Get().KillProcess(Text(env, service));
+    Checked(env, [&] {
+        const std::string name = ServiceNamed(env, service);
+        CheckName("running process of service", name,
+                  ServicesThat(kalvorn::simulated::IsProcessRunning));
+        Device::Get().KillProcess(name);
+        Device::AwaitHeard(kPatienceMs);
+    });
 }
 
 SIMULATED_DEVICE(void, restartProcessOf)(JNIEnv* env, jclass, jstring service) {
-    Device::Get().RestartProcess(Text(env, service));
+    Checked(env, [&] { Device::Get().RestartProcess(ServiceNamed(env, service)); });
 }
 
 SIMULATED_DEVICE(void, addRule)
 (JNIEnv* env, jclass, jbyteArray calls, jint times, jlong delay, jint kind, jint code,
  jbyteArray text, jbyteArray detail) {
     enum { kAnswers, kFails, kHangs };  // and as usual
-    try {
+    Checked(env, [&] {
         Rule rule;
         rule.calls = kalvorn::device::ParseCallPattern(Unpacked(env, calls));
         rule.times = times;
@@ -156,9 +196,7 @@ SIMULATED_DEVICE(void, addRule)
         if (kind == kFails) rule.answer = Fault::kTransport;
         kalvorn::device::CheckRule(rule);
         Device::Get().Script(std::move(rule));
-    } catch (const std::runtime_error& error) {
-        Refuse(env, error);
-    }
+    });
 }
 
 SIMULATED_DEVICE(void, release)(JNIEnv*, jobject) {
@@ -171,10 +209,6 @@ SIMULATED_DEVICE(void, recordCalls)(JNIEnv*, jobject, jboolean record) {
 
 SIMULATED_DEVICE(jobjectArray, takeCalls)(JNIEnv* env, jclass) {
     return Names(env, Device::Get().TakeCalls());
-}
-
-SIMULATED_DEVICE(jboolean, awaitHeard)(JNIEnv*, jclass, jint milliseconds) {
-    return Device::AwaitHeard(milliseconds);
 }
 
 SIMULATED_DEVICE(jboolean, settle)(JNIEnv*, jclass, jint milliseconds) {

@@ -46,7 +46,7 @@ class BurnInTest {
 
     @Test
     void tellsWhatFailed(SimulatedDevice device) {
-        device.answer("emmcTest", 5, "bad block 17");
+        device.on("emmcTest").answer(5, "bad block 17");
         assertEquals("FAIL: bad block 17", burnIn.storage());
     }
 
@@ -67,7 +67,7 @@ class BurnInTest {
 
     @Test
     void noticesThatAResultWasNotKept(SimulatedDevice device) {
-        device.fail(AIDL, "setTestResult");
+        device.on("aidl setTestResult").times(1).fail();
         assertFalse(burnIn.keepsResult(3, "PASS"));
         assertTrue(burnIn.keepsResult(3, "PASS"));
     }

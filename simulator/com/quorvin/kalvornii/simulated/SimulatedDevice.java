@@ -5,8 +5,8 @@ import static java.nio.charset.StandardCharsets.UTF_8;
 import java.nio.file.Path;
 import java.time.Duration;
 import java.util.ArrayList;
+import java.util.Arrays;
 import java.util.List;
-import java.util.Locale;
 
 /**
  * The simulated device under this process's library, for tests of what stands above it: its
@@ -14,7 +14,7 @@ import java.util.Locale;
  *
  * <p>Under {@code ./simulate} the device that its option names runs before anything else does.
  * Services have the names that {@link #services} gives, their methods those of the vendor's
- * interfaces ({@link #methods}). Every method here may be called on any thread, and ends with an
+ * interfaces. Every method here may be called on any thread, and ends with an
  * IllegalArgumentException that names what is right when it is given a name that is not.
  */
 public final class SimulatedDevice {
@@ -41,11 +41,7 @@ public final class SimulatedDevice {
 
     private SimulatedDevice() {}
 
-    /**
-     * The one device of this virtual machine.
-     *
-     * @return the device, whichever runs
-     */
+    /** {@return the one device of this virtual machine, whichever runs} */
     public static SimulatedDevice get() {
         return DEVICE;
     }
@@ -63,16 +59,7 @@ public final class SimulatedDevice {
      *     becomes another beneath a running application does not exist
      */
     public static SimulatedDevice start(String device) {
-        byte[] name = String.valueOf(device).getBytes(UTF_8);
-        if (!isLibraryLoaded()) {
-            startAs(name);
-        } else if (runsAs(name)) {
-            DEVICE.restore();
-        } else {
-            throw new IllegalStateException("The library is loaded, on the device " + path()
-                    + ": start another before KvNativeInterface is first used, or with"
-                    + " ./simulate --device");
-        }
+        startAs(String.valueOf(device).getBytes(UTF_8));
         return DEVICE;
     }
 
@@ -87,21 +74,11 @@ public final class SimulatedDevice {
     }
 
     /**
-     * The thirteen services.
-     *
-     * @return their names, in the order in which the library connects them
+     * {@return the names of the thirteen services, in the order in which the library connects
+     * them}
      */
     public List<String> services() {
         return List.of(serviceNames());
-    }
-
-    /**
-     * The methods of the vendor's interfaces.
-     *
-     * @return their names, in alphabetical order
-     */
-    public List<String> methods() {
-        return List.of(methodNames());
     }
 
     /**
@@ -111,11 +88,7 @@ public final class SimulatedDevice {
      * @return its backend; null when the library does not hold it
      */
     public Backend holder(String service) {
-        check(service, services(), "service");
-        for (Backend backend : Backend.values()) {
-            if (holds(backend.ordinal(), service)) return backend;
-        }
-        return null;
+        return backend(service, true);
     }
 
     /**
@@ -125,11 +98,7 @@ public final class SimulatedDevice {
      * @return its backend, AIDL when it runs over both; null when it does not run
      */
     public Backend runs(String service) {
-        check(service, services(), "service");
-        for (Backend backend : Backend.values()) {
-            if (isRunning(backend.ordinal(), service)) return backend;
-        }
-        return null;
+        return backend(service, false);
     }
 
     /**
@@ -144,9 +113,7 @@ public final class SimulatedDevice {
      * @throws IllegalArgumentException when that service does not run over that backend
      */
     public void kill(Backend backend, String service) {
-        checkRuns(backend, service);
-        kill(backend.ordinal(), service);
-        awaitHeard(PATIENCE_MS);
+        kill(number(backend), String.valueOf(service));
     }
 
     /**
@@ -157,8 +124,7 @@ public final class SimulatedDevice {
      * @param service the service
      */
     public void restart(Backend backend, String service) {
-        checkHas(backend, service);
-        restart(backend.ordinal(), service);
+        restart(number(backend), String.valueOf(service));
     }
 
     /**
@@ -169,8 +135,7 @@ public final class SimulatedDevice {
      * @param service the service
      */
     public void declare(Backend backend, String service) {
-        checkHas(backend, service);
-        declare(backend.ordinal(), service);
+        declare(number(backend), String.valueOf(service));
     }
 
     /**
@@ -180,12 +145,7 @@ public final class SimulatedDevice {
      * @throws IllegalArgumentException when nothing in that process runs
      */
     public void killProcess(String service) {
-        check(service, services(), "service");
-        List<String> running = new ArrayList<>(services());
-        running.removeIf(name -> !isProcessRunning(name));
-        check(service, running, "running process of service");
-        killProcessOf(service);
-        awaitHeard(PATIENCE_MS);
+        killProcessOf(String.valueOf(service));
     }
 
     /**
@@ -194,42 +154,7 @@ public final class SimulatedDevice {
      * @param service the service
      */
     public void restartProcess(String service) {
-        check(service, services(), "service");
-        restartProcessOf(service);
-    }
-
-    /**
-     * Has the next call of a method answered so; each further answer serves one more call.
-     *
-     * @param method the vendor's method, or fewer calls, as {@link #on} takes them
-     * @param code the number that it answers
-     * @param text the text that it answers
-     */
-    public void answer(String method, int code, String text) {
-        answer(method, code, text, "");
-    }
-
-    /**
-     * The same with the second text, which few methods have ("i2cTest" has).
-     *
-     * @param method the vendor's method
-     * @param code the number that it answers
-     * @param text the text that it answers
-     * @param detail the second text
-     */
-    public void answer(String method, int code, String text, String detail) {
-        on(method).times(1).answer(code, text, detail);
-    }
-
-    /**
-     * Lets the next call of a method over this backend fail on its way, as {@link Calls#fail} does.
-     *
-     * @param backend the backend
-     * @param method the vendor's method
-     */
-    public void fail(Backend backend, String method) {
-        check(backend);
-        on(backend.name().toLowerCase(Locale.ROOT) + " " + method).times(1).fail();
+        restartProcessOf(String.valueOf(service));
     }
 
     /**
@@ -283,26 +208,7 @@ public final class SimulatedDevice {
 
         /** They are answered as usual, after the delay. */
         public void answerAsUsual() {
-            add(Kind.USUAL, 0, "", "");
-        }
-
-        /**
-         * They are answered so.
-         *
-         * @param code the number
-         */
-        public void answer(int code) {
-            answer(code, "", "");
-        }
-
-        /**
-         * They are answered so.
-         *
-         * @param code the number
-         * @param text the text
-         */
-        public void answer(int code, String text) {
-            answer(code, text, "");
+            add(Kind.USUAL, 0);
         }
 
         /**
@@ -310,23 +216,29 @@ public final class SimulatedDevice {
          * texts of more than half a megabyte fail on their way.
          *
          * @param code the number
-         * @param text the text
-         * @param detail the second text
+         * @param texts the text, and the second text that few methods have ("i2cTest" has); empty
+         *     where they are left out
          * @throws IllegalArgumentException for texts that are null or that no call could carry to
          *     Java: too long, or with U+0000 or half a surrogate pair
          */
-        public void answer(int code, String text, String detail) {
-            if (text == null || detail == null) {
+        public void answer(int code, String... texts) {
+            if (texts == null || Arrays.asList(texts).contains(null)) {
                 throw new IllegalArgumentException("a text is null, which no service's can be");
             }
-            if ((text + detail).indexOf('\0') >= 0) {
-                throw new IllegalArgumentException(
-                        "U+0000 ends a service's text: nothing may follow");
+            if (texts.length > 2) {
+                throw new IllegalArgumentException("an answer has two texts at the most");
             }
-            if (!UTF_8.newEncoder().canEncode(text) || !UTF_8.newEncoder().canEncode(detail)) {
-                throw new IllegalArgumentException("half a surrogate pair is no text of a service");
+            for (String text : texts) {
+                if (text.indexOf('\0') >= 0) {
+                    throw new IllegalArgumentException(
+                            "U+0000 ends a service's text: nothing may follow");
+                }
+                if (!UTF_8.newEncoder().canEncode(text)) {
+                    throw new IllegalArgumentException(
+                            "half a surrogate pair is no text of a service");
+                }
             }
-            add(Kind.ANSWERS, code, text, detail);
+            add(Kind.ANSWERS, code, texts);
         }
 
         /**
@@ -336,7 +248,7 @@ public final class SimulatedDevice {
          *     there such a failure ends the process
          */
         public void fail() {
-            add(Kind.FAILS, 0, "", "");
+            add(Kind.FAILS, 0);
         }
 
         /**
@@ -344,17 +256,17 @@ public final class SimulatedDevice {
          * the device is restored; then they are answered as usual.
          */
         public void hang() {
-            add(Kind.HANGS, 0, "", "");
+            add(Kind.HANGS, 0);
         }
 
-        private void add(Kind kind, int code, String text, String detail) {
-            byte[] textBytes = text.getBytes(UTF_8);
-            byte[] detailBytes = detail.getBytes(UTF_8);
-            if (textBytes.length + detailBytes.length > MOST_BYTES) {
+        private void add(Kind kind, int code, String... texts) {
+            byte[] text = texts.length < 1 ? new byte[0] : texts[0].getBytes(UTF_8);
+            byte[] detail = texts.length < 2 ? new byte[0] : texts[1].getBytes(UTF_8);
+            if (text.length + detail.length > MOST_BYTES) {
                 throw new IllegalArgumentException("texts of more than " + MOST_BYTES + " bytes");
             }
-            addRule(String.valueOf(calls).getBytes(UTF_8), times, delay, kind.ordinal(), code,
-                    textBytes, detailBytes);
+            addRule(String.valueOf(calls).getBytes(UTF_8), times, delay, kind.ordinal(), code, text,
+                    detail);
         }
     }
 
@@ -420,52 +332,23 @@ public final class SimulatedDevice {
      */
     public native void restore();
 
-    private void check(String name, List<String> right, String what) {
-        if (name == null || !right.contains(name)) {
-            throw new IllegalArgumentException(
-                    "no " + what + " \"" + name + "\"; there are: " + String.join(", ", right));
-        }
-    }
-
-    private void check(Backend backend) {
+    private static int number(Backend backend) {
         if (backend == null) throw new IllegalArgumentException("the backend is AIDL or HIDL");
+        return backend.ordinal();
     }
 
-    private void checkHas(Backend backend, String service) {
-        check(backend);
-        List<String> having = new ArrayList<>(services());
-        having.removeIf(name -> !has(backend.ordinal(), name));
-        check(service, having, "service over " + backend);
-    }
-
-    private void checkRuns(Backend backend, String service) {
-        check(backend);
-        List<String> running = new ArrayList<>(services());
-        running.removeIf(name -> !isRunning(backend.ordinal(), name));
-        check(service, running, "running service over " + backend);
+    private static Backend backend(String service, boolean held) {
+        int number = backendOf(String.valueOf(service), held);
+        return number < 0 ? null : Backend.values()[number];
     }
 
     private static native void startAsNamed();
 
     private static native void startAs(byte[] device);
 
-    private static native boolean runsAs(byte[] device);
-
-    private static native String path();
-
-    private static native boolean isLibraryLoaded();
-
     private static native String[] serviceNames();
 
-    private static native String[] methodNames();
-
-    private static native boolean has(int backend, String service);
-
-    private static native boolean holds(int backend, String service);
-
-    private static native boolean isProcessRunning(String service);
-
-    private static native boolean isRunning(int backend, String service);
+    private static native int backendOf(String service, boolean held);
 
     private static native void kill(int backend, String service);
 
@@ -481,8 +364,6 @@ public final class SimulatedDevice {
             byte[] calls, int times, long delay, int kind, int code, byte[] text, byte[] detail);
 
     private static native String[] takeCalls();
-
-    private static native boolean awaitHeard(int milliseconds);
 
     private static native boolean settle(int milliseconds);
 

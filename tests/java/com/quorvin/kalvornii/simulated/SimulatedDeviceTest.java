@@ -46,16 +46,16 @@ class SimulatedDeviceTest {
         refused("AIDL or HIDL", () -> device.kill(null, "factory"));
         refused(all, () -> device.killProcess("nobody"));
         refused(all, () -> device.restartProcess(null));
-        refused("readNv, ", () -> device.answer("nativeReadNvValue", 0, ""));
-        refused("1000000 bytes", () -> device.answer("readNv", 0, "x".repeat(1000001)));
-        refused("null", () -> device.answer("readNv", 0, null));
-        refused("U+0000", () -> device.answer("readNv", 0, "cut\0off"));
-        refused("surrogate", () -> device.answer("readNv", 0, "\uD83D \uDE00"));
-        refused("surrogate", () -> device.answer("i2cTest", 0, "", "\uDE00"));
-        refused("null", () -> device.answer("i2cTest", 0, "", null));
-        refused("readNv, ", () -> device.fail(AIDL, null));
-        refused("readNv, ", () -> device.fail(HIDL, "setLightsBrightness"));
-        refused("AIDL or HIDL", () -> device.fail(null, "readNv"));
+        refused("readNv, ", () -> device.on("nativeReadNvValue").answer(0, ""));
+        refused("1000000 bytes", () -> device.on("readNv").answer(0, "x".repeat(1000001)));
+        refused("null", () -> device.on("readNv").answer(0, (String) null));
+        refused("U+0000", () -> device.on("readNv").answer(0, "cut\0off"));
+        refused("surrogate", () -> device.on("readNv").answer(0, "\uD83D \uDE00"));
+        refused("surrogate", () -> device.on("i2cTest").answer(0, "", "\uDE00"));
+        refused("null", () -> device.on("i2cTest").answer(0, "", null));
+        refused("two texts", () -> device.on("i2cTest").answer(0, "", "", ""));
+        refused("readNv, ", () -> device.on(null).hang());
+        refused("readNv, ", () -> device.on("hidl setLightsBrightness").fail());
         refused("no service \"fan\"; there are: " + all, () -> device.on("fan.readNv").fail());
         refused("no service sim over hidl", () -> device.on("hidl sim.setSimPowerState").hang());
         refused("not a call", () -> device.on("aidl factory.readNv(7").answer(0));
@@ -168,9 +168,9 @@ class SimulatedDeviceTest {
 
     @Test
     void answersAndFailsAsToldAndShowsWhatItWasAsked() {
-        device.answer("readNv", 0, "Prüfstand 測試 \uD83D\uDE00");
-        device.answer("i2cTest", 0, "pass", "bus9");
-        device.fail(AIDL, "setTestResult");
+        device.on("readNv").times(1).answer(0, "Prüfstand 測試 \uD83D\uDE00");
+        device.on("i2cTest").times(1).answer(0, "pass", "bus9");
+        device.on("aidl setTestResult").times(1).fail();
         assertEquals("Prüfstand 測試 \uD83D\uDE00", kv.nativeReadNvValue(7));
         assertEquals("pass", kv.nativeI2cTest());
         assertEquals("bus9", KvNativeInterface.i2cInfo);
@@ -240,8 +240,8 @@ class SimulatedDeviceTest {
     @Test
     void forgetsWhenItIsRestored() {
         kv.nativeWriteNvValue("kept", 8);
-        device.answer("getVersionName", 0, "another board");
-        device.fail(HIDL, "handleSensorPara");
+        device.on("getVersionName").times(1).answer(0, "another board");
+        device.on("hidl handleSensorPara").times(1).fail();
         device.kill(AIDL, "display");
         device.restore();
         assertEquals(List.of(), device.receivedInAll());

@@ -168,7 +168,7 @@ public final class RunningTest {
 
     private static Item answered(int code, String scripted, Item item) {
         return new Item(item.method, item.name, item.sound, () -> {
-            SimulatedDevice.get().answer(scripted, code, "");
+            SimulatedDevice.get().on(scripted).times(1).answer(code);
             return item.run.get();
         });
     }

@@ -135,7 +135,8 @@ final class DeviceRun {
             long left = Math.max(0, calls * (i + 1) / stretches - made);
             boolean dies = deaths * (i + 1) / stretches > deaths * i / stretches;
             boolean secondHalf = i >= stretches / 2;
-            if (i == stretches / 2 && !plant.isEmpty()) DEVICE.answer(plant, 4711, "planted");
+            if (i == stretches / 2 && !plant.isEmpty())
+                DEVICE.on(plant).times(1).answer(4711, "planted");
             long before = Native.bytesInUse();
             long callsBefore = made;
             call(dies ? left - left / 2 : left);
