@@ -2,32 +2,16 @@
 // "threadtime" format shows it.
 #include <android/log.h>
 #include <fcntl.h>
+#include <log/logprint.h>
 #include <stdlib.h>
+#include <string.h>
 #include <time.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cstdio>
-#include <sstream>
-#include <string>
-
-#include "platform/android/priority_letter.h"
 
 namespace {
-
-std::string Lead(const __android_logger_data& data) {
-    timespec now{};
-    tm local{};
-    clock_gettime(CLOCK_REALTIME, &now);
-    localtime_r(&now.tv_sec, &local);
-    char time[32];
-    strftime(time, sizeof(time), "%m-%d %H:%M:%S", &local);
-    char lead[128];
-    snprintf(lead, sizeof(lead), "%s.%03ld %5d %5d %c %-8s: ", time, now.tv_nsec / 1000000,
-             getpid(), gettid(), kalvorn::host::PriorityLetter(data.priority),
-             data.tag == nullptr ? "" : data.tag);
-    return lead;
-}
 
 const char* g_path = "";
 std::atomic<bool> g_ended{false};
@@ -38,18 +22,29 @@ int LogFile() {
     return file;
 }
 
-// Each line of a message gets the lead, and one at its end is dropped, as logcat does it. One
-// write, so that the lines of two threads or processes do not mix.
+AndroidLogFormat* ThreadTime() {
+    AndroidLogFormat* format = android_log_format_new();
+    android_log_setPrintFormat(format, FORMAT_THREADTIME);
+    return format;
+}
+
+// One write, so that the lines of two threads or processes do not mix.
 void WriteLines(const __android_logger_data* data, const char* message) {
     if (g_ended) return;
     static const int file = LogFile();
     if (file < 0) return;
-    const std::string lead = Lead(*data);
-    std::istringstream lines(message);
-    std::string text;
-    for (std::string line; std::getline(lines, line);) text += lead + line + '\n';
-    if (text.empty()) text = lead + '\n';
-    if (write(file, text.data(), text.size()) < 0) perror("simulated device");
+    static AndroidLogFormat* const format = ThreadTime();
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    const char* tag = data->tag == nullptr ? "" : data->tag;
+    const auto priority = static_cast<android_LogPriority>(data->priority);
+    const AndroidLogEntry entry{now.tv_sec, now.tv_nsec, priority,    /*uid=*/-1,      getpid(),
+                                gettid(),   tag,         strlen(tag), strlen(message), message};
+    size_t length = 0;
+    char buffer[1024];
+    char* lines = android_log_formatLogLine(format, buffer, sizeof(buffer), &entry, &length);
+    if (lines == nullptr || write(file, lines, length) < 0) perror("simulated device");
+    if (lines != buffer) free(lines);
 }
 
 __attribute__((constructor)) void Redirect() {

@@ -76,7 +76,7 @@ std::vector<std::string> ServicesThat(const std::function<bool(const std::string
 }
 
 std::string ServiceNamed(JNIEnv* env, jstring service) {
-    const std::string name = Text(env, service);
+    std::string name = Text(env, service);
     CheckName("service", name, Device::Services());
     return name;
 }
@@ -84,7 +84,7 @@ std::string ServiceNamed(JNIEnv* env, jstring service) {
 /** One that the backend has, or that runs over it. */
 Member MemberNamed(JNIEnv* env, jint number, jstring service, bool running) {
     const auto backend = static_cast<Backend>(number);
-    const Member member{backend, Text(env, service)};
+    Member member{backend, Text(env, service)};
     CheckName(std::string(running ? "running " : "") + "service over " +
                       (backend == Backend::kAidl ? "AIDL" : "HIDL"),
               member.name, ServicesThat([&](const std::string& name) {
