@@ -18,7 +18,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <deque>
+#include <string_view>
 #include <type_traits>
+#include <unordered_map>
 #include <vector>
 
 namespace {
@@ -81,33 +83,19 @@ bool Has(Fault fault) {
     return g_run.fault == fault;
 }
 
-// A thread rests before the step that it is at. With each step goes what it works on, where that is
-// not seen by other threads once the obituary is out; OWN at no time but in fine runs.
+// A thread rests before the step that it is at.
 // clang-format off
-#define STEPS(X)                                                                                 \
-    X(ReadNotice, ANY) X(Take, ANY) X(Unlink, OBJECT) X(Add, OWN_OBJECT) X(DropTaken, OWN_OBJECT) \
-    X(IsConnected, ANY) X(CountHeld, ANY) X(IsHeldOut, HELD) X(DropConnected, OWN_HELD)          \
-    X(TakeBack, ANY) X(AddHeld, OWN_HELD) X(DropHeld, OWN_HELD) X(WaitForDeclared, ANY)          \
-    X(IsBinderAlive, OBJECT) X(DropRefused, OBJECT) X(IsHeld, ANY) X(LinkToDeath, OBJECT)           \
-    X(Publish, ANY) X(LinkLate, ANY) X(DropPublished, OWN_OBJECT) X(UnlinkOwn, OBJECT)           \
-    X(AddOwn, OWN_OBJECT) X(DropOwn, OWN_OBJECT) X(ExchangeEntries, ANY) X(LoadCopies, ANY)      \
-    X(NextEntry, ANY) X(CountCopy, ANY) X(Ping, ANY) X(DropCopy, OWN_HELD) X(PushOrDelete, ANY)  \
-    X(Finished, ANY) X(Read, ANY) X(CountRead, ANY) X(Call, ANY) X(DropRead, HELD)
+#define STEPS(X)                                                                                  \
+    X(ReadNotice) X(Take) X(Unlink) X(Add) X(DropTaken) X(IsConnected) X(CountHeld) X(IsHeldOut)  \
+    X(DropConnected) X(TakeBack) X(AddHeld) X(DropHeld) X(WaitForDeclared) X(IsBinderAlive)       \
+    X(DropRefused) X(IsHeld) X(LinkToDeath) X(Publish) X(LinkLate) X(DropPublished) X(UnlinkOwn)  \
+    X(AddOwn) X(DropOwn) X(ExchangeEntries) X(LoadCopies) X(NextEntry) X(CountCopy) X(Ping)       \
+    X(DropCopy) X(PushOrDelete) X(Finished) X(Read) X(CountRead) X(Call) X(DropRead)
 // clang-format on
-enum At {
-#define X(step, on) k##step,
-    STEPS(X)
-#undef X
-};
-enum On { ANY, OBJECT, HELD, OWN_OBJECT, OWN_HELD };
-constexpr struct {
-    const char* name;
-    On on;
-} kSteps[] = {
-#define X(step, on) {#step, on},
-        STEPS(X)
-#undef X
-};
+#define STEP_ENUM(step) k##step,
+#define STEP_NAME(step) #step,
+enum At { STEPS(STEP_ENUM) };
+constexpr const char* kStepNames[] = {STEPS(STEP_NAME)};
 
 constexpr unsigned kServices = 2, kLives = 3, kThreads = 4, kObjects = 13;
 
@@ -134,7 +122,6 @@ struct State {
     uint8_t life, brokenCalls, copies, unused;
 
     bool operator==(const State& other) const { return memcmp(this, &other, sizeof *this) == 0; }
-    bool operator<(const State& other) const { return memcmp(this, &other, sizeof *this) < 0; }
 };
 
 static_assert(std::has_unique_object_representations_v<State>, "states are compared as bytes");
@@ -276,17 +263,12 @@ struct Next : State {
     }
 
     bool RunThread(Thread& t);
-    bool IsSeenByNobody(const Thread& t);
 
     bool Run(unsigned thread) {
         self = thread;
         Thread& t = threads[thread];
-        if (t.lastRef != 0) {
-            OnLastStrongRef();
-        } else {
-            if (!RunThread(t)) return false;
-            while (wrong == nullptr && t.lastRef == 0 && IsSeenByNobody(t)) RunThread(t);
-        }
+        if (t.lastRef == 0) return RunThread(t);
+        OnLastStrongRef();
         return true;
     }
 };
@@ -295,8 +277,12 @@ struct Next : State {
     t.at = step;   \
     return true;   \
     case step:
+#define FINE_STEP(step) \
+    if (Is(kFine)) {    \
+        STEP(step);     \
+    }
 #define DROP(step, reference) \
-    STEP(step);               \
+    FINE_STEP(step);          \
     Drop(reference);          \
     reference = 0
 #define COUNT(step)  \
@@ -320,7 +306,7 @@ bool Next::RunThread(Thread& t) {
                     if (t.object == 0) continue;
                     STEP(kUnlink);
                     UnlinkToDeath(t.object);
-                    STEP(kAdd);
+                    FINE_STEP(kAdd);
                     Retire(t.object);
                     DROP(kDropTaken, t.object);
                 }
@@ -368,7 +354,9 @@ bool Next::RunThread(Thread& t) {
                     for (; t.service < g_run.services; t.service++) {
                         for (;;) {  // Connect
                             if (t.object != 0) {
-                                DROP(kDropRefused, t.object);
+                                STEP(kDropRefused);
+                                Drop(t.object);
+                                t.object = 0;
                             }
                             STEP(kIsConnected);
                             t.held = globals[t.service];
@@ -383,7 +371,7 @@ bool Next::RunThread(Thread& t) {
                                 if (globals[t.service] == t.held) {
                                     globals[t.service] = 0;
                                     objects[t.held].count--;
-                                    STEP(kAddHeld);
+                                    FINE_STEP(kAddHeld);
                                     Retire(t.held);
                                 }
                                 DROP(kDropHeld, t.held);
@@ -418,7 +406,7 @@ bool Next::RunThread(Thread& t) {
                                 }
                             }
                             if (!Has(kLoserDropped)) {
-                                STEP(kAddOwn);
+                                FINE_STEP(kAddOwn);
                                 Retire(t.object);
                             }
                             DROP(kDropOwn, t.object);
@@ -442,36 +430,30 @@ bool Next::RunThread(Thread& t) {
             COUNT(kCountRead);
             STEP(kCall);
             Answers(t.held);
-            DROP(kDropRead, t.held);
+            STEP(kDropRead);
+            Drop(t.held);
+            t.held = 0;
             t.at = kRead;
             return true;
     }
     return false;
 }
 
-/** An obituary that is out stays so, and its proxy has no links: the step may come at any time. */
-bool Next::IsSeenByNobody(const Thread& t) {
-    const On on = kSteps[t.at].on;
-    if (on == ANY) return false;
-    if (!Is(kFine) && (on == OWN_OBJECT || on == OWN_HELD)) return true;
-    return ProxyOf(on == OBJECT || on == OWN_OBJECT ? t.object : t.held).isObituaryOut;
-}
-
 /**
- * Forgets what can have no effect any more, so that states which differ in it are one: a retired
- * entry whose obituary is out, or that another one beside it equals; a life that is over.
+ * Forgets retired entries that can have no effect any more: whose obituary is out, or that another
+ * one beside it equals.
  */
 void Forget(State& s) {
-    const auto threadHas = [&](auto has) {
-        return std::any_of(s.threads, std::end(s.threads), has);
-    };
     bool isThere[kServices][kLives][kThreads + 2] = {};
     for (unsigned o = 1; o <= kObjects; o++) {
         Object& object = s.objects[o];
         const auto refers = [o](const Thread& t) {
             return t.held == o || t.object == o || t.entry == o;
         };
-        if (object.retiredBy == 0 || object.count > 1 || threadHas(refers)) continue;
+        if (object.retiredBy == 0 || object.count > 1 ||
+            std::any_of(s.threads, std::end(s.threads), refers)) {
+            continue;
+        }
         Proxy& proxy = s.proxies[object.service][object.life];
         bool& isEqualThere = isThere[object.service][object.life][object.retiredBy];
         if ((object.retiredBy == 1 && proxy.isObituaryOut) || isEqualThere) {
@@ -481,21 +463,17 @@ void Forget(State& s) {
             isEqualThere = true;
         }
     }
-    for (unsigned i = 0; i < g_run.services; i++) {
-        for (unsigned life = 0; life < s.life; life++) {
-            Proxy& proxy = s.proxies[i][life];
-            const unsigned ref = 1 + i * kLives + life;
-            if (proxy.strong > 0 || proxy.notices > 0 || s.names[i] == life + 1) continue;
-            if (threadHas([ref](const Thread& t) { return t.lastRef == ref; })) continue;
-            if (!proxy.isNodeDead) continue;
-            proxy = {};
-            proxy.isNodeDead = 1;
-        }
-    }
 }
 
-/** The state with its threads in this order, and its objects numbered as they are met. */
-State Renumbered(const State& s, const unsigned (&order)[kThreads]) {
+/**
+ * One of all the states that differ in names only: binder threads are alike, as are objects, which
+ * are numbered as they are met.
+ */
+State Canonical(State s) {
+    Forget(s);
+    unsigned order[kThreads] = {0, 1, 2, 3};
+    std::stable_sort(order, order + std::min(g_run.notices, kThreads),
+                     [&](unsigned a, unsigned b) { return s.threads[a].at < s.threads[b].at; });
     State r = s;
     unsigned by[kThreads + 2] = {0, 1};
     for (unsigned i = 0; i < kThreads; i++) {
@@ -513,40 +491,21 @@ State Renumbered(const State& s, const unsigned (&order)[kThreads]) {
         t.held = meet(t.held);
         t.entry = meet(t.entry);
     }
-    const auto isBefore = [&](unsigned a, unsigned b) {
-        const auto rank = [&](const Object& o) {
-            return (by[o.retiredBy] * 2 + o.service) * 4 + o.life;
-        };
-        return rank(s.objects[a]) < rank(s.objects[b]);
-    };
-    unsigned others[kObjects], n = 0;
-    for (unsigned o = 1; o <= kObjects; o++) {
-        if (s.objects[o].count > 0 && numbers[o] == 0) others[n++] = o;
-    }
-    std::sort(others, others + n, isBefore);
-    for (unsigned i = 0; i < n; i++) meet(others[i]);
     memset(r.objects, 0, sizeof r.objects);
+    std::vector<Object> others;
     for (unsigned o = 1; o <= kObjects; o++) {
-        if (numbers[o] == 0) continue;
-        r.objects[numbers[o]] = s.objects[o];
-        r.objects[numbers[o]].retiredBy = by[s.objects[o].retiredBy];
+        Object object = s.objects[o];
+        object.retiredBy = by[object.retiredBy];
+        if (numbers[o] != 0) {
+            r.objects[numbers[o]] = object;
+        } else if (object.count > 0) {
+            others.push_back(object);
+        }
     }
+    std::sort(others.begin(), others.end(),
+              [](const Object& a, const Object& b) { return memcmp(&a, &b, sizeof a) < 0; });
+    std::copy(others.begin(), others.end(), r.objects + 1 + met);
     return r;
-}
-
-/** One of all the states that differ in names only: binder threads are alike, as are objects. */
-State Canonical(State s) {
-    Forget(s);
-    const auto isBefore = [&](unsigned a, unsigned b) { return s.threads[a].at < s.threads[b].at; };
-    unsigned order[kThreads] = {0, 1, 2, 3};
-    unsigned* const last = order + std::min(g_run.notices, kThreads);
-    State least;
-    memset(&least, 0xff, sizeof least);
-    do {
-        if (!std::is_sorted(order, last, isBefore)) continue;
-        least = std::min(least, Renumbered(s, order));
-    } while (std::next_permutation(order, last));
-    return least;
 }
 
 /**
@@ -560,7 +519,7 @@ void ForEachNext(const State& s, Visit visit) {
         for (unsigned choice = 0, choices = 1; choice < choices; choice++) {
             Next next(s);
             next.choice = choice;
-            const char* const what = t.lastRef != 0 ? "OnLastStrongRef" : kSteps[t.at].name;
+            const char* const what = t.lastRef != 0 ? "OnLastStrongRef" : kStepNames[t.at];
             if (next.Run(i)) visit(next, t.at != kRead, what, i);
             choices = next.choices;
         }
@@ -636,12 +595,12 @@ class Search {
     const char* Run() {
         Add(Canonical(Start()), 0);
         for (uint32_t at = 0; at < mStates.size(); at++) {
-            const State s = mStates[at];
+            const State& s = *mStates[at];
             const char* wrong = nullptr;
             mFirst.push_back(mFollowing.size());
             ForEachNext(s, [&](const Next& next, bool must, const char*, unsigned) {
-                const uint32_t following = next.wrong == nullptr ? Add(Canonical(next), at) : at;
                 if (next.wrong != nullptr) wrong = next.wrong;
+                const uint32_t following = wrong == nullptr ? Add(Canonical(next), at) : at;
                 if (must) mFollowing.push_back(following);
             });
             const bool isAtRest = mFollowing.size() == mFirst.back();
@@ -654,37 +613,27 @@ class Search {
     size_t Size() const { return mStates.size(); }
 
   private:
-    static constexpr uint32_t kFree = ~0u;
-    std::deque<State> mStates;
+    struct Hash {
+        size_t operator()(const State& s) const {
+            const std::string_view bytes(reinterpret_cast<const char*>(&s), sizeof s);
+            return std::hash<std::string_view>()(bytes);
+        }
+    };
+
+    std::unordered_map<State, uint32_t, Hash> mNumbers;
+    std::deque<const State*> mStates;
     std::deque<uint32_t> mFrom;   // the state that each was first reached from
     std::deque<uint64_t> mFirst;  // of those in mFollowing that must come after each
     std::deque<uint32_t> mFollowing;
-    std::vector<uint32_t> mTable;
 
-    /** The place of the state, or of where it would be. */
-    uint32_t& PlaceOf(const State& s) {
-        uint64_t hash = 0;
-        uint32_t words[sizeof s / sizeof(uint32_t)];
-        memcpy(words, &s, sizeof words);
-        for (uint32_t word : words) hash = ((hash ^ word) * 0xff51afd7ed558ccd) ^ (hash >> 31);
-        const size_t last = mTable.size() - 1;
-        size_t at = (hash ^ hash >> 32) & last;
-        while (mTable[at] != kFree && !(mStates[mTable[at]] == s)) at = (at + 1) & last;
-        return mTable[at];
-    }
-
+    /** Its number. */
     uint32_t Add(const State& s, uint32_t from) {
-        if (mStates.size() * 3 >= mTable.size() * 2) {
-            mTable.assign(std::max<size_t>(1 << 12, mTable.size() * 2), kFree);
-            for (uint32_t i = 0; i < mStates.size(); i++) PlaceOf(mStates[i]) = i;
-        }
-        uint32_t& place = PlaceOf(s);
-        if (place == kFree) {
-            place = mStates.size();
-            mStates.push_back(s);
+        const auto [place, isNew] = mNumbers.emplace(s, mStates.size());
+        if (isNew) {
+            mStates.push_back(&place->first);
             mFrom.push_back(from);
         }
-        return place;
+        return place->second;
     }
 
     /** From each state it can come to rest by steps that must come. */
@@ -715,7 +664,7 @@ class Search {
             const char* step = nullptr;
             unsigned by = 0;
             ForEachNext(s, [&](const Next& next, bool, const char* what, unsigned who) {
-                if (next.wrong != nullptr || !(Canonical(next) == mStates[path.back()])) return;
+                if (next.wrong != nullptr || !(Canonical(next) == *mStates[path.back()])) return;
                 following = next;
                 step = what;
                 by = who;
