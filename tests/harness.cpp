@@ -452,21 +452,6 @@ void LibraryTest::LoadWithProfile(const std::string& profile) {
     TakeLog();
 }
 
-std::vector<Case> OnBoth(const std::vector<Both>& calls) {
-    std::vector<Case> cases;
-    for (const Both& c : calls) {
-        for (const Backend backend : {kAidl, kHidl}) {
-            const bool isAidl = backend == kAidl;
-            std::vector<std::string> log = isAidl ? c.aidlLog : c.hidlLog;
-            log.insert(log.begin(), c.dispatch + (isAidl ? "ByAidl" : "ByHidl"));
-            const bool hasOtherResult = !isAidl && !c.hidlResult.empty();
-            cases.push_back({backend, c.service, c.method, c.args, c.script, c.calls, log,
-                             hasOtherResult ? c.hidlResult : c.result});
-        }
-    }
-    return cases;
-}
-
 void OperationTest::Run(const std::vector<Case>& cases) {
     for (const Case& c : cases) {
         LoadWith(c.backend, c.service);

@@ -170,22 +170,6 @@ struct Case {
     std::string result;
 };
 
-/** The same call over either backend, each with its own lines after that of the dispatch. */
-struct Both {
-    const char* service;
-    const char* method;
-    std::vector<java::Arg> args;
-    std::vector<std::pair<const char*, Answer>> script;
-    std::vector<std::string> calls;
-    std::string dispatch;  // "E SocTest" for the lines "E SocTestByAidl" and "E SocTestByHidl"
-    std::vector<std::string> aidlLog;
-    std::vector<std::string> hidlLog;
-    std::string result;
-    std::string hidlResult = {};  // when it is another
-};
-
-std::vector<Case> OnBoth(const std::vector<Both>& calls);
-
 class OperationTest : public LibraryTest {
   protected:
     void Run(const std::vector<Case>& cases);
