@@ -58,17 +58,6 @@ class ConnectionsTest : public LibraryTest {
     }
 };
 
-TEST_F(ConnectionsTest, EveryServiceHasARow) {
-    std::vector<std::string> rows;
-    for (const ServiceRow& row : kServices) {
-        rows.push_back(row.name);
-        EXPECT_EQ(device.Has(kHidl, row.name), row.hidlStart != nullptr) << row.name;
-    }
-    EXPECT_EQ(Device::Services(), rows)
-            << "kServices in tests/every_service.h has to have a row for each of "
-               "Device::Services() in simulator/device.cpp, in the same order.";
-}
-
 TEST_F(ConnectionsTest, EachServiceIsDecidedSeparatelyAndInOrder) {
     for (const char* profile : {"aidl", "hidl", "mixed", "bare"}) {
         SCOPED_TRACE(profile);

@@ -115,19 +115,6 @@ class EveryMethodTest : public LibraryTest {
     void ExpectNothingAsked() { EXPECT_EQ(Lines{}, device.TakeCalls()); }
 };
 
-TEST_F(EveryMethodTest, HasASample) {
-    std::istringstream declared(java::DeclaredNatives());
-    Lines natives;
-    for (std::string line; std::getline(declared, line);) {
-        natives.push_back(line.substr(0, line.find('(')));
-    }
-    Lines sampled;
-    for (const Sample& sample : Samples()) sampled.push_back(sample.method);
-    std::sort(sampled.begin(), sampled.end());
-    EXPECT_EQ(natives, sampled) << "samples/methods.samples (second) has to call each "
-                                   "native method of KvNativeInterface.java once.";
-}
-
 TEST_F(EveryMethodTest, DoesWhatItsSampleSays) {
     OverEach([&](const Sample& sample, Backend backend) {
         const Sample::Side& side = sample.On(backend);
