@@ -134,6 +134,14 @@ hidl H H H H H H H H H H H n n
 mixed A A H H A H A A A A A A n
 bare n n n n n n n n n n n n n
 END
+    # instances COLUMN DEVICE: those that the table for device trees names, and those of the status.
+    instances() {
+        ends 0 "$ctl" --device "$2" status --json
+        expect "instances of $2" "$(awk -F ' *[|] *' -v column="$1" '/^[|].*`vendor/ {print $column}' "$source/docs/device.md" | tr -d '`-')" \
+            "$(jq -r 'select(.backend).instance' out)"
+    }
+    instances 3 aidl
+    instances 4 hidl
     ends 1 "$ctl" --device bare call itemname a b
     ends 0 "$ctl" status light
     expect "of one" "light HIDL vendor.zantor.hardware.light@2.0::ILight/default aidlLight is null; g_light linkToDeath" "$(xargs <out)"
@@ -414,12 +422,4 @@ check_completions() {
     version=$(<"$source/VERSION")
     expect "version" "kalvornctl $version lib_kalvorn.so $version" "$(xargs <out)"
     holds "its version" "kalvornctl $version" "$page"
-}
-
-@test "several devices side by side, summed up by jq" {
-    printf '%s\n' aidl hidl bare >stations
-    # shellcheck disable=SC2016 # the inner shell's own
-    xargs -P 3 -I@ sh -c '"$0" --device @ call --json getboardname >@.json || true' "$ctl" <stations 2>err
-    expect "boards" '{"KV-MAIN-V3":2,"INVALID_SERVICE":1}' \
-        "$(jq -cs 'map(.result) | group_by(.) | map({(.[0]): length}) | add | {"KV-MAIN-V3", INVALID_SERVICE}' ./*.json)"
 }

@@ -5,45 +5,15 @@ import static org.junit.jupiter.api.Assertions.assertFalse;
 import static org.junit.jupiter.api.Assertions.assertThrows;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
-import com.quorvin.kalvornii.KvNativeInterface;
 import java.io.IOException;
-import java.lang.reflect.Modifier;
-import java.util.Arrays;
 import java.util.List;
 import java.util.Map;
 import java.util.TreeMap;
 import java.util.stream.Collectors;
-import java.util.stream.Stream;
 import org.junit.jupiter.api.Test;
 
 class ContractTest {
     private final Contract contract = Contract.read();
-
-    private static String signature(String result, String name, Stream<String> types) {
-        return result + " " + name + types.collect(Collectors.joining(",", "(", ")"));
-    }
-
-    @Test
-    void hasTheMethodsOfTheClass() {
-        List<String> declared = Arrays.stream(KvNativeInterface.class.getDeclaredMethods())
-                                        .filter(method -> Modifier.isNative(method.getModifiers()))
-                                        .map(method
-                                                -> signature(method.getReturnType().getSimpleName(),
-                                                        method.getName(),
-                                                        Arrays.stream(method.getParameterTypes())
-                                                                .map(Class::getSimpleName)))
-                                        .sorted()
-                                        .collect(Collectors.toList());
-        List<String> read = contract.methods()
-                                    .stream()
-                                    .map(method
-                                            -> signature(method.result, method.name,
-                                                    method.parameters.stream().map(
-                                                            parameter -> parameter.type)))
-                                    .sorted()
-                                    .collect(Collectors.toList());
-        assertEquals(declared, read);
-    }
 
     @Test
     void describesEveryMethodAndArgument() {
@@ -76,18 +46,6 @@ class ContractTest {
     }
 
     @Test
-    void tellsWhichStaticFieldsAMethodWrites() {
-        Map<String, List<String>> written = new TreeMap<>();
-        for (Contract.Method method : contract.methods()) {
-            if (!method.fields.isEmpty()) written.put(method.name, method.fields);
-        }
-        assertEquals(Map.of("nativeStorageJoblessTest", List.of("currentValue"),
-                             "nativeStorageTestJudge", List.of("currentValue"), "nativePowerTest",
-                             List.of("currentValue"), "nativeI2cTest", List.of("i2cInfo")),
-                written);
-    }
-
-    @Test
     void findsAMethodByWhatAPersonTypes() throws UsageException {
         assertEquals("nativeGetBoardName", contract.find("NATIVEGETBOARDNAME").name);
         assertEquals("nativeGetBoardName", contract.find("boardn").name);
@@ -99,14 +57,7 @@ class ContractTest {
     }
 
     @Test
-    void namesTheCandidatesOfAnAmbiguousPart() {
-        String message =
-                assertThrows(UsageException.class, () -> contract.find("Hertz")).getMessage();
-        assertTrue(message.endsWith("3 methods:"
-                           + "\n  String nativeStartHertzTest()"
-                           + "\n  int nativeStopHertzTest()"
-                           + "\n  int nativeGetHertzTestResult()"),
-                message);
+    void refusesWhatNamesNoneOrSeveral() {
         assertThrows(UsageException.class, () -> contract.find("native"));
         assertThrows(UsageException.class, () -> contract.find("hertzz"));
     }

@@ -1,15 +1,10 @@
 package com.quorvin.kalvornii.ctl;
 
 import static org.junit.jupiter.api.Assertions.assertEquals;
-import static org.junit.jupiter.api.Assertions.assertFalse;
 import static org.junit.jupiter.api.Assertions.assertNotNull;
 import static org.junit.jupiter.api.Assertions.assertNull;
 
-import java.io.IOException;
-import java.util.ArrayList;
-import java.util.HashMap;
 import java.util.List;
-import java.util.Map;
 import org.junit.jupiter.api.Test;
 
 class ServicesTest {
@@ -17,52 +12,6 @@ class ServicesTest {
             "vendor.zantor.hardware.biometrics.fingerprint.IFingerprint/default";
 
     private final Services services = new Services();
-
-    /** The names that a source uses for types, whole. */
-    private static Map<String, String> used(String source) {
-        Map<String, String> names = new HashMap<>();
-        for (List<String> using : Source.matches("using ((?:\\w+::)*(I\\w+));", source)) {
-            names.put(using.get(1), using.get(0).replace("::", ".").replaceFirst("^aidl\\.", ""));
-        }
-        return names;
-    }
-
-    /** The full instance of each connector, by its start line, from the library's own sources. */
-    private static Map<String, String> connectors(String folder) throws IOException {
-        Map<String, String> types = used(Source.read(folder + "/services.h"));
-        Map<String, String> instances = new HashMap<>();
-        for (List<String> row :
-                Source.matches("\\b(I\\w+), g_\\w+, \"(\\w+)\",(?: \\d+,)?\\s*\"(\\w+)\"",
-                        Source.read(folder + "/services.inc"))) {
-            instances.put(row.get(2), types.get(row.get(0)) + "/" + row.get(1));
-        }
-        assertFalse(instances.isEmpty());
-        return instances;
-    }
-
-    @Test
-    void areThoseOfTheLibrary() throws IOException {
-        Map<String, String> aidl = connectors("aidl");
-        aidl.put("InitAidlFingerprintService", FINGERPRINT);
-        Map<String, String> hidl = connectors("hidl");
-        List<String> expected = new ArrayList<>();
-        for (List<String> row : Source.matches("\\{\"([a-z_]+)\", native_aidl::\\w+, \\d+,\\s*"
-                             + "\"I (\\w+)\",(?:\\s*\"[^\"]*\",){2}\\s*(?:\"D (\\w+)\"|nullptr)",
-                     Source.read("tests/every_service.h"))) {
-            expected.add(row.get(0) + " " + aidl.remove(row.get(1)) + " "
-                    + (row.get(2) == null ? "null" : hidl.remove(row.get(2))));
-        }
-        assertEquals(Map.of(), aidl);
-        assertEquals(Map.of(), hidl);
-        List<String> found = new ArrayList<>();
-        for (Services.Service service : services.all()) {
-            found.add(service.name + " " + service.aidl.instance + " "
-                    + (service.hidl == null ? "null"
-                                            : service.hidl.instance.replaceFirst(
-                                                    "@(\\d)\\.(\\d)::", ".V$1_$2.")));
-        }
-        assertEquals(expected, found);
-    }
 
     private static LogLine line(int tid, String text) {
         LogLine line =

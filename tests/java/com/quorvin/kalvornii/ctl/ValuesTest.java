@@ -99,26 +99,6 @@ class ValuesTest {
         assertNull(parse("bigdatavalue", "null")[0]);
     }
 
-    private static void refused(String naming, String method, String... words) {
-        String message =
-                assertThrows(UsageException.class, () -> parse(method, words)).getMessage();
-        assertTrue(message.contains(naming), message);
-        assertTrue(message.contains("\n  "), message);  // the method's line
-    }
-
-    @Test
-    void namesWhatWasExpected() {
-        refused("id: ", "settestresult", "v");
-        refused("value: ", "settestresult");
-        refused("id: a 32-bit number", "settestresult", "3", "v");
-        refused("\"x\" is one argument too many", "settestresult", "v", "3", "x");
-        refused("\"x\" is one argument too many", "boardname", "x");
-        refused("signature: two hexadecimal digits a byte", "signature", "abc");
-        refused("version, commandId, operation, cycle, bsn, station", "bigdataop", "x=1");
-        refused("field=value is expected, not \"version\"", "bigdataop", "version");
-        refused("operation: version: a 32-bit number", "bigdataop", "version=x");
-    }
-
     @Test
     void writesJson() {
         BigDataValue record = new BigDataValue();
