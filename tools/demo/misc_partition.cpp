@@ -16,29 +16,18 @@ const char* Redirected(const char* path) {
     return file != nullptr && strcmp(path, "/dev/block/bootdevice/by-name/misc") == 0 ? file : path;
 }
 
-int OpenNext(const char* function, const char* path, int flags, va_list rest) {
+}  // namespace
+
+extern "C" int open64(const char* path, int flags, ...) {
     // The mode is there only when a file may be created.
     const bool hasMode = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
-    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the caller has started it
+    va_list rest;
+    va_start(rest, flags);
     const mode_t mode = hasMode ? va_arg(rest, mode_t) : 0;
-    const auto next = reinterpret_cast<Open>(dlsym(RTLD_NEXT, function));
+    va_end(rest);
+    const auto next = reinterpret_cast<Open>(dlsym(RTLD_NEXT, "open64"));
     return next(Redirected(path), flags, mode);
 }
 
-}  // namespace
-
-extern "C" int open(const char* path, int flags, ...) {
-    va_list rest;
-    va_start(rest, flags);
-    const int fd = OpenNext("open", path, flags, rest);
-    va_end(rest);
-    return fd;
-}
-
-extern "C" int open64(const char* path, int flags, ...) {
-    va_list rest;
-    va_start(rest, flags);
-    const int fd = OpenNext("open64", path, flags, rest);
-    va_end(rest);
-    return fd;
-}
+// They differ in the size of a file that is too large, where at all.
+extern "C" int open(const char* path, int flags, ...) __attribute__((alias("open64")));

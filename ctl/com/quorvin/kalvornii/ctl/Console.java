@@ -7,6 +7,8 @@ import java.io.FileOutputStream;
 import java.io.IOException;
 import java.io.InputStream;
 import java.io.OutputStream;
+import java.util.ArrayList;
+import java.util.List;
 import java.util.Map;
 import java.util.regex.Pattern;
 
@@ -103,6 +105,24 @@ final class Console {
     /** The terminal's width, at least 40. */
     int columns() {
         return Math.max(40, size[1]);
+    }
+
+    /** Words on lines that the terminal has room for, which begin so, the first and the others. */
+    List<String> wrapped(String first, String others, String text) {
+        List<String> lines = new ArrayList<>();
+        StringBuilder line = new StringBuilder(first);
+        String blank = "";
+        for (String word : text.split(" ")) {
+            if (line.length() + 1 + word.length() >= columns()) {
+                lines.add(line.toString());
+                line = new StringBuilder(others);
+                blank = "";
+            }
+            line.append(blank).append(word);
+            blank = " ";
+        }
+        lines.add(line.toString());
+        return lines;
     }
 
     boolean canAsk() {

@@ -31,8 +31,9 @@ final class ListCommand {
         if (json) {
             console.line(Json.of(members(method)));
         } else if (console.isTerminal()) {
-            wrap(method.declaration(), "        ", 0, console);
-            wrap(method.serviceName() + ": " + method.summary(), "    ", 4, console);
+            console.wrapped("", "        ", method.declaration()).forEach(console::line);
+            String text = method.serviceName() + ": " + method.summary();
+            console.wrapped("    ", "    ", text).forEach(console::line);
         } else {
             console.line(row(method));
         }
@@ -46,19 +47,5 @@ final class ListCommand {
         return Json.members("method", method.name, "service", method.service, "result",
                 method.result, "parameters", parameters, "fields", method.fields, "text",
                 method.summary());
-    }
-
-    /** Words on lines of the terminal's width, of which the later ones, or all, are indented. */
-    private static void wrap(String text, String indent, int first, Console console) {
-        StringBuilder line = new StringBuilder(indent.substring(0, first));
-        for (String word : text.split(" ")) {
-            if (line.length() + word.length() >= console.columns()) {
-                console.line(line.toString());
-                line = new StringBuilder(indent);
-            }
-            if (!line.toString().trim().isEmpty()) line.append(' ');
-            line.append(word);
-        }
-        console.line(line.toString());
     }
 }

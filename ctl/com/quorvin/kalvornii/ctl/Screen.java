@@ -46,16 +46,12 @@ final class Screen {
     private List<String> summary() {
         List<String> lines = new ArrayList<>();
         for (String backend : List.of("none", "HIDL", "AIDL")) {
-            StringBuilder line = new StringBuilder(backend + ":");
-            for (Services.Service service : services.all()) {
-                if (!service.backend().equals(backend)) continue;
-                if (line.length() + 1 + service.name.length() >= console.columns()) {
-                    lines.add(line.toString());
-                    line = new StringBuilder("     ");
-                }
-                line.append(' ').append(service.name);
-            }
-            if (line.toString().trim().length() > backend.length() + 1) lines.add(line.toString());
+            String names = services.all()
+                                   .stream()
+                                   .filter(service -> service.backend().equals(backend))
+                                   .map(service -> service.name)
+                                   .collect(Collectors.joining(" "));
+            if (!names.isEmpty()) lines.addAll(console.wrapped(backend + ": ", "      ", names));
         }
         return lines;
     }

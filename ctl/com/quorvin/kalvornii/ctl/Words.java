@@ -10,17 +10,6 @@ import java.util.List;
  * comment.
  */
 public final class Words {
-    /** A word; whether a part of it was quoted. */
-    static final class Word {
-        final String text;
-        final boolean quoted;
-
-        Word(String text, boolean quoted) {
-            this.text = text;
-            this.quoted = quoted;
-        }
-    }
-
     private final String line;
     private int at;
 
@@ -28,29 +17,23 @@ public final class Words {
         this.line = line;
     }
 
-    static List<Word> of(String line) throws UsageException {
-        return new Words(line).all();
-    }
-
-    /** The texts of the words before and after the first = that is a word of its own. */
+    /** The words before and after the first = that is a word of its own. */
     public static List<List<String>> parts(String line) throws UsageException {
-        List<List<String>> parts = new ArrayList<>(List.of(new ArrayList<>()));
-        for (Word word : of(line)) {
-            if (parts.size() == 1 && !word.quoted && word.text.equals("=")) {
-                parts.add(new ArrayList<>());
-            } else {
-                parts.get(parts.size() - 1).add(word.text);
-            }
-        }
-        return parts;
+        return new Words(line).parts();
     }
 
-    private List<Word> all() throws UsageException {
-        List<Word> words = new ArrayList<>();
+    private List<List<String>> parts() throws UsageException {
+        List<List<String>> parts = new ArrayList<>(List.of(new ArrayList<>()));
         for (;;) {
             while (at < line.length() && isBlank(line.charAt(at))) at++;
-            if (at == line.length() || line.charAt(at) == '#') return words;
-            words.add(word());
+            if (at == line.length() || line.charAt(at) == '#') return parts;
+            int start = at;
+            String word = word();
+            if (parts.size() == 1 && line.substring(start, at).equals("=")) {
+                parts.add(new ArrayList<>());
+            } else {
+                parts.get(parts.size() - 1).add(word);
+            }
         }
     }
 
@@ -58,24 +41,19 @@ public final class Words {
         return c == ' ' || c == '\t' || c == '\r';
     }
 
-    private Word word() throws UsageException {
+    private String word() throws UsageException {
         StringBuilder text = new StringBuilder();
-        boolean quoted = false;
         while (at < line.length() && !isBlank(line.charAt(at))) {
             char c = line.charAt(at++);
             boolean ansi = c == '$' && at < line.length() && line.charAt(at) == '\'';
             if (ansi) at++;
             if (c == '\'' || c == '"' || ansi) {
                 quoted(text, c);
-            } else if (c == '\\') {
-                text.append(next("a \\ has nothing after it"));
             } else {
-                text.append(c);
-                continue;
+                text.append(c == '\\' ? next("a \\ has nothing after it") : c);
             }
-            quoted = true;
         }
-        return new Word(text.toString(), quoted);
+        return text.toString();
     }
 
     /** Up to the closing quote. */

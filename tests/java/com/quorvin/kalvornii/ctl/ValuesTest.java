@@ -10,7 +10,6 @@ import com.quorvin.kalvornii.BigDataValue;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
-import java.util.stream.Collectors;
 import org.junit.jupiter.api.Test;
 
 /** Arguments and results, as words of a line and as values. */
@@ -20,7 +19,7 @@ class ValuesTest {
             "é 測試 💡", "a\nb\t\r\u0001\u007f'\\", "a'b\"c"};
 
     private static List<String> words(String line) throws UsageException {
-        return Words.of(line).stream().map(word -> word.text).collect(Collectors.toList());
+        return Words.parts(line).get(0);
     }
 
     @Test
@@ -35,7 +34,7 @@ class ValuesTest {
     @Test
     void refusesWhatAShellWouldContinue() {
         for (String line : List.of("'a", "\"a", "\"a\\", "$'a", "a\\", "$'\\q'", "$'\\x4'")) {
-            assertThrows(UsageException.class, () -> Words.of(line), line);
+            assertThrows(UsageException.class, () -> Words.parts(line), line);
         }
     }
 
@@ -43,11 +42,10 @@ class ValuesTest {
     void takesEveryTextThatItShows() throws UsageException {
         for (String text : TEXTS) {
             assertEquals(text, Values.parse(String.class, Values.show(text)));
-            List<Words.Word> words = Words.of("x " + Values.words(text));
-            assertEquals(2, words.size(), text);
-            assertEquals(text, Values.parse(String.class, words.get(1).text));
-            // else it would part the arguments from the result
-            assertTrue(!words.get(1).text.equals("=") || words.get(1).quoted);
+            List<List<String>> parts = Words.parts("x " + Values.words(text));
+            assertEquals(1, parts.size(), text);
+            assertEquals(2, parts.get(0).size(), text);
+            assertEquals(text, Values.parse(String.class, parts.get(0).get(1)));
             assertEquals(1, Values.words(text).lines().count());
         }
         assertNull(Values.parse(String.class, Values.show(null)));
