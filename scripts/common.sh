@@ -4,11 +4,32 @@
 command=${KALVORN_COMMAND:-${0##*/}}
 
 # The devices that need no file of their own.
-named=("${BASH_SOURCE[0]%/*}"/../simulator/devices/*.device)
+device_folder=${BASH_SOURCE[0]%/*}/../simulator/devices
+named=("$device_folder"/*.device)
 named=("${named[@]##*/}")
 export KALVORN_DEVICES="${named[*]%.device}"
 
 is_device() { [[ " $KALVORN_DEVICES " == *" $1 "* ]]; }
+
+# describe DEVICE: sets $text to what the first line of its file says.
+describe() {
+    local file=$1
+    ! is_device "$1" || file=$device_folder/$1.device
+    read -r text <"$file"
+    [[ $text = "# "* ]] || text="# What its file says"
+    text=${text#??} text=${text%.}
+    text=${text,}
+}
+
+# list_devices COLUMN: as the usage of a command shows them.
+list_devices() {
+    local device text
+    for device in $KALVORN_DEVICES; do
+        describe "$device"
+        [ "$device" != mixed ] || text+=" (default)"
+        printf '%*s%-7s %s\n' "$1" "" "$device" "$text"
+    done
+}
 
 # shellcheck disable=SC2034
 # Sets $device to the name of a device, or to the full path of the file of one.

@@ -26,28 +26,22 @@ public final class RunningTest {
     }
 
     /**
-     * Plays the session on the device named by the first argument; the colour is on when
-     * KALVORN_COLOUR is set, and the file KALVORN_MISC is the misc partition. Ends with 1 when
-     * something did not come as the session expects it.
+     * Plays the session on the device named by the first argument, which the second describes; the
+     * colour is on when KALVORN_COLOUR is set, and the file KALVORN_MISC is the misc partition.
+     * Ends with 1 when something did not come as the session expects it.
      */
     public static void main(String[] arguments) throws IOException {
         boolean colour = System.getenv("KALVORN_COLOUR") != null;
         Screen.open(colour);
         SimulatedDevice.start(arguments[0]);
-        legend(arguments[0]);
+        legend(arguments[0], arguments[1]);
         Session.chapter("The library loads and connects the services");
         Screen.print(Session.time(), "System.loadLibrary(\"_kalvorn\")", Session.BOLD);
         if (!new RunningTest(new Session()).play()) System.exit(1);
     }
 
-    private static final Map<String, String> DEVICES = Map.of("aidl", "every service over AIDL",
-            "hidl", "every service that HIDL has", "mixed",
-            "sensors, light and touch over HIDL, no satellite chip, the rest over AIDL", "bare",
-            "no service at all");
-
-    private static void legend(String device) {
-        Screen.print("", "Running test on the device \"" + device + "\": " + DEVICES.get(device),
-                Session.BOLD);
+    private static void legend(String device, String text) {
+        Screen.print("", "Running test on the device \"" + device + "\": " + text, Session.BOLD);
         Session.blank();
         Screen.print("seconds  ", Session.beside("call(arguments)", "result"), "");
         note("    I  ",
