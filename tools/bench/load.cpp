@@ -35,16 +35,6 @@ void Print(Backend backend, const char* figure, double value) {
 /** Start of the connectors, which is the first line that this thread logs, and end, the last. */
 thread_local Clock::time_point t_firstLine, t_lastLine;
 
-template <typename Action>
-void MeasureConnectors(Backend backend, const char* connectors, const char* registration,
-                       Action load) {
-    t_firstLine = {};
-    load();
-    const auto end = Clock::now();
-    Print(backend, connectors, Microseconds(t_firstLine, t_lastLine));
-    Print(backend, registration, Microseconds(t_lastLine, end));
-}
-
 /** The sum of this field over the library's mappings, in KiB. */
 double SumOfMappings(const std::string& field) {
     std::ifstream smaps("/proc/self/smaps");
@@ -87,10 +77,6 @@ void LookUp(Backend backend) {
 
 void MeasureLoad(Backend backend) {
     LogToNowhere();
-    __android_log_set_logger([](const __android_logger_data*, const char*) {
-        t_lastLine = Clock::now();
-        if (t_firstLine == Clock::time_point()) t_firstLine = t_lastLine;
-    });
     JNIEnv* env = StartVm();
     StartDevice(backend);
     const double residentBefore = ResidentKib();
@@ -99,24 +85,20 @@ void MeasureLoad(Backend backend) {
               library = dlopen(KALVORN_LIBRARY_PATH "/lib_kalvorn.so", RTLD_NOW);
           }));
     Demand(library != nullptr, "the library does not load");
-    const auto load = [env] {
-        Demand(env->FindClass("com/quorvin/kalvornii/KvNativeInterface") != nullptr,
-               "KvNativeInterface does not load");
-    };
-    Print(backend, "loadLibraryUs", Microseconds([backend, load] {
-              MeasureConnectors(backend, "connectorsUs", "registrationUs", load);
-          }));
+    __android_log_set_logger([](const __android_logger_data*, const char*) {
+        t_lastLine = Clock::now();
+        if (t_firstLine == Clock::time_point()) t_firstLine = t_lastLine;
+    });
+    const auto start = Clock::now();
+    Demand(env->FindClass("com/quorvin/kalvornii/KvNativeInterface") != nullptr,
+           "KvNativeInterface does not load");
+    const auto end = Clock::now();
+    Print(backend, "loadLibraryUs", Microseconds(start, end));
+    Print(backend, "connectorsUs", Microseconds(t_firstLine, t_lastLine));
+    Print(backend, "registrationUs", Microseconds(t_lastLine, end));
     Print(backend, "residentKiB", ResidentKib() - residentBefore);
     Print(backend, "touchedKiB", SumOfMappings("Rss:"));
     Print(backend, "writtenKiB", SumOfMappings("Private_Dirty:"));
-
-    JavaVM* vm = nullptr;
-    env->GetJavaVM(&vm);
-    reinterpret_cast<void (*)(JavaVM*, void*)>(dlsym(library, "JNI_OnUnload"))(vm, nullptr);
-    auto* onLoad = reinterpret_cast<jint (*)(JavaVM*, void*)>(dlsym(library, "JNI_OnLoad"));
-    MeasureConnectors(backend, "connectorsAgainUs", "registrationAgainUs", [onLoad, vm] {
-        Demand(onLoad(vm, nullptr) == JNI_VERSION_1_4, "JNI_OnLoad failed");
-    });
     Print(backend, "deathUs", Microseconds(DieAndRestart));
     Demand(Device::Get().DeathLinks(backend, "factory") == 1, "the library did not reconnect");
 }
@@ -125,7 +107,6 @@ void MeasureLookUps(Backend backend) {
     LogToNowhere();
     StartDevice(backend);
     Print(backend, "connectorsBareUs", Microseconds([backend] { LookUp(backend); }));
-    Print(backend, "connectorsAgainBareUs", Microseconds([backend] { LookUp(backend); }));
     Print(backend, "deathBareUs", Microseconds([backend] {
               DieAndRestart();
               LookUp(backend);
