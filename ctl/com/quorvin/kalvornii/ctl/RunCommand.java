@@ -6,17 +6,12 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.Map;
 import java.util.Objects;
-import java.util.regex.Pattern;
 
 /**
  * "run": each line is called as it is read, so that another program can write them one by one. The
  * result goes to standard output as a line of the same kind.
  */
 final class RunCommand {
-    /** What a file of samples tells of the call above. */
-    private static final Pattern FACT = Pattern.compile(
-            "\\s+(\\||((aidl|hidl) )?(asks|returns|logs|broken|absent|fills|keeps)\\b).*");
-
     private final Options options;
     private final Console console;
     private final CallCommand calls;
@@ -62,7 +57,7 @@ final class RunCommand {
         try {
             String line = lines.nextOfUtf8();
             if (line == null) return false;
-            if (FACT.matcher(line).matches()) return true;
+            if (Words.FACT.matcher(line).matches()) return true;
             boolean isMarked = isFirst && line.startsWith("\ufeff");  // as some editors do
             take(isMarked ? line.substring(1) : line, where);
         } catch (UsageException e) {

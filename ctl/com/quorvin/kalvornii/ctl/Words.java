@@ -3,6 +3,7 @@ package com.quorvin.kalvornii.ctl;
 import java.util.ArrayList;
 import java.util.HexFormat;
 import java.util.List;
+import java.util.regex.Pattern;
 
 /**
  * The words of a line, quoted as in a shell: 'literally', "with \" and \\", $'with \n, \t, \' and
@@ -10,6 +11,11 @@ import java.util.List;
  * comment.
  */
 public final class Words {
+    /** What a file of samples tells of the call above: word and fact, or more of the last fact. */
+    public static final Pattern FACT = Pattern.compile(
+            "\\s+(?:((?:aidl |hidl )?(?:asks|returns|logs|broken|absent|fills|keeps))\\b *"
+            + "|(?=\\|))(.*)");
+
     private final String line;
     private int at;
 

@@ -16,13 +16,10 @@ import java.util.HashMap;
 import java.util.List;
 import java.util.Map;
 import java.util.regex.Matcher;
-import java.util.regex.Pattern;
 
 /** A call of one native method, and what samples/methods.samples tells of it. */
 public final class Sample {
     private static final String FILE = "samples/methods.samples";
-    private static final Pattern FACT = Pattern.compile(
-            "((?:aidl |hidl )?(?:asks|returns|logs|broken|absent|fills|keeps))(?: +(.*))?");
 
     /** The title that it stands below. */
     public final String section;
@@ -51,7 +48,7 @@ public final class Sample {
             } else if (line.startsWith("# ")) {
                 remark += line.substring(remark.isEmpty() ? 2 : 1);
             } else if (line.startsWith(" ") && !samples.isEmpty()) {
-                samples.get(samples.size() - 1).add(line.trim(), where);
+                samples.get(samples.size() - 1).add(line, where);
             } else {
                 if (!line.isEmpty() && !line.equals("#")) {
                     samples.add(new Sample(section, remark, where, line));
@@ -92,15 +89,13 @@ public final class Sample {
     }
 
     private void add(String line, String where) {
-        Matcher fact = FACT.matcher(line);
-        if (line.startsWith("|") && last != null) {
-            facts.merge(last, " " + line, String::concat);
-        } else if (fact.matches()) {
-            last = fact.group(1);
-            facts.put(last, fact.group(2) == null ? "" : fact.group(2));
-        } else {
+        Matcher fact = Words.FACT.matcher(line);
+        boolean isMore = fact.matches() && fact.group(1) == null;
+        if (!fact.matches() || (isMore && last == null)) {
             throw wrong(where, "not a fact about a call: " + line);
         }
+        if (!isMore) last = fact.group(1);
+        facts.merge(last, fact.group(2), (before, more) -> isMore ? before + " " + more : more);
     }
 
     private Method method(String name) {
