@@ -206,14 +206,14 @@ class FingerprintService : public AidlService {
 };
 
 template <typename Interface>
-void Add(ServiceMap* services, const char* service, const char* instance) {
-    (*services)[service] = std::make_unique<CppService<Interface>>(service, instance);
+void Add(NamedServices* services, const char* service, const char* instance) {
+    services->emplace_back(service, std::make_unique<CppService<Interface>>(service, instance));
 }
 
 }  // namespace
 
-ServiceMap AidlServices() {
-    ServiceMap services;
+NamedServices AidlServices() {
+    NamedServices services;
     Add<qxfactoryinterface::IQxFactoryInterface>(&services, "factory", "qxfactoryinterface_hal");
     Add<qxdisplay::IDisplay>(&services, "display", "default");
     Add<tp::ITouchscreen>(&services, "touch", "default");
@@ -223,7 +223,7 @@ ServiceMap AidlServices() {
     Add<camera::factory::ICameraFactory>(&services, "camera", "default");
     Add<radioenhance::IRadioenhance>(&services, "radio", "default");
     Add<qxdisplay::displayfactory::IDisplayFactory>(&services, "display_factory", "default");
-    services["fingerprint"] = std::make_unique<FingerprintService>();
+    services.emplace_back("fingerprint", std::make_unique<FingerprintService>());
     Add<ztchipsrvhertz::IZtChipSrvHertz>(&services, "chip", "ztchipsrv_hertz");
     Add<ztsimradio::IZtsimradio>(&services, "sim", "slot1");
     Add<ztchipsrvsat::IZtChipSrvSat>(&services, "satellite", "ztchipsrv_sat");

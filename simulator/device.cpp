@@ -33,7 +33,9 @@ void Store::Clear() {
     mTexts.clear();
 }
 
-Device::Device() : mAidl(AidlServices()), mHidl(HidlServices()) {}
+Device::Device() : mAidl(AidlServices()), mHidl(HidlServices()) {
+    for (const auto& [name, service] : mAidl) mNames.push_back(name);
+}
 
 Device& Device::Get() {
     static Device* device = new Device;  // outlives the services' threads at process exit
@@ -41,10 +43,7 @@ Device& Device::Get() {
 }
 
 const std::vector<std::string>& Device::Services() {
-    static const auto* services = new std::vector<std::string>{
-            "factory", "display",         "touch",       "sensors", "power", "light",    "camera",
-            "radio",   "display_factory", "fingerprint", "chip",    "sim",   "satellite"};
-    return *services;
+    return Get().mNames;
 }
 
 namespace {
@@ -68,16 +67,24 @@ bool Device::StartProfile(const std::string& profile) {
     return true;
 }
 
-const ServiceMap& Device::ServicesOf(Backend backend) const {
+const NamedServices& Device::ServicesOf(Backend backend) const {
     return backend == Backend::kAidl ? mAidl : mHidl;
 }
 
+Service* Device::Find(Backend backend, const std::string& service) const {
+    for (const auto& [name, named] : ServicesOf(backend)) {
+        if (name == service) return named.get();
+    }
+    return nullptr;
+}
+
 Service& Device::At(Backend backend, const std::string& service) const {
-    return *ServicesOf(backend).at(service);
+    if (!Has(backend, service)) throw std::out_of_range(service);
+    return *Find(backend, service);
 }
 
 bool Device::Has(Backend backend, const std::string& service) const {
-    return ServicesOf(backend).count(service) != 0;
+    return Find(backend, service) != nullptr;
 }
 
 bool Device::IsRunning(Backend backend, const std::string& service) const {
@@ -333,7 +340,7 @@ void Device::Reset() {
     host::ResetServiceManager();
     host::ResetHidlRegistry();
     Settle();
-    for (const ServiceMap* services : {&mAidl, &mHidl}) {
+    for (const NamedServices* services : {&mAidl, &mHidl}) {
         for (const auto& [name, service] : *services) service->Forget();
     }
     GroupProcesses("each");

@@ -63,9 +63,10 @@ class Service {
     std::shared_ptr<const Objects> mObjects;
 };
 
-using ServiceMap = std::map<std::string, std::unique_ptr<Service>>;
-ServiceMap AidlServices();
-ServiceMap HidlServices();
+/** The services of a backend by name, in the order in which the library connects them. */
+using NamedServices = std::vector<std::pair<std::string, std::unique_ptr<Service>>>;
+NamedServices AidlServices();
+NamedServices HidlServices();
 
 /** A service over a backend, by its names. */
 struct Member {
@@ -78,7 +79,7 @@ class Device {
   public:
     static Device& Get();
 
-    /** The services, in the order in which the library connects them. */
+    /** The names of the services, all of which AIDL has. */
     static const std::vector<std::string>& Services();
 
     /** Starts the services of "aidl", "hidl", "mixed" or "bare". False for another name. */
@@ -174,11 +175,14 @@ class Device {
     void Hold(const Rule& rule, int releases, const std::function<bool()>& isOver);
     Answer Usual(const std::string& method, const std::vector<std::string>& arguments) const;
 
-    const ServiceMap& ServicesOf(Backend backend) const;
+    const NamedServices& ServicesOf(Backend backend) const;
+    /** Null when the backend does not have it. */
+    Service* Find(Backend backend, const std::string& service) const;
     std::vector<Member> MembersOf(const Process& process) const;
     void ShareProcess(const Process& process) const;
 
-    const ServiceMap mAidl, mHidl;
+    const NamedServices mAidl, mHidl;
+    std::vector<std::string> mNames;
     mutable std::mutex mLock;
     std::vector<Process> mShared;                        // the processes of several services
     std::map<std::string, std::vector<Member>> mKilled;  // by the first service of the process

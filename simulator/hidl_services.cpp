@@ -124,19 +124,19 @@ class HidlService : public Service {
 
 /** A revision as a service of its own is named after an @, which no call shows. */
 template <typename Interface, typename Revision = Interface>
-void Add(ServiceMap* services, const string& name, const char* instance) {
-    (*services)[name] = std::make_unique<HidlService<Interface, Revision>>(
-            name.substr(0, name.find('@')), instance);
+void Add(NamedServices* services, const string& name, const char* instance) {
+    services->emplace_back(name, std::make_unique<HidlService<Interface, Revision>>(
+                                         name.substr(0, name.find('@')), instance));
 }
 
 }  // namespace
 
-ServiceMap HidlServices() {
+NamedServices HidlServices() {
     namespace factory = qxfactoryinterface;
     using IFactory = factory::V1_0::IQxFactoryInterface;
     using IDisplay = qxdisplay::V1_0::IDisplay;
     using biometrics::fingerprint::V2_2::IExtBiometricsFingerprint;
-    ServiceMap services;
+    NamedServices services;
     Add<IFactory, factory::V1_1::IQxFactoryInterface>(&services, "factory",
                                                       "qxfactoryinterface_hal");
     Add<IFactory>(&services, "factory@1.0", "qxfactoryinterface_hal");
