@@ -32,9 +32,9 @@ void CaptureLog(const __android_logger_data* data, const char* message) {
 
 // The virtual machine's own, whatever a test puts in their place.
 const JNINativeInterface* g_functions;
-// Those, but local references are counted. The virtual machine's own go on with what later JNI
-// versions add, which nothing here calls.
-JNINativeInterface g_referenceCounting;
+// Those, but what the library asks for is counted, and can be refused. The virtual machine's own go
+// on with what later JNI versions add, which nothing here calls.
+JNINativeInterface g_watching;
 // How many the thread's call of the library holds, by frame.
 thread_local std::vector<int> t_references{0};
 
@@ -51,12 +51,11 @@ Reference Counted(JNIEnv* env, Args... args) {
 
 template <auto... kFunctions>
 void CountMadeBy() {
-    ((g_referenceCounting.*kFunctions = Counted<kFunctions>), ...);
+    ((g_watching.*kFunctions = Counted<kFunctions>), ...);
 }
 
 void CountReferences() {
     using Jni = JNINativeInterface;
-    g_referenceCounting = *g_functions;
     // A variadic one is inlined in C++ and calls the one with a V.
     CountMadeBy<&Jni::NewLocalRef, &Jni::FindClass, &Jni::DefineClass, &Jni::GetObjectClass,
                 &Jni::GetSuperclass, &Jni::AllocObject, &Jni::NewObjectV, &Jni::NewObjectA,
@@ -68,18 +67,95 @@ void CountReferences() {
                 &Jni::NewShortArray, &Jni::NewIntArray, &Jni::NewLongArray, &Jni::NewFloatArray,
                 &Jni::NewDoubleArray, &Jni::NewDirectByteBuffer, &Jni::ExceptionOccurred,
                 &Jni::ToReflectedMethod, &Jni::ToReflectedField>();
-    g_referenceCounting.DeleteLocalRef = [](JNIEnv* env, jobject reference) {
+    g_watching.DeleteLocalRef = [](JNIEnv* env, jobject reference) {
         if (reference != nullptr) t_references.back()--;
         g_functions->DeleteLocalRef(env, reference);
     };
-    g_referenceCounting.PushLocalFrame = [](JNIEnv* env, jint capacity) {
+    g_watching.PushLocalFrame = [](JNIEnv* env, jint capacity) {
         const jint refused = g_functions->PushLocalFrame(env, capacity);
         if (refused == JNI_OK) t_references.push_back(0);
         return refused;
     };
-    g_referenceCounting.PopLocalFrame = [](JNIEnv* env, jobject result) {
+    g_watching.PopLocalFrame = [](JNIEnv* env, jobject result) {
         if (t_references.size() > 1) t_references.pop_back();
         return Counted<&Jni::PopLocalFrame, jobject>(env, result);
+    };
+}
+
+thread_local java::JniUse t_use;
+thread_local java::Jni t_refused = java::Jni::kNothing;
+thread_local int t_granted;
+
+/** Whether this request is the one to refuse; then its exception is pending. */
+bool Refuses(JNIEnv* env, java::Jni request) {
+    EXPECT_FALSE(env->ExceptionCheck()) << "a request with an exception pending";
+    if (t_refused != request || t_granted-- > 0) return false;
+    t_refused = java::Jni::kNothing;
+    jclass error = g_functions->FindClass(env, "java/lang/OutOfMemoryError");
+    g_functions->ThrowNew(env, error, "refused");
+    g_functions->DeleteLocalRef(env, error);
+    return true;
+}
+
+void CountTexts() {
+    g_watching.GetStringUTFChars = [](JNIEnv* env, jstring text, jboolean* isCopy) -> const char* {
+        if (Refuses(env, java::Jni::kCopy)) return nullptr;
+        t_use.textsTaken++;
+        return g_functions->GetStringUTFChars(env, text, isCopy);
+    };
+    g_watching.ReleaseStringUTFChars = [](JNIEnv* env, jstring text, const char* chars) {
+        t_use.textsReleased++;
+        g_functions->ReleaseStringUTFChars(env, text, chars);
+    };
+    g_watching.NewStringUTF = [](JNIEnv* env, const char* text) -> jstring {
+        if (Refuses(env, java::Jni::kText)) return nullptr;
+        return Counted<&JNINativeInterface::NewStringUTF, jstring>(env, text);
+    };
+}
+
+void CountArrays() {
+    g_watching.GetByteArrayElements = [](JNIEnv* env, jbyteArray array,
+                                         jboolean* isCopy) -> jbyte* {
+        if (Refuses(env, java::Jni::kCopy)) return nullptr;
+        t_use.bytesTaken++;
+        return g_functions->GetByteArrayElements(env, array, isCopy);
+    };
+    g_watching.ReleaseByteArrayElements = [](JNIEnv* env, jbyteArray array, jbyte* elements,
+                                             jint mode) {
+        if (mode != JNI_COMMIT) t_use.bytesReleased++;
+        if (mode == JNI_ABORT) t_use.bytesAborted++;
+        g_functions->ReleaseByteArrayElements(env, array, elements, mode);
+    };
+    g_watching.NewIntArray = [](JNIEnv* env, jsize length) -> jintArray {
+        if (Refuses(env, java::Jni::kIntArray)) return nullptr;
+        return Counted<&JNINativeInterface::NewIntArray, jintArray>(env, length);
+    };
+    g_watching.GetIntArrayElements = [](JNIEnv* env, jintArray array, jboolean* isCopy) -> jint* {
+        if (Refuses(env, java::Jni::kIntElements)) return nullptr;
+        t_use.intsTaken++;
+        return g_functions->GetIntArrayElements(env, array, isCopy);
+    };
+    g_watching.ReleaseIntArrayElements = [](JNIEnv* env, jintArray array, jint* elements,
+                                            jint mode) {
+        (mode == JNI_COMMIT ? t_use.intsCommitted : t_use.intsReleased)++;
+        g_functions->ReleaseIntArrayElements(env, array, elements, mode);
+    };
+}
+
+void CountLookups() {
+    g_watching.FindClass = [](JNIEnv* env, const char* name) -> jclass {
+        if (Refuses(env, java::Jni::kClass)) return nullptr;
+        return Counted<&JNINativeInterface::FindClass, jclass>(env, name);
+    };
+    g_watching.GetFieldID = [](JNIEnv* env, jclass clazz, const char* name, const char* type) {
+        return Refuses(env, java::Jni::kField) ? nullptr
+                                               : g_functions->GetFieldID(env, clazz, name, type);
+    };
+    g_watching.GetStaticFieldID = [](JNIEnv* env, jclass clazz, const char* name,
+                                     const char* type) {
+        return Refuses(env, java::Jni::kField)
+                       ? nullptr
+                       : g_functions->GetStaticFieldID(env, clazz, name, type);
     };
 }
 
@@ -99,7 +175,11 @@ JavaVM* StartVm() {
     JNIEnv* env = nullptr;
     if (JNI_CreateJavaVM(&vm, &env, &args) != JNI_OK) abort();
     g_functions = env->functions;
+    g_watching = *g_functions;
     CountReferences();
+    CountTexts();
+    CountArrays();
+    CountLookups();
     return vm;
 }
 
@@ -223,8 +303,7 @@ LibraryCall::LibraryCall(std::string name)
     : mName(std::move(name)),
       mFunctions(Env()->functions),
       mReferences(std::exchange(t_references, {0})) {
-    // What counts the library's use counts references too.
-    if (mFunctions == g_functions) Env()->functions = &g_referenceCounting;
+    Env()->functions = &g_watching;
 }
 
 LibraryCall::~LibraryCall() {
@@ -284,110 +363,22 @@ void SetStaticField(const char* name, const char* text) {
     Env()->SetStaticObjectField(KvNativeInterface(), id, String(text));
 }
 
-namespace {
-
-JniUse g_use;
-Jni g_refused = Jni::kNothing;
-int g_granted;
-JNINativeInterface g_counting;
-
-/** Whether this request is the one to refuse; then its exception is pending. */
-bool Refuses(JNIEnv* env, Jni request) {
-    EXPECT_FALSE(env->ExceptionCheck()) << "a request with an exception pending";
-    if (g_refused != request || g_granted-- > 0) return false;
-    g_refused = Jni::kNothing;
-    jclass error = g_functions->FindClass(env, "java/lang/OutOfMemoryError");
-    g_functions->ThrowNew(env, error, "refused");
-    g_functions->DeleteLocalRef(env, error);
-    return true;
-}
-
-void CountTexts() {
-    g_counting.GetStringUTFChars = [](JNIEnv* env, jstring text, jboolean* isCopy) -> const char* {
-        if (Refuses(env, Jni::kCopy)) return nullptr;
-        g_use.textsTaken++;
-        return g_functions->GetStringUTFChars(env, text, isCopy);
-    };
-    g_counting.ReleaseStringUTFChars = [](JNIEnv* env, jstring text, const char* chars) {
-        g_use.textsReleased++;
-        g_functions->ReleaseStringUTFChars(env, text, chars);
-    };
-    g_counting.NewStringUTF = [](JNIEnv* env, const char* text) {
-        return Refuses(env, Jni::kText) ? nullptr : g_referenceCounting.NewStringUTF(env, text);
-    };
-}
-
-void CountArrays() {
-    g_counting.GetByteArrayElements = [](JNIEnv* env, jbyteArray array,
-                                         jboolean* isCopy) -> jbyte* {
-        if (Refuses(env, Jni::kCopy)) return nullptr;
-        g_use.bytesTaken++;
-        return g_functions->GetByteArrayElements(env, array, isCopy);
-    };
-    g_counting.ReleaseByteArrayElements = [](JNIEnv* env, jbyteArray array, jbyte* elements,
-                                             jint mode) {
-        if (mode != JNI_COMMIT) g_use.bytesReleased++;
-        if (mode == JNI_ABORT) g_use.bytesAborted++;
-        g_functions->ReleaseByteArrayElements(env, array, elements, mode);
-    };
-    g_counting.NewIntArray = [](JNIEnv* env, jsize length) {
-        return Refuses(env, Jni::kIntArray) ? nullptr
-                                            : g_referenceCounting.NewIntArray(env, length);
-    };
-    g_counting.GetIntArrayElements = [](JNIEnv* env, jintArray array, jboolean* isCopy) -> jint* {
-        if (Refuses(env, Jni::kIntElements)) return nullptr;
-        g_use.intsTaken++;
-        return g_functions->GetIntArrayElements(env, array, isCopy);
-    };
-    g_counting.ReleaseIntArrayElements = [](JNIEnv* env, jintArray array, jint* elements,
-                                            jint mode) {
-        (mode == JNI_COMMIT ? g_use.intsCommitted : g_use.intsReleased)++;
-        g_functions->ReleaseIntArrayElements(env, array, elements, mode);
-    };
-}
-
-void CountLookups() {
-    g_counting.FindClass = [](JNIEnv* env, const char* name) {
-        return Refuses(env, Jni::kClass) ? nullptr : g_referenceCounting.FindClass(env, name);
-    };
-    g_counting.GetFieldID = [](JNIEnv* env, jclass clazz, const char* name, const char* type) {
-        return Refuses(env, Jni::kField) ? nullptr
-                                         : g_functions->GetFieldID(env, clazz, name, type);
-    };
-    g_counting.GetStaticFieldID = [](JNIEnv* env, jclass clazz, const char* name,
-                                     const char* type) {
-        return Refuses(env, Jni::kField) ? nullptr
-                                         : g_functions->GetStaticFieldID(env, clazz, name, type);
-    };
-}
-
-}  // namespace
-
 CountJniUse::CountJniUse() {
-    g_use = {};
-    g_counting = g_referenceCounting;
-    CountTexts();
-    CountArrays();
-    CountLookups();
-    Env()->functions = &g_counting;
-}
-
-CountJniUse::~CountJniUse() {
-    Env()->functions = g_functions;
+    t_use = {};
 }
 
 const JniUse& CountJniUse::use() const {
-    return g_use;
+    return t_use;
 }
 
 RefuseNext::RefuseNext(Jni request, int granted) {
-    g_refused = request;
-    g_granted = granted;
+    t_refused = request;
+    t_granted = granted;
 }
 
 RefuseNext::~RefuseNext() {
-    EXPECT_EQ(Jni::kNothing, g_refused) << "the library asked for nothing that could be refused";
-    g_refused = Jni::kNothing;
+    EXPECT_EQ(Jni::kNothing, t_refused) << "the library asked for nothing that could be refused";
+    t_refused = Jni::kNothing;
 }
 
 }  // namespace java

@@ -81,7 +81,7 @@ jobject Application();
 std::string StaticField(const char* name);
 void SetStaticField(const char* name, const char* text);
 
-/** How often the library took and gave back what has to be given back, since Count began. */
+/** How often the library took and gave back what has to be given back, since CountJniUse began. */
 struct JniUse {
     int textsTaken, textsReleased;
     int bytesTaken, bytesReleased, bytesAborted;  // the aborted ones count as released too
@@ -89,15 +89,11 @@ struct JniUse {
 };
 
 /**
- * Counts on the constructing thread for its own lifetime, in the native methods that Call() calls
- * and in operations that a test calls itself; Call()'s own arguments and results are not counted.
+ * Counts from here on, on this thread, in the native methods that Call() calls and in a
+ * LibraryCall; Call()'s own arguments and results are not counted.
  */
-class CountJniUse {
-  public:
+struct CountJniUse {
     CountJniUse();
-    ~CountJniUse();
-    CountJniUse(const CountJniUse&) = delete;
-    CountJniUse& operator=(const CountJniUse&) = delete;
     const JniUse& use() const;
 };
 
@@ -113,6 +109,8 @@ class RefuseNext : public CountJniUse {
   public:
     explicit RefuseNext(Jni request, int granted = 0);
     ~RefuseNext();
+    RefuseNext(const RefuseNext&) = delete;
+    RefuseNext& operator=(const RefuseNext&) = delete;
 };
 
 }  // namespace java

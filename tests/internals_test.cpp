@@ -23,6 +23,7 @@ TEST_F(InternalsTest, SignalTestWithoutItsServiceBehindTheDispatch) {
 TEST_F(InternalsTest, ItemNamesOfNoServiceAreKept) {
     for (auto* operation : {native_aidl::KvSetTestItemName, native_hidl::KvSetTestItemName}) {
         const java::CountJniUse count;
+        const java::LibraryCall call("KvSetTestItemName");
         operation(java::Env(), nullptr, java::String("m"), java::String("s"));
         EXPECT_EQ(2, count.use().textsTaken - count.use().textsReleased);
         EXPECT_EQ(1, count.use().intsTaken);
