@@ -125,7 +125,7 @@ check_linking() {
     expect_same "The word size that applications have (<) and in Android.bp (>)" 32 "$bits"
 }
 
-# The library of each header that is included; those of no library come with the compiler or the JNI.
+# The library of each header that is included; a line of no library stays as it is.
 library='s,.*<(vendor/.*)/([0-9.]+)/.*,\1@\2,
 s,.*<(vendor/.*)/[^/]*>,\1-V1-cpp,
 s,.*<aidl/(.*)/[^/]*>,\1-V1-ndk,
@@ -137,35 +137,20 @@ s,.*<utils/.*,libutils,
 s,.*<dlfcn\.h>,libdl,
 s,.*<HidlUtil\.h>,libHidlUtil,
 s,.*<safe_.*,libsafec,
-/#/d
-y,/,.,'
+/#/!y,/,.,'
 
-check_libraries() {
-    local included device
+# What device code may name besides: itself, and what comes with the compiler or the JNI.
+no_library='"((aidl|common|hidl|jni)/[a-z0-9_]+\.(h|inc)|kalvorn_version\.h)"
+|<([a-z_]+|(fcntl|jni|stdarg|stddef|stdint|stdio|string|unistd)\.h)>'
+
+check_includes() {
+    local included others
     included=$(grep -rhE '^[[:space:]]*#[[:space:]]*include' aidl common hidl jni |
         sed -E "$library" | sort -u)
-    device=$(texts shared_libs)
-    expect_same "Libraries of what is included (<) and in Android.bp (>)" "$included" "$device"
-}
-
-# What device code may name in its own #include lines: itself, and what every device has.
-own='"(aidl|common|hidl|jni)/[a-z0-9_]+\.(h|inc)"'
-platform='<([a-z_]+|(dlfcn|fcntl|stdarg|stddef|stdint|stdio|string|unistd)\.h|jni\.h
-|android/(log|binder_(auto_utils|ibinder|manager))\.h
-|binder/(IBinder|IInterface|IServiceManager)\.h
-|utils/(Errors|RefBase|String16|StrongPointer)\.h
-|hidl/(HidlSupport|Status)\.h
-|android/hidl/(base|manager)/1\.0/[A-Za-z]+\.h
-|(aidl/)?vendor/zantor/hardware/[A-Za-z0-9./]+\.h
-|aidl/android/hardware/biometrics/fingerprint/[A-Za-z]+\.h
-|HidlUtil\.h|safe_(mem|str)_lib\.h)>
-|"kalvorn_version\.h"'
-
-check_include_lines() {
-    local lines others
-    lines=$(grep -rE '^[[:space:]]*#[[:space:]]*include' aidl common hidl jni)
-    others=$(any_but "[^:]+:#include ($own|$platform)" <<<"$lines")
+    others=$(find_lines '#' <<<"$included" | any_but "#include ($no_library)")
     expect_none "Includes of what is neither device code nor on every device" "$others"
+    expect_same "Libraries of what is included (<) and in Android.bp (>)" \
+        "$(find_lines -v '#' <<<"$included")" "$(texts shared_libs)"
 }
 
 # What they reach in the end, in the project and its build tree: the device code, the generated
@@ -204,7 +189,6 @@ check_modules
 check_java
 check_command
 check_linking
-check_libraries
-check_include_lines
+check_includes
 check_include_closure
 exit "$failed"
