@@ -166,8 +166,7 @@ class AidlService : public Service {
   public:
     explicit AidlService(string name) : mName(std::move(name)) {}
 
-    void Declare() override { host::DeclareService(mName); }
-    void Undeclare() override { host::UndeclareService(mName); }
+    void Declare(bool declared) override { host::DeclareService(mName, declared); }
     void Start() override {
         const std::vector<sp<IBinder>> binders = NewBinders();
         host::ShareProcess(binders);

@@ -40,8 +40,9 @@ struct Objects;
 class Service {
   public:
     virtual ~Service() = default;
-    virtual void Declare() = 0;
-    virtual void Undeclare() = 0;
+    /** Or takes the declaration back. */
+    virtual void Declare(bool declared = true) = 0;
+    void Undeclare() { Declare(false); }
     /** A new service object, registered. */
     virtual void Start() = 0;
 

@@ -14,6 +14,7 @@
 #include <stdexcept>
 #include <tuple>
 
+#include "platform/binder/transaction_buffer.h"
 #include "simulator/big_data_text.h"
 #include "simulator/device.h"
 #include "simulator/objects.h"
@@ -30,9 +31,6 @@ using android::hardware::Status;
 using android::hardware::Void;
 using std::string;
 using namespace vendor::zantor::hardware;
-
-/** What a process's buffer for its calls holds; a call's texts are about its size. */
-constexpr size_t kTransactionLimit = 1024 * 1024 - 2 * 4096;
 
 using device::Show;
 
@@ -79,13 +77,14 @@ class Answering : public Base, Counted {
 
   protected:
     Answer Ask(const string& method, const std::vector<string>& arguments) const {
-        size_t size = 0;
+        size_t size = 0;  // a call's texts are about its size
         for (const string& argument : arguments) size += argument.size();
         if (host::IsHidlServiceDead(this)) return Fault::kDeadObject;
-        if (size > kTransactionLimit) return Fault::kTransport;
+        if (size > host::TransactionBuffer::kSize) return Fault::kTransport;
         Answer answer = Device::Get().Ask(Backend::kHidl, mService, method, arguments);
         if (host::IsHidlServiceDead(this)) return Fault::kDeadObject;
-        if (answer.text.size() + answer.detail.size() > kTransactionLimit) return Fault::kTransport;
+        if (answer.text.size() + answer.detail.size() > host::TransactionBuffer::kSize)
+            return Fault::kTransport;
         return answer;
     }
 
@@ -105,8 +104,9 @@ class HidlService : public Service {
     HidlService(string service, string instance)
         : mService(std::move(service)), mInstance(std::move(instance)) {}
 
-    void Declare() override { host::DeclareHidlService(Interface::descriptor, mInstance); }
-    void Undeclare() override { host::UndeclareHidlService(Interface::descriptor, mInstance); }
+    void Declare(bool declared) override {
+        host::DeclareHidlService(Interface::descriptor, mInstance, declared);
+    }
     void Start() override {
         const sp<Revision> service = new Simulated<Revision>(mService);
         Run(std::make_shared<Objects>(Objects{{}, {service}}));

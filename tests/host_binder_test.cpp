@@ -71,11 +71,8 @@ TEST_F(HostBinderTest, ADeadServiceAnswersNoCall) {
     const sp<IBinder> proxy = Publish(service);
     EXPECT_EQ(nullptr, proxy->localBinder());
     EXPECT_EQ(nullptr, proxy->queryLocalInterface(String16()));
-    FailNextTransaction(service, FAILED_TRANSACTION);
     EXPECT_EQ(OK, proxy->pingBinder());
-    EXPECT_EQ(FAILED_TRANSACTION, Call(proxy));
-    EXPECT_EQ(0, service->calls);
-    service->onCall = [&] { KillService(service); };
+    service->onCall = [&] { KillProcess({service}); };
     EXPECT_EQ(DEAD_OBJECT, Call(proxy)) << "died during the call";
     EXPECT_EQ(DEAD_OBJECT, Call(proxy)) << "dead before the call";
     EXPECT_EQ(1, service->calls);
@@ -97,7 +94,7 @@ TEST_F(HostBinderTest, ALookUpInPassingIsNoWait) {
     });
     const sp<IBinder> proxy = Publish(service);
     EXPECT_EQ(OK, proxy->linkToDeath(recipient));
-    KillService(service);
+    KillProcess({service});
     EXPECT_TRUE(WaitForDeathUptake(30s));
     EXPECT_TRUE(passed);
     EXPECT_FALSE(WaitForDeathDelivery(0ms));
@@ -118,7 +115,7 @@ TEST_F(HostBinderTest, LinksAreMatchedAndCounted) {
     EXPECT_EQ(OK, proxy->unlinkToDeath(nullptr, &b));
     EXPECT_EQ(OK, proxy->linkToDeath(new Recipient([&](const wp<IBinder>&) { told = 100; })));
     EXPECT_EQ(2u, DeathLinkCount(service)) << "the last one's recipient has gone";
-    for (int kill = 0; kill < 2; ++kill) KillService(service);
+    for (int kill = 0; kill < 2; ++kill) KillProcess({service});
     EXPECT_EQ(0u, DeathLinkCount(service));
     EXPECT_TRUE(WaitForDeathDelivery(5s));
     EXPECT_EQ(2, told) << "once per link";
@@ -207,7 +204,7 @@ TEST_F(HostBinderTest, ADeadServiceHandedOutAgain) {
         EXPECT_EQ(DEAD_OBJECT, proxy->linkToDeath(again));
     });
     EXPECT_EQ(OK, proxy->linkToDeath(first));
-    KillService(service);
+    KillProcess({service});
     EXPECT_TRUE(WaitForDeathDelivery(5s));
 
     wp<IBinder> weak = proxy;
@@ -234,7 +231,7 @@ TEST_F(HostBinderTest, UnlinkingRacesWithTheNotice) {
         std::atomic<int> told = 0;
         const sp<Recipient> recipient = new Recipient([&](const wp<IBinder>&) { ++told; });
         EXPECT_EQ(OK, proxy->linkToDeath(recipient));
-        auto killer = std::async(std::launch::async, [&] { KillService(service); });
+        auto killer = std::async(std::launch::async, [&] { KillProcess({service}); });
         const bool unlinked = proxy->unlinkToDeath(recipient) == OK;
         killer.wait();
         ASSERT_TRUE(WaitForDeathDelivery(5s));
@@ -306,7 +303,7 @@ TEST_F(HostBinderTest, AWaiterGetsWhatWasRegistered) {
         EXPECT_EQ(OK, waiting.get()->pingBinder());
         EXPECT_LE(900ms, std::chrono::steady_clock::now() - start);
     }
-    KillService(service);
+    KillProcess({service});
     std::promise<pid_t> id;
     std::future<pid_t> asleep = id.get_future();
     auto waiting = std::async(std::launch::async, [&] {
@@ -316,7 +313,7 @@ TEST_F(HostBinderTest, AWaiterGetsWhatWasRegistered) {
     WaitUntilAsleep(std::move(asleep));
     const sp<Echo> shortLived = new Echo;
     Publish(shortLived);
-    KillService(shortLived);
+    KillProcess({shortLived});
     EXPECT_EQ(DEAD_OBJECT, waiting.get()->pingBinder()) << "it has died since";
 }
 
@@ -332,7 +329,7 @@ TEST_F(HostBinderTest, WhatIsLargerThanABufferFails) {
     EXPECT_EQ(FAILED_TRANSACTION, Call(proxy, 4, kMost + 4, &reply));
     EXPECT_EQ(0u, reply.dataSize());
     EXPECT_EQ(2, service->calls);
-    KillService(service);
+    KillProcess({service});
     EXPECT_EQ(DEAD_OBJECT, Call(proxy, kMost + 4, 4)) << "death comes first";
 }
 
@@ -406,7 +403,7 @@ class NdkBinderTest : public HostBinderTest {
         return ndk::SpAIBinder(AServiceManager_waitForService("pkg.INdk/default"));
     }
     static void Kill() {
-        KillService(service);
+        KillProcess({service});
         EXPECT_TRUE(WaitForDeathDelivery(5s));
     }
     ~NdkBinderTest() override { service = nullptr; }
@@ -434,7 +431,7 @@ TEST_F(NdkBinderTest, BinderAndCookieNameALinkUntilItsNotice) {
     EXPECT_EQ(STATUS_NAME_NOT_FOUND, AIBinder_unlinkToDeath(remote.get(), recipient, &a));
     {
         const BusyBinderThreads busy;
-        KillService(service);
+        KillProcess({service});
         EXPECT_EQ(STATUS_OK, AIBinder_linkToDeath(remote.get(), recipient, &b)) << "no obituary";
     }
     EXPECT_EQ(2, told);

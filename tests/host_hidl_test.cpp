@@ -210,7 +210,7 @@ TEST_F(HostHidlTest, ADeadServicesNameMayStayForAWhile) {
         KeepDeadHidlNames(true);
         const sp<Service> dying = new Service, next = new Service;
         EXPECT_EQ(::android::OK, dying->registerAsService("x"));
-        KillHidlService(dying);
+        KillHidlProcess({dying});
         EXPECT_TRUE(registered());
         EXPECT_EQ(nullptr, IServiceNotification::tryGetService("x"));
         if (replaced) {
@@ -218,7 +218,7 @@ TEST_F(HostHidlTest, ADeadServicesNameMayStayForAWhile) {
         }
         KeepDeadHidlNames(false);
         EXPECT_EQ(replaced, registered());
-        KillHidlService(next);
+        KillHidlProcess({next});
         EXPECT_FALSE(registered());
     }
 }

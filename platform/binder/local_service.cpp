@@ -115,11 +115,6 @@ wp<ProxyBinder> LocalService::announce() {
     return std::exchange(mRequester, nullptr);
 }
 
-void LocalService::failNextTransaction(status_t status) {
-    std::lock_guard<std::mutex> lock(mMutex);
-    mNextFailure = status;
-}
-
 void LocalService::refuseDeathLinks(bool refuse) {
     std::lock_guard<std::mutex> lock(mMutex);
     mRefuseLinks = refuse;
@@ -130,21 +125,18 @@ void LocalService::receiveInto(const std::shared_ptr<TransactionBuffer>& buffer)
     mBuffer = buffer;
 }
 
-/** OK, and the buffer for it, if the transaction may go to the service, else its answer. */
-status_t LocalService::admit(uint32_t code, std::shared_ptr<TransactionBuffer>* buffer) {
+/** Null for a service that is dead. */
+std::shared_ptr<TransactionBuffer> LocalService::buffer() const {
     std::lock_guard<std::mutex> lock(mMutex);
-    if (mState != State::kAlive) return DEAD_OBJECT;
-    *buffer = mBuffer;
-    // A ping or a question for the descriptor must not use up the failure.
-    return code <= IBinder::LAST_CALL_TRANSACTION ? std::exchange(mNextFailure, OK) : OK;
+    return mState == State::kAlive ? mBuffer : nullptr;
 }
 
 /** Copies what crosses, and calls on the caller's thread. */
 status_t LocalService::transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags) {
     Parcel request, answer;
-    std::shared_ptr<TransactionBuffer> buffer;
-    status_t status = admit(code, &buffer);
-    if (status == OK) status = Receive(buffer, data, &request);
+    const std::shared_ptr<TransactionBuffer> into = buffer();
+    if (into == nullptr) return DEAD_OBJECT;
+    status_t status = Receive(into, data, &request);
     if (status != OK) return status;
     status = mBinder->transact(code, request, &answer, flags);
     if (!isAlive()) return DEAD_OBJECT;
@@ -189,17 +181,9 @@ void OnServiceDied(std::function<void()> hook) {
     g_onServiceDied.set(std::move(hook));
 }
 
-void KillService(const sp<IBinder>& local) {
-    KillProcess({local});
-}
-
 void ShareProcess(const std::vector<sp<IBinder>>& locals) {
     const auto buffer = std::make_shared<TransactionBuffer>();
     for (const sp<IBinder>& local : locals) LocalService::Of(local)->receiveInto(buffer);
-}
-
-void FailNextTransaction(const sp<IBinder>& local, status_t status) {
-    LocalService::Of(local)->failNextTransaction(status);
 }
 
 void RefuseDeathLinks(const sp<IBinder>& local, bool refuse) {

@@ -38,7 +38,6 @@ class LocalService : public std::enable_shared_from_this<LocalService> {
     /** Ends the silence after die(): returns the proxy to be told, null if none wants to be. */
     android::wp<ProxyBinder> announce();
 
-    void failNextTransaction(android::status_t status);
     void refuseDeathLinks(bool refuse);
     void receiveInto(const std::shared_ptr<TransactionBuffer>& buffer);
 
@@ -63,7 +62,7 @@ class LocalService : public std::enable_shared_from_this<LocalService> {
 
     explicit LocalService(android::BBinder* binder) : mBinder(binder) {}
 
-    android::status_t admit(uint32_t code, std::shared_ptr<TransactionBuffer>* buffer);
+    std::shared_ptr<TransactionBuffer> buffer() const;
 
     android::BBinder* const mBinder;  // lives as long as the proxy is held
     mutable std::mutex mMutex;
@@ -72,7 +71,6 @@ class LocalService : public std::enable_shared_from_this<LocalService> {
     android::wp<ProxyBinder> mRequester;
     State mState = State::kAlive;
     bool mRefuseLinks = false;
-    android::status_t mNextFailure = android::OK;
     std::shared_ptr<TransactionBuffer> mBuffer = std::make_shared<TransactionBuffer>();
 };
 

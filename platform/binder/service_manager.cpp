@@ -91,53 +91,6 @@ class ServiceManager : public IServiceManager {
         return mEntries[name].declared;
     }
 
-    void declare(const String16& name) {
-        std::lock_guard<std::mutex> lock(mMutex);
-        mEntries[name].declared = true;
-    }
-
-    void undeclare(const String16& name) {
-        std::lock_guard<std::mutex> lock(mMutex);
-        mEntries[name].declared = false;
-    }
-
-    void remove(const sp<IBinder>& service) {
-        std::lock_guard<std::mutex> lock(mMutex);
-        if (mKeepDead) return;
-        for (auto& [name, entry] : mEntries) {
-            if (entry.service == service) entry.service = nullptr;
-        }
-    }
-
-    void keepDead(bool keep) {
-        std::vector<sp<IBinder>> released;
-        std::lock_guard<std::mutex> lock(mMutex);
-        mKeepDead = keep;
-        if (keep) return;
-        for (auto& [name, entry] : mEntries) {
-            if (entry.service == nullptr || IsServiceAlive(entry.service)) continue;
-            released.push_back(std::exchange(entry.service, nullptr));
-        }
-    }
-
-    void reset() {
-        std::vector<sp<IBinder>> released;
-        std::lock_guard<std::mutex> lock(mMutex);
-        mKeepDead = false;
-        for (auto& [name, entry] : mEntries) {
-            released.push_back(std::exchange(entry.service, nullptr));
-            entry.declared = false;
-        }
-        ++mResets;
-        mChanged.notify_all();
-    }
-
-    size_t lookUps() const { return mLookUps; }
-
-  protected:
-    IBinder* onAsBinder() override { return nullptr; }
-
-  private:
     struct Waiter {
         sp<IBinder> service;
     };
@@ -149,6 +102,18 @@ class ServiceManager : public IServiceManager {
         std::vector<std::shared_ptr<Waiter>> waiters;
     };
 
+    // What the host's controls below work on.
+    mutable std::mutex mMutex;
+    mutable std::condition_variable mChanged;
+    mutable std::map<String16, Entry> mEntries;
+    mutable std::atomic<size_t> mLookUps = 0;
+    bool mKeepDead = false;
+    int mResets = 0;
+
+  protected:
+    IBinder* onAsBinder() override { return nullptr; }
+
+  private:
     /**
      * A waiter hears of a registration on a binder thread, as of anything else: late when all are
      * busy, and of the service that was registered then, whatever has become of it.
@@ -191,43 +156,52 @@ class ServiceManager : public IServiceManager {
         entry->waiters.erase(std::find(entry->waiters.begin(), entry->waiters.end(), waiter));
         return waiter->service;
     }
-
-    mutable std::mutex mMutex;
-    mutable std::condition_variable mChanged;
-    mutable std::map<String16, Entry> mEntries;
-    mutable std::atomic<size_t> mLookUps = 0;
-    bool mKeepDead = false;
-    int mResets = 0;
 };
-
-String16 Name(const std::string& name) {
-    return String16(name.c_str(), name.size());
-}
 
 }  // namespace
 
 void RemoveRegistrations(const sp<IBinder>& service) {
-    ServiceManager::Get()->remove(service);
+    ServiceManager& manager = *ServiceManager::Get();
+    const std::lock_guard<std::mutex> lock(manager.mMutex);
+    if (manager.mKeepDead) return;
+    for (auto& [name, entry] : manager.mEntries) {
+        if (entry.service == service) entry.service = nullptr;
+    }
 }
 
-void DeclareService(const std::string& name) {
-    ServiceManager::Get()->declare(Name(name));
-}
-
-void UndeclareService(const std::string& name) {
-    ServiceManager::Get()->undeclare(Name(name));
+void DeclareService(const std::string& name, bool declared) {
+    ServiceManager& manager = *ServiceManager::Get();
+    const std::lock_guard<std::mutex> lock(manager.mMutex);
+    manager.mEntries[String16(name.c_str(), name.size())].declared = declared;
 }
 
 void KeepDeadNames(bool keep) {
-    ServiceManager::Get()->keepDead(keep);
+    ServiceManager& manager = *ServiceManager::Get();
+    std::vector<sp<IBinder>> released;
+    const std::lock_guard<std::mutex> lock(manager.mMutex);
+    manager.mKeepDead = keep;
+    if (keep) return;
+    for (auto& [name, entry] : manager.mEntries) {
+        if (entry.service == nullptr || IsServiceAlive(entry.service)) continue;
+        released.push_back(std::exchange(entry.service, nullptr));
+    }
 }
 
 size_t LookUpCount() {
-    return ServiceManager::Get()->lookUps();
+    return ServiceManager::Get()->mLookUps;
 }
 
 void ResetServiceManager() {
-    ServiceManager::Get()->reset();
+    ServiceManager& manager = *ServiceManager::Get();
+    std::vector<sp<IBinder>> released;
+    const std::lock_guard<std::mutex> lock(manager.mMutex);
+    manager.mKeepDead = false;
+    for (auto& [name, entry] : manager.mEntries) {
+        released.push_back(std::exchange(entry.service, nullptr));
+        entry.declared = false;
+    }
+    ++manager.mResets;
+    manager.mChanged.notify_all();
 }
 
 }  // namespace kalvorn::host

@@ -322,14 +322,13 @@ using hidl_runtime::Life;
 using hidl_runtime::Registry;
 using hidl_runtime::TheRegistry;
 
-void DeclareHidlService(const std::string& descriptor, const std::string& instance) {
+void DeclareHidlService(const std::string& descriptor, const std::string& instance, bool declared) {
     const std::lock_guard<std::mutex> lock(TheRegistry().mutex);
-    TheRegistry().declared.emplace(descriptor, instance);
-}
-
-void UndeclareHidlService(const std::string& descriptor, const std::string& instance) {
-    const std::lock_guard<std::mutex> lock(TheRegistry().mutex);
-    TheRegistry().declared.erase({descriptor, instance});
+    if (declared) {
+        TheRegistry().declared.emplace(descriptor, instance);
+    } else {
+        TheRegistry().declared.erase({descriptor, instance});
+    }
 }
 
 void KillHidlProcess(const std::vector<HidlService>& services,
@@ -348,10 +347,6 @@ void KillHidlProcess(const std::vector<HidlService>& services,
     }
     if (killTheRest) killTheRest();
     for (const HidlService& service : mourned) hidl_runtime::PostObituary(service);
-}
-
-void KillHidlService(const HidlService& service) {
-    KillHidlProcess({service});
 }
 
 void KeepDeadHidlNames(bool keep) {

@@ -11,11 +11,11 @@
 
 namespace kalvorn::host {
 
-/** Declares a service such as "pkg.IFoo/default": isDeclared() is true from here on. */
-void DeclareService(const std::string& name);
-
-/** Takes a declaration back. A registration stays, and whoever waits for the service goes on. */
-void UndeclareService(const std::string& name);
+/**
+ * Declares a service such as "pkg.IFoo/default", which is what isDeclared() answers, or takes that
+ * back: a registration stays, and whoever waits for the service goes on.
+ */
+void DeclareService(const std::string& name, bool declared = true);
 
 /**
  * Forgets all declarations and registrations, and ends KeepDeadNames. Whoever waits for a service
@@ -54,17 +54,11 @@ void OnLink(std::function<void()> hook);
  */
 void OnLastReference(std::function<void()> hook);
 
-/** Lets a service die that is alone in its process. */
-void KillService(const android::sp<android::IBinder>& local);
-
 /**
  * Puts services into one process: the requests under way to them share its transaction buffer.
  * Otherwise each has a process of its own. What does not fit fails with FAILED_TRANSACTION.
  */
 void ShareProcess(const std::vector<android::sp<android::IBinder>>& locals);
-
-/** The next call of a method answers `status` without reaching the service; later ones reach it. */
-void FailNextTransaction(const android::sp<android::IBinder>& local, android::status_t status);
 
 /** While `refuse` is set, linkToDeath on the service's proxy answers INVALID_OPERATION. */
 void RefuseDeathLinks(const android::sp<android::IBinder>& local, bool refuse);

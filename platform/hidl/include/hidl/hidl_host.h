@@ -20,11 +20,10 @@ using HidlService = ::android::sp<::android::hidl::base::V1_0::IBase>;
 /**
  * Declares an instance of exactly this descriptor: getService() waits for it from now on, while an
  * undeclared one is null at once, registered or not. A parent version has a declaration of its own.
+ * Or takes that back; whoever waits for the service already goes on waiting.
  */
-void DeclareHidlService(const std::string& descriptor, const std::string& instance);
-
-/** Takes a declaration back; whoever waits for the service already goes on waiting. */
-void UndeclareHidlService(const std::string& descriptor, const std::string& instance);
+void DeclareHidlService(const std::string& descriptor, const std::string& instance,
+                        bool declared = true);
 
 /**
  * Lets services die as one process: all are dead before the first notice is queued. They are
@@ -36,9 +35,6 @@ void UndeclareHidlService(const std::string& descriptor, const std::string& inst
  */
 void KillHidlProcess(const std::vector<HidlService>& services,
                      const std::function<void()>& killTheRest = nullptr);
-
-/** The same for a process of one service. */
-void KillHidlService(const HidlService& service);
 
 /**
  * While set, dead services stay registered, as a service manager that has not heard of the death
