@@ -5,10 +5,6 @@ namespace android::binder {
 Status::Status(int32_t exceptionCode, int32_t errorCode, const String8& message)
     : mException(exceptionCode), mErrorCode(errorCode), mMessage(message) {}
 
-Status Status::ok() {
-    return Status();
-}
-
 Status Status::fromExceptionCode(int32_t exceptionCode) {
     return Status(exceptionCode, 0, String8());
 }

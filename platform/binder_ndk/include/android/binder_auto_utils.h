@@ -22,13 +22,8 @@ class SpAIBinder {
     SpAIBinder(SpAIBinder&& other) noexcept : mBinder(std::exchange(other.mBinder, nullptr)) {}
     ~SpAIBinder() { set(nullptr); }
 
-    SpAIBinder& operator=(const SpAIBinder& other) {
-        SpAIBinder copy(other);
-        std::swap(mBinder, copy.mBinder);
-        return *this;
-    }
-    SpAIBinder& operator=(SpAIBinder&& other) noexcept {
-        set(std::exchange(other.mBinder, nullptr));
+    SpAIBinder& operator=(SpAIBinder other) noexcept {
+        std::swap(mBinder, other.mBinder);
         return *this;
     }
 

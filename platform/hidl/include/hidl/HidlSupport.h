@@ -100,7 +100,7 @@ inline bool operator!=(const hidl_string& lhs, const hidl_string& rhs) {
     return !(lhs == rhs);
 }
 
-/** An array of any length that owns its elements unless setToExternal() lent them; copies own. */
+/** An array of any length that owns its elements. */
 template <typename T>
 class hidl_vec {
   public:
@@ -108,16 +108,10 @@ class hidl_vec {
     hidl_vec(std::initializer_list<T> list) : hidl_vec(list.begin(), list.size()) {}
     hidl_vec(const hidl_vec& other) : hidl_vec(other.data(), other.size()) {}
     hidl_vec(hidl_vec&& other) noexcept { swap(other); }
-    ~hidl_vec() {
-        if (mOwnsBuffer) delete[] data();
-    }
+    ~hidl_vec() { delete[] data(); }
 
-    hidl_vec& operator=(const hidl_vec& other) {
-        hidl_vec(other).swap(*this);
-        return *this;
-    }
-    hidl_vec& operator=(hidl_vec&& other) noexcept {
-        hidl_vec(std::move(other)).swap(*this);
+    hidl_vec& operator=(hidl_vec other) noexcept {
+        swap(other);
         return *this;
     }
 
@@ -127,15 +121,6 @@ class hidl_vec {
         resized.allocate(size);
         std::move(begin(), begin() + std::min(size, this->size()), resized.begin());
         swap(resized);
-    }
-
-    /** Borrows an array, or takes it over (from new[]) with `shouldOwn`. */
-    void setToExternal(T* data, size_t size, bool shouldOwn = false) {
-        hidl_vec lent;
-        lent.mBuffer = data;
-        lent.mSize = static_cast<uint32_t>(size);
-        lent.mOwnsBuffer = shouldOwn;
-        swap(lent);
     }
 
     T* data() { return mBuffer; }
@@ -156,17 +141,14 @@ class hidl_vec {
     void allocate(size_t size) {
         mBuffer = new T[size]();
         mSize = static_cast<uint32_t>(size);
-        mOwnsBuffer = true;
     }
     void swap(hidl_vec& other) noexcept {
         std::swap(mBuffer, other.mBuffer);
         std::swap(mSize, other.mSize);
-        std::swap(mOwnsBuffer, other.mOwnsBuffer);
     }
 
     details::hidl_pointer<T> mBuffer;
     uint32_t mSize = 0;
-    bool mOwnsBuffer = false;
 };
 
 template <typename T>
