@@ -154,10 +154,9 @@ TEST_F(OverlapTest, AProxyOfNoUseDoesNotOutlastADeath) {
 }
 
 /** Lives, and answers pings as the dead do. */
-struct PingedInVain : native_hidl::ILight {
+struct PingedInVain : native_hidl::IExtBiometricsFingerprint {
     Return<void> ping() override { return Status::fromStatusT(android::DEAD_OBJECT); }
-    Return<int32_t> setLightsBrightness(int32_t, int32_t) override { return 0; }
-    Return<int32_t> set_led_alwayson_status(int32_t, int32_t) override { return 0; }
+    Return<int32_t> sendCmdToHal(int32_t) override { return 0; }
 };
 
 TEST_F(OverlapTest, ALivingServiceThatAnswersAsTheDeadDoIsNotAskedForEver) {
@@ -165,9 +164,9 @@ TEST_F(OverlapTest, ALivingServiceThatAnswersAsTheDeadDoIsNotAskedForEver) {
     device.Script({{"createSession", {}, "", {}}, Fault::kDeadObject});
     auto fingerprint = std::async(std::launch::async, native_aidl::InitFingerprintService);
 
-    host::DeclareHidlService(native_hidl::ILight::descriptor, "default");
+    host::DeclareHidlService(PingedInVain::descriptor, "default");
     EXPECT_EQ(android::OK, (new PingedInVain)->registerAsService("default"));
-    auto hidlLight = std::async(std::launch::async, native_hidl::InitLight);
+    auto hidlFingerprint = std::async(std::launch::async, native_hidl::InitFingerprintService);
 
     device.Start(kAidl, "light");
     device.Script("set_led_alwayson_status", Fault::kDeadObject);
@@ -181,8 +180,8 @@ TEST_F(OverlapTest, ALivingServiceThatAnswersAsTheDeadDoIsNotAskedForEver) {
 
     EXPECT_EQ(0, fingerprint.get());
     EXPECT_TRUE(held::IsHeld(native_aidl::g_aidlFingerprint)) << "it lives, and refuses";
-    hidlLight.get();
-    EXPECT_TRUE(held::IsHeld(native_hidl::g_light));
+    hidlFingerprint.get();
+    EXPECT_TRUE(held::IsHeld(native_hidl::g_qxFingerprint));
     host::ResetHidlRegistry();
     native_hidl::ExitKvManager();
     native_aidl::g_aidlFingerprint.reset();
