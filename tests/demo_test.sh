@@ -8,7 +8,7 @@ build=$2
 device=$3
 
 # services BACKEND: how many the simulated device has over it, whatever their revisions.
-services() { grep -cE 'services(, |\[)"[a-z_]+"[],]' "$source/simulator/$1_services.cpp"; }
+services() { grep -cE 'services(, |\.emplace_back\()"[a-z_]+",' "$source/simulator/$1_services.cpp"; }
 all=$(services aidl)
 hidl=$(services hidl)
 declare -A connected=(

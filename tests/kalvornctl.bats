@@ -239,7 +239,7 @@ END
     expect "those of HIDL" "HIDL none HIDL" "$(awk '$2 == "light" && $3 != "died" {print $3}' watched | xargs)"
     expect "an AIDL service that lives" "AIDL none AIDL" "$(awk '$2 == "power" {print $3}' watched | xargs)"
     holds "the notice over AIDL" "  serviceDied, remote hal service died" watched
-    holds "the notice over HIDL" "  enter into ProcessServiceDied, cookie is:6" watched
+    holds "the notice over HIDL" "  enter into ProcessServiceDied, cookie is:3" watched
     expect "what each line begins with" "" "$(grep -vE '^[0-9]{2}:[0-9]{2}:[0-9]{2}\.[0-9]{3}  ' watched)"
     for ((i = 0; i < 200; i++)); do  # what reads the log ends with it
         pgrep -af -- "$PWD/tmp/" >left || break

@@ -124,6 +124,7 @@ TEST_F(OverlapTest, AServiceThatDiesWhenAskedForASessionIsAskedAnew) {
 // somebody looks it up, libbinder would clear the link that he makes.
 TEST_F(OverlapTest, ALivingServiceIsNotLetGoWhileItIsLookedUp) {
     LoadWithProfile("aidl");
+    const android::wp<native_aidl::ILight> released = native_aidl::g_aidlLight;
     host::OnLastReference(Once([] { Unnoticed([] { native_aidl::InitLight(); }); }));
     device.At(kAidl, "power").Kill();
     device.Start(kAidl, "power");
@@ -132,6 +133,7 @@ TEST_F(OverlapTest, ALivingServiceIsNotLetGoWhileItIsLookedUp) {
     for (const std::string& service : Device::Services()) {
         EXPECT_EQ(1u, device.DeathLinks(kAidl, service)) << service;
     }
+    EXPECT_EQ(nullptr, released.promote()) << "it has gone when its proxy is held again";
 }
 
 // A proxy on which one call has broken off serves no more, though its service lives. It goes with
