@@ -34,16 +34,17 @@ bool IsService(const string& word) {
     return std::find(services.begin(), services.end(), word) != services.end();
 }
 
-/** The services that a line names after its backend. */
+/** The services that a line names after its backend; "all" are those without a revision. */
 void ReadServices(const Words& words, size_t first, std::vector<Member>* members) {
     const auto backend = words.size() < first ? std::nullopt : BackendOf(words[first - 1]);
     if (!backend) Refuse("late is followed by aidl or hidl");
     if (words.size() == first) Refuse("no services are named");
-    for (size_t i = first; i < words.size(); i++) {
-        if (!Device::Get().Has(*backend, words[i])) {
-            Refuse("no service \"" + words[i] + "\" over " + words[first - 1]);
-        }
-        members->push_back({*backend, words[i]});
+    const bool isAll = words.size() == first + 1 && words[first] == "all";
+    const Words names = isAll ? Device::Services() : Words(words.begin() + first, words.end());
+    for (const string& name : names) {
+        const bool isThere = Device::Get().Has(*backend, name);
+        if (!isThere && !isAll) Refuse("no service \"" + name + "\" over " + words[first - 1]);
+        if (isThere) members->push_back({*backend, name});
     }
 }
 
