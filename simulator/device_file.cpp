@@ -34,18 +34,37 @@ bool IsService(const string& word) {
     return std::find(services.begin(), services.end(), word) != services.end();
 }
 
-/** The services that a line names after its backend; "all" are those without a revision. */
-void ReadServices(const Words& words, size_t first, std::vector<Member>* members) {
-    const auto backend = words.size() < first ? std::nullopt : BackendOf(words[first - 1]);
-    if (!backend) Refuse("late is followed by aidl or hidl");
-    if (words.size() == first) Refuse("no services are named");
-    const bool isAll = words.size() == first + 1 && words[first] == "all";
-    const Words names = isAll ? Device::Services() : Words(words.begin() + first, words.end());
-    for (const string& name : names) {
-        const bool isThere = Device::Get().Has(*backend, name);
-        if (!isThere && !isAll) Refuse("no service \"" + name + "\" over " + words[first - 1]);
-        if (isThere) members->push_back({*backend, name});
+/** "SERVICE...", "all" (of no revision), or "all but SERVICE...". */
+Words ReadNames(Backend backend, Words words) {
+    const bool isAll = words[0] == "all";
+    if (isAll) {
+        if (words.size() == 2 || (words.size() > 2 && words[1] != "but")) {
+            Refuse("all is followed by nothing, or by but and services");
+        }
+        words.erase(words.begin(), words.begin() + (words.size() > 2 ? 2 : 1));
     }
+    for (const string& name : words) {
+        if (!Device::Get().Has(backend, name)) {
+            Refuse("no service \"" + name + "\" over " +
+                   (backend == Backend::kAidl ? "aidl" : "hidl"));
+        }
+    }
+    if (!isAll) return words;
+    Words names;
+    for (const string& name : Device::Services()) {
+        const bool isLeftOut = std::find(words.begin(), words.end(), name) != words.end();
+        if (Device::Get().Has(backend, name) && !isLeftOut) names.push_back(name);
+    }
+    return names;
+}
+
+/** The services that stand behind their backend. */
+void ReadServices(Words words, std::vector<Member>* members) {
+    const auto backend = words.empty() ? std::nullopt : BackendOf(words[0]);
+    if (!backend) Refuse("late is followed by aidl or hidl");
+    words.erase(words.begin());
+    if (words.empty()) Refuse("no services are named");
+    for (const string& name : ReadNames(*backend, words)) members->push_back({*backend, name});
 }
 
 Process ReadProcess(const Words& words) {
@@ -104,9 +123,9 @@ void DeviceFile::Read(const string& line) {
     } else if (words[0] == "process") {
         processes.push_back(ReadProcess(words));
     } else if (words[0] == "late") {
-        ReadServices(words, 2, &late);
+        ReadServices({words.begin() + 1, words.end()}, &late);
     } else if (BackendOf(words[0])) {
-        ReadServices(words, 1, &running);
+        ReadServices(words, &running);
     } else {
         Refuse("neither services, an answer nor an event: " + line);
     }

@@ -273,7 +273,7 @@ watch_until() {
     expect "lines too long" "" "$(awk 'length >= 100' screen)"
     holds "the death" "  sim              died" screen
     for size in "10 40" "4 40"; do
-        watch_until "$size" "none: sim satellite"
+        watch_until "$size" "none: sim "
         expect "lines too long for $size" "" "$(awk -v most="${size#* }" 'length >= most' screen)"
         [ "$(wc -l <screen)" -lt "${size% *}" ]
     done

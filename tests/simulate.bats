@@ -131,6 +131,9 @@ junit() {
         expect "$line" "simulate: $PWD/station7.device:3: $message" "$output"
     done <<'END'
 aidl|no services are named
+hidl all but|all is followed by nothing, or by but and services
+aidl all light|all is followed by nothing, or by but and services
+hidl all but sim|no service "sim" over hidl
 hidl light sim|no service "sim" over hidl
 late factory|late is followed by aidl or hidl
 process factory fan|no service "fan"
