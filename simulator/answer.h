@@ -11,6 +11,10 @@ namespace kalvorn::device {
 
 enum class Backend { kAidl, kHidl };
 
+constexpr const char* NameOf(Backend backend) {
+    return backend == Backend::kAidl ? "aidl" : "hidl";
+}
+
 enum class Fault {
     kNone,
     /** The call fails on its way back; the caller's values stay as they were. */

@@ -48,10 +48,6 @@ const std::vector<std::string>& Device::Services() {
 
 namespace {
 
-bool Contains(const std::vector<std::string>& names, const std::string& name) {
-    return std::find(names.begin(), names.end(), name) != names.end();
-}
-
 /** A service's name without its revision. */
 std::string BaseName(const std::string& service) {
     return service.substr(0, service.find('@'));
@@ -79,8 +75,9 @@ Service* Device::Find(Backend backend, const std::string& service) const {
 }
 
 Service& Device::At(Backend backend, const std::string& service) const {
-    if (!Has(backend, service)) throw std::out_of_range(service);
-    return *Find(backend, service);
+    Service* const found = Find(backend, service);
+    if (found == nullptr) throw std::out_of_range(service);
+    return *found;
 }
 
 bool Device::Has(Backend backend, const std::string& service) const {
@@ -88,7 +85,8 @@ bool Device::Has(Backend backend, const std::string& service) const {
 }
 
 bool Device::IsRunning(Backend backend, const std::string& service) const {
-    return Has(backend, service) && At(backend, service).IsRunning();
+    const Service* const found = Find(backend, service);
+    return found != nullptr && found->IsRunning();
 }
 
 size_t Device::DeathLinks(Backend backend, const std::string& service) const {
@@ -201,10 +199,6 @@ bool WaitForBoth(int milliseconds, bool (*waitForBinder)(std::chrono::millisecon
     }
 }
 
-const char* NameOf(Backend backend) {
-    return backend == Backend::kAidl ? "aidl" : "hidl";
-}
-
 }  // namespace
 
 bool Device::Settle(int milliseconds) {
@@ -260,9 +254,8 @@ const std::map<std::string, Answer>& UsualAnswers() {
 
 std::string CallText(Backend backend, const std::string& service, const std::string& method,
                      const std::vector<std::string>& arguments) {
-    std::string text = std::string(NameOf(backend)) + " " + service + "." + method + "(";
-    for (size_t i = 0; i < arguments.size(); i++) text += (i == 0 ? "" : ", ") + arguments[i];
-    return text + ")";
+    return std::string(NameOf(backend)) + " " + service + "." + method + "(" + Joined(arguments) +
+           ")";
 }
 
 }  // namespace

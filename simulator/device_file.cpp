@@ -16,10 +16,6 @@ using Words = std::vector<string>;
 
 constexpr char kExtension[] = ".device";
 
-[[noreturn]] void Refuse(const string& why) {
-    throw std::runtime_error(why);
-}
-
 /** Empty for a word that names none. */
 std::optional<Backend> BackendOf(string word) {
     std::transform(word.begin(), word.end(), word.begin(),
@@ -27,11 +23,6 @@ std::optional<Backend> BackendOf(string word) {
     if (word == "aidl") return Backend::kAidl;
     if (word == "hidl") return Backend::kHidl;
     return {};
-}
-
-bool IsService(const string& word) {
-    const Words& services = Device::Services();
-    return std::find(services.begin(), services.end(), word) != services.end();
 }
 
 /** "SERVICE...", "all" (of no revision), or "all but SERVICE...". */
@@ -45,15 +36,13 @@ Words ReadNames(Backend backend, Words words) {
     }
     for (const string& name : words) {
         if (!Device::Get().Has(backend, name)) {
-            Refuse("no service \"" + name + "\" over " +
-                   (backend == Backend::kAidl ? "aidl" : "hidl"));
+            Refuse("no service \"" + name + "\" over " + NameOf(backend));
         }
     }
     if (!isAll) return words;
     Words names;
     for (const string& name : Device::Services()) {
-        const bool isLeftOut = std::find(words.begin(), words.end(), name) != words.end();
-        if (Device::Get().Has(backend, name) && !isLeftOut) names.push_back(name);
+        if (Device::Get().Has(backend, name) && !Contains(words, name)) names.push_back(name);
     }
     return names;
 }
@@ -70,7 +59,7 @@ void ReadServices(Words words, std::vector<Member>* members) {
 Process ReadProcess(const Words& words) {
     Process process(words.begin() + 1, words.end());
     for (const string& service : process) {
-        if (!IsService(service)) Refuse("no service \"" + service + "\"");
+        if (!Contains(Device::Services(), service)) Refuse("no service \"" + service + "\"");
     }
     return process;
 }
@@ -92,12 +81,11 @@ bool ReadEvent(const Words& words, Event* event) {
         return backend && Device::Get().Has(*backend, words[2]);
     }
     event->kind = isKill ? Event::kKillProcess : Event::kRestartProcess;
-    return words.size() == 2 && IsService(words[1]);
+    return words.size() == 2 && Contains(Device::Services(), words[1]);
 }
 
 bool IsEventWord(const string& word) {
-    const Words all{"wait", "kill", "restart", "kill-process", "restart-process"};
-    return std::find(all.begin(), all.end(), word) != all.end();
+    return Contains({"wait", "kill", "restart", "kill-process", "restart-process"}, word);
 }
 
 }  // namespace
@@ -158,8 +146,7 @@ Words NamedDevices() {
 }
 
 bool IsNamedDevice(const string& name) {
-    const Words names = NamedDevices();
-    return std::find(names.begin(), names.end(), name) != names.end();
+    return Contains(NamedDevices(), name);
 }
 
 string DevicePath(const string& device) {
@@ -168,10 +155,8 @@ string DevicePath(const string& device) {
         std::filesystem::path(device).extension() == kExtension) {
         return std::filesystem::absolute(device).lexically_normal();
     }
-    string names;
-    for (const string& name : NamedDevices()) names += name + ", ";
-    Refuse("no device \"" + device + "\"; there are: " + names + "and files that end with " +
-           kExtension);
+    Refuse("no device \"" + device + "\"; there are: " + Joined(NamedDevices()) +
+           ", and files that end with " + kExtension);
 }
 
 }  // namespace kalvorn::device

@@ -25,20 +25,10 @@ constexpr ServiceMethod kMethods[] = {
 #include "service_methods.inc"
 };
 
-string Joined(const Words& words) {
-    string text;
-    for (const string& word : words) text += (text.empty() ? "" : ", ") + word;
-    return text;
-}
-
 Words MethodNames() {
     Words names;
     for (const ServiceMethod& method : kMethods) names.emplace_back(method.name);
     return names;
-}
-
-[[noreturn]] void Refuse(const string& why) {
-    throw std::runtime_error(why);
 }
 
 /** The last one outside the texts of the answer; others may stand in an argument. */
@@ -85,6 +75,20 @@ void ReadAnswer(Words words, Rule* rule) {
 }
 
 }  // namespace
+
+void Refuse(const string& why) {
+    throw std::runtime_error(why);
+}
+
+bool Contains(const Words& names, const string& name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+string Joined(const Words& words) {
+    string text;
+    for (size_t i = 0; i < words.size(); i++) text += (i == 0 ? "" : ", ") + words[i];
+    return text;
+}
 
 bool CallPattern::Matches(Backend itsBackend, const string& itsService, const string& itsMethod,
                           const Words& itsArguments) const {
@@ -136,7 +140,7 @@ Rule ParseRule(const string& text) {
 }
 
 void CheckName(const string& what, const string& name, const Words& right) {
-    if (std::find(right.begin(), right.end(), name) != right.end()) return;
+    if (Contains(right, name)) return;
     Refuse("no " + what + " \"" + name + "\"; there are: " + Joined(right));
 }
 

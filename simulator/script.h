@@ -55,6 +55,14 @@ std::vector<std::string> SplitWords(const std::string& text);
 /** A number of at least 0, else nothing. */
 std::optional<double> ParseSeconds(const std::string& text);
 
+/** Throws std::runtime_error. */
+[[noreturn]] void Refuse(const std::string& why);
+
+bool Contains(const std::vector<std::string>& names, const std::string& name);
+
+/** The words with ", " between them. */
+std::string Joined(const std::vector<std::string>& words);
+
 /** Throws, and names the right ones, when this name is none of them. */
 void CheckName(const std::string& what, const std::string& name,
                const std::vector<std::string>& right);

@@ -52,7 +52,7 @@ TEST_F(OverlapTest, ADeathBeforeThePublicationIsHeardOf) {
     } cases[] = {{kAidl, host::OnLink, [] { native_aidl::InitLight(); }},
                  {kHidl, host::OnHidlLink, native_hidl::InitLight}};
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.backend == kAidl ? "aidl" : "hidl");
+        SCOPED_TRACE(NameOf(c.backend));
         device.Start(c.backend, "light");
         c.onLink(Once([&] {
             device.At(c.backend, "light").Kill();

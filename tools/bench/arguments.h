@@ -18,17 +18,13 @@ inline void StartDevice(Backend backend) {
     auto& device = kalvorn::device::Device::Get();
     device.Reset();
     device.RecordCalls(false);
-    device.StartProfile(backend == Backend::kAidl ? "aidl" : "hidl");
+    device.StartProfile(NameOf(backend));
     for (auto* store : {&device.nv, &device.results, &device.flags}) {
         store->Write(kNumber, kText, {});
     }
 }
 
 constexpr Backend kBackends[] = {Backend::kAidl, Backend::kHidl};
-
-constexpr const char* NameOf(Backend backend) {
-    return backend == Backend::kAidl ? "aidl" : "hidl";
-}
 
 /** A method that asks a service. */
 struct Method {
