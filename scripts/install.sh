@@ -17,7 +17,7 @@ declare -A lists=(
     [soak]="jq libgoogle-gson-java libhdrhistogram-java libjs-chart.js"
     [bench]="binutils jq valgrind"
     [tidy]="clang-tidy"
-    [arm]="binutils-arm-linux-gnueabihf mmdebstrap qemu-user-static xz-utils"
+    [arm]="binutils-arm-linux-gnueabihf mmdebstrap qemu-user-static"
     [fuzz]="android-liblog-dev clang libclang-rt-14-dev"
 )
 lists[test]+=" ${lists[soak]}"
