@@ -561,7 +561,8 @@ const char* WrongAtRest(const State& s) {
         for (unsigned life = 0; life < kLives; life++) {
             const Proxy& proxy = s.proxies[i][life];
             if (proxy.links != (life == s.life)) return "links are missing or left over";
-            if (life == s.life && (!proxy.isRequested || proxy.isObituaryOut)) return "deaf";
+            if (life == s.life && (!proxy.isRequested || proxy.isObituaryOut))
+                return "a death goes unheard";
         }
     }
     for (const Thread& t : s.threads) {

@@ -29,7 +29,7 @@ namespace over_aidl {
 
 using namespace native_aidl;
 
-class Deaf : public android::IBinder::DeathRecipient {
+class Recipient : public android::IBinder::DeathRecipient {
     void binderDied(const android::wp<android::IBinder>&) override {}
 };
 
@@ -44,8 +44,9 @@ sp<Interface> LookUp(const char* instance) {
 
 /** All that a client holds. */
 struct Held {
-    const sp<Deaf> deaf = new Deaf;
-    const ndk::ScopedAIBinder_DeathRecipient ndkDeaf{AIBinder_DeathRecipient_new([](void*) {})};
+    const sp<Recipient> recipient = new Recipient;
+    const ndk::ScopedAIBinder_DeathRecipient ndkRecipient{
+            AIBinder_DeathRecipient_new([](void*) {})};
     std::vector<sp<android::IInterface>> proxies;
     std::shared_ptr<ISession> session;
 
@@ -53,7 +54,7 @@ struct Held {
     void Take(const char* instance) {
         const sp<Interface> proxy = LookUp<Interface>(instance);
         if (proxy == nullptr) return;
-        Interface::asBinder(proxy)->linkToDeath(deaf);
+        Interface::asBinder(proxy)->linkToDeath(recipient);
         proxies.push_back(proxy);
     }
 
@@ -65,7 +66,7 @@ struct Held {
         if (fingerprint == nullptr) return;
         fingerprint->createSession(-1, -1000, nullptr, &session);
         if (session == nullptr) return;
-        AIBinder_linkToDeath(session->asBinder().get(), ndkDeaf.get(), nullptr);
+        AIBinder_linkToDeath(session->asBinder().get(), ndkRecipient.get(), nullptr);
     }
 };
 
@@ -117,7 +118,7 @@ using namespace native_hidl;
 using android::hardware::hidl_death_recipient;
 using android::hardware::hidl_string;
 
-class Deaf : public hidl_death_recipient {
+class Recipient : public hidl_death_recipient {
     void serviceDied(uint64_t, const android::wp<IBase>&) override {}
 };
 
@@ -127,14 +128,14 @@ sp<Interface> LookUp(const char* instance) {
 }
 
 struct Held {
-    const sp<Deaf> deaf = new Deaf;
+    const sp<Recipient> recipient = new Recipient;
     std::vector<sp<IBase>> services;
 
     template <typename Interface>
     void Take(const char* instance) {
         const sp<Interface> service = LookUp<Interface>(instance);
         if (service == nullptr) return;
-        (void)service->linkToDeath(deaf, 0).isOk();
+        (void)service->linkToDeath(recipient, 0).isOk();
         services.push_back(service);
     }
 };
